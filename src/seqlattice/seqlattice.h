@@ -1,0 +1,13 @@
+// Umbrella header of the seqlattice library: includes every public header.
+// Hosts may include it alone and use the short namespace alias below.
+#ifndef SEQLATTICE_SEQLATTICE_H_
+#define SEQLATTICE_SEQLATTICE_H_
+
+// support
+#include "seqlattice/support/kvpower.h"
+#include "seqlattice/support/kvstatus.h"
+#include "seqlattice/support/seqexceptions.h"
+
+namespace seqlattice = SEQUENCE_NAMESPACE_800;
+
+#endif  // SEQLATTICE_SEQLATTICE_H_

@@ -1,0 +1,47 @@
+#include "seqlattice/support/kvstatus.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using KvCommon_850::KvStatus;
+
+TEST(KvStatusTest, DefaultIsOk) {
+  KvStatus status;
+  EXPECT_TRUE(status.IsOK());
+  EXPECT_EQ(status.GetCode(), 0);
+  EXPECT_FALSE(status.GetFlag());
+  EXPECT_TRUE(status.GetDiscreteData().empty());
+}
+
+TEST(KvStatusTest, BuiltFromCodeIsNotOk) {
+  KvStatus status(60000, false);
+  EXPECT_FALSE(status.IsOK());
+  EXPECT_EQ(status.GetCode(), 60000);
+  EXPECT_FALSE(status.GetFlag());
+
+  KvStatus flagged(1, true);
+  EXPECT_FALSE(flagged.IsOK());
+  EXPECT_EQ(flagged.GetCode(), 1);
+  EXPECT_TRUE(flagged.GetFlag());
+}
+
+TEST(KvStatusTest, CodeZeroIsStillNotOk) {
+  KvStatus status(0, false);
+  EXPECT_FALSE(status.IsOK());
+  EXPECT_EQ(status.GetCode(), 0);
+}
+
+TEST(KvStatusTest, DiscreteDataKeepOrder) {
+  KvStatus status(60001, false);
+  status.SetDiscreteDatum(7);
+  status.SetDiscreteDatum(3);
+  ASSERT_EQ(status.GetDiscreteData().size(), 2u);
+  EXPECT_EQ(status.GetDiscreteData()[0], 7);
+  EXPECT_EQ(status.GetDiscreteData()[1], 3);
+  KvStatus copy = status;
+  EXPECT_EQ(copy.GetDiscreteData(), status.GetDiscreteData());
+  EXPECT_EQ(copy.GetCode(), 60001);
+}
+
+}  // namespace

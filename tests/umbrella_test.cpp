@@ -1,0 +1,18 @@
+// The umbrella header compiles on its own and offers the short alias.
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+#include "seqlattice/seqlattice.h"
+
+namespace {
+
+TEST(UmbrellaTest, AliasNamesTheLibraryNamespace) {
+  static_assert(
+      std::is_same_v<seqlattice::SeqExceptions::IOException,
+                     SEQUENCE_NAMESPACE_800::SeqExceptions::IOException>);
+  KvCommon_850::KvStatus status;
+  EXPECT_TRUE(status.IsOK());
+}
+
+}  // namespace
