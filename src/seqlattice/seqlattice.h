@@ -3,6 +3,11 @@
 #ifndef SEQLATTICE_SEQLATTICE_H_
 #define SEQLATTICE_SEQLATTICE_H_
 
+// dictionary
+#include "seqlattice/dictionary/dictionarysettings.h"
+#include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/dictionary/sequencesemilattice.h"
+
 // support
 #include "seqlattice/support/kvpower.h"
 #include "seqlattice/support/kvstatus.h"
