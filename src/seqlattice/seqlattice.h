@@ -3,6 +3,10 @@
 #ifndef SEQLATTICE_SEQLATTICE_H_
 #define SEQLATTICE_SEQLATTICE_H_
 
+// mining
+#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/mining/sequencedatabase.h"
+
 // support
 #include "seqlattice/support/kvpower.h"
 #include "seqlattice/support/kvstatus.h"
