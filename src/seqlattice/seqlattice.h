@@ -11,6 +11,8 @@
 #include "seqlattice/support/kvpower.h"
 #include "seqlattice/support/kvstatus.h"
 #include "seqlattice/support/seqexceptions.h"
+#include "seqlattice/support/xmldocument.h"
+#include "seqlattice/support/xmlobj.h"
 
 namespace seqlattice = SEQUENCE_NAMESPACE_800;
 
