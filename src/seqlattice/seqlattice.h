@@ -12,6 +12,11 @@
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
 
+// store
+#include "seqlattice/store/hashpairseq.h"
+#include "seqlattice/store/sequencedescriptor.h"
+#include "seqlattice/store/statsbucket.h"
+
 // support
 #include "seqlattice/support/kvpower.h"
 #include "seqlattice/support/kvstatus.h"
