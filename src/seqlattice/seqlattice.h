@@ -11,10 +11,16 @@
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/pattern/packedsequence.h"
 
+// mining
+#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/mining/sequencedatabase.h"
+
 // support
 #include "seqlattice/support/kvpower.h"
 #include "seqlattice/support/kvstatus.h"
 #include "seqlattice/support/seqexceptions.h"
+#include "seqlattice/support/xmldocument.h"
+#include "seqlattice/support/xmlobj.h"
 
 namespace seqlattice = SEQUENCE_NAMESPACE_800;
 
