@@ -11,6 +11,11 @@
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/pattern/packedsequence.h"
 
+// dictionary
+#include "seqlattice/dictionary/dictionarysettings.h"
+#include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/dictionary/sequencesemilattice.h"
+
 // mining
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
