@@ -3,6 +3,14 @@
 #ifndef SEQLATTICE_SEQLATTICE_H_
 #define SEQLATTICE_SEQLATTICE_H_
 
+// sequence model
+#include "seqlattice/sequence/sequence.h"
+#include "seqlattice/sequence/timeditemset.h"
+
+// pattern keys
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/pattern/packedsequence.h"
+
 // dictionary
 #include "seqlattice/dictionary/dictionarysettings.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
