@@ -3,10 +3,34 @@
 #ifndef SEQLATTICE_SEQLATTICE_H_
 #define SEQLATTICE_SEQLATTICE_H_
 
+// sequence model
+#include "seqlattice/sequence/sequence.h"
+#include "seqlattice/sequence/timeditemset.h"
+
+// pattern keys
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/pattern/packedsequence.h"
+
+// dictionary
+#include "seqlattice/dictionary/dictionarysettings.h"
+#include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/dictionary/sequencesemilattice.h"
+
+// mining
+#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/mining/sequencedatabase.h"
+
+// store
+#include "seqlattice/store/hashpairseq.h"
+#include "seqlattice/store/sequencedescriptor.h"
+#include "seqlattice/store/statsbucket.h"
+
 // support
 #include "seqlattice/support/kvpower.h"
 #include "seqlattice/support/kvstatus.h"
 #include "seqlattice/support/seqexceptions.h"
+#include "seqlattice/support/xmldocument.h"
+#include "seqlattice/support/xmlobj.h"
 
 namespace seqlattice = SEQUENCE_NAMESPACE_800;
 
