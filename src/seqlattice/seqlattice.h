@@ -17,8 +17,12 @@
 #include "seqlattice/dictionary/sequencesemilattice.h"
 
 // mining
+#include "seqlattice/mining/csvreader.h"
+#include "seqlattice/mining/csvrecords.h"
+#include "seqlattice/mining/itemlabels.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/mining/timeparse.h"
 
 // store
 #include "seqlattice/store/hashpairseq.h"
