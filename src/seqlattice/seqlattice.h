@@ -4,8 +4,11 @@
 #define SEQLATTICE_SEQLATTICE_H_
 
 // mining
+#include "seqlattice/mining/memorybudget.h"
+#include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/mining/spmfreader.h"
 
 // support
 #include "seqlattice/support/kvpower.h"
