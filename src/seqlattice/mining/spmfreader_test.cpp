@@ -37,13 +37,19 @@ SequenceDatabase read(const std::string& text) {
   return db;
 }
 
-std::string errorOf(const std::string& text) {
+// The message of the MiningError that reading throws, or "no error".
+template <class Read>
+std::string errorOf(const Read& readIt) {
   try {
-    read(text);
+    readIt();
   } catch (const MiningError& e) {
     return e.what();
   }
   return "no error";
+}
+
+std::string errorOf(const std::string& text) {
+  return errorOf([&text]() { read(text); });
 }
 
 TEST(SpmfReaderTest, ReadsItemSetsInOrderWithIndexTimes) {
@@ -87,25 +93,16 @@ TEST(SpmfReaderTest, ReadsAFileAndNamesItInErrors) {
     out << "1 2 -1 3 -1 -2\n2 -1 -2\n3 -1 x\n";
   }
   SequenceDatabase db;
-  try {
-    readSpmfFile(path, db);
-    FAIL() << "malformed file accepted";
-  } catch (const MiningError& e) {
-    EXPECT_EQ(std::string(e.what()),
-              path + ":3: expected an item, -1 or -2, found 'x'");
-  }
+  EXPECT_EQ(errorOf([&]() { readSpmfFile(path, db); }),
+            path + ":3: expected an item, -1 or -2, found 'x'");
   EXPECT_EQ(db.customerCount(), 2u);
   std::remove(path.c_str());
 }
 
 TEST(SpmfReaderTest, MissingFileIsReported) {
   SequenceDatabase db;
-  try {
-    readSpmfFile("/nonexistent/seq.txt", db);
-    FAIL() << "missing file accepted";
-  } catch (const MiningError& e) {
-    EXPECT_EQ(std::string(e.what()), "/nonexistent/seq.txt: cannot open file");
-  }
+  EXPECT_EQ(errorOf([&]() { readSpmfFile("/nonexistent/seq.txt", db); }),
+            "/nonexistent/seq.txt: cannot open file");
 }
 
 TEST(SpmfReaderTest, FixtureFileMinesAsExpected) {
