@@ -39,7 +39,7 @@ SequenceDatabase read(const std::string& text) {
 
 // The message of the MiningError that reading throws, or "no error".
 template <class Read>
-std::string errorOf(const Read& readIt) {
+std::string errorFrom(const Read& readIt) {
   try {
     readIt();
   } catch (const MiningError& e) {
@@ -49,7 +49,7 @@ std::string errorOf(const Read& readIt) {
 }
 
 std::string errorOf(const std::string& text) {
-  return errorOf([&text]() { read(text); });
+  return errorFrom([&text]() { read(text); });
 }
 
 TEST(SpmfReaderTest, ReadsItemSetsInOrderWithIndexTimes) {
@@ -93,7 +93,7 @@ TEST(SpmfReaderTest, ReadsAFileAndNamesItInErrors) {
     out << "1 2 -1 3 -1 -2\n2 -1 -2\n3 -1 x\n";
   }
   SequenceDatabase db;
-  EXPECT_EQ(errorOf([&]() { readSpmfFile(path, db); }),
+  EXPECT_EQ(errorFrom([&]() { readSpmfFile(path, db); }),
             path + ":3: expected an item, -1 or -2, found 'x'");
   EXPECT_EQ(db.customerCount(), 2u);
   std::remove(path.c_str());
@@ -101,7 +101,7 @@ TEST(SpmfReaderTest, ReadsAFileAndNamesItInErrors) {
 
 TEST(SpmfReaderTest, MissingFileIsReported) {
   SequenceDatabase db;
-  EXPECT_EQ(errorOf([&]() { readSpmfFile("/nonexistent/seq.txt", db); }),
+  EXPECT_EQ(errorFrom([&]() { readSpmfFile("/nonexistent/seq.txt", db); }),
             "/nonexistent/seq.txt: cannot open file");
 }
 
