@@ -1,26 +1,10 @@
 // seqlattice convert: a model from the binary to the XML object format or
 // back; the labels and mining parameters travel along.
-#include "clierror.h"
+#include "convert.h"
+
 #include "command.h"
-#include "modelfile.h"
 
 namespace seqlattice_cli {
-
-namespace {
-
-struct ConvertOptions {
-  std::string input;
-  std::string output;
-  std::string to;  // "binary", "xml", or empty for the other form
-};
-
-void runConvert(const ConvertOptions& options) {
-  Model model = loadModel(options.input);
-  bool xml = options.to.empty() ? !model.xml : options.to == "xml";
-  saveModel(model, options.output, xml);
-}
-
-}  // namespace
 
 Command addConvertCommand(CLI::App& app) {
   auto options = std::make_shared<ConvertOptions>();

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "clierror.h"
-#include "itemsyntax.h"
 #include "output.h"
 #include "seqlattice/sequence/sequence.h"
 #include "seqlattice/sequence/timeditemset.h"
 #include "seqlattice/store/sequencedescriptor.h"
+#include "sequencelabels.h"
 
 namespace seqlattice_cli {
 
@@ -46,9 +46,9 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
-std::vector<Node> mostFrequent(SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
-                               const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels,
-                               int top) {
+std::vector<Node> mostFrequent(
+    SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
+    const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels, int top) {
   std::vector<Node> nodes;
   std::vector<const Sequence*> patterns;
   for (int k = 1; k <= dict.LargestSequence(); ++k) {
@@ -56,10 +56,9 @@ std::vector<Node> mostFrequent(SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
     KvCommon_850::KvStatus status = dict.getSequencesOfSize(patterns, k, false);
     for (const Sequence* pattern : patterns) {
       auto* counter = dict.getDescriptor(pattern);
-      nodes.push_back({keyOf(*pattern),
-                       cellText(sequenceCell(*pattern, labels), true),
-                       pattern->Size(),
-                       counter != nullptr ? counter->getCount() : 0});
+      nodes.push_back(
+          {keyOf(*pattern), cellText(sequenceCell(*pattern, labels), true),
+           pattern->Size(), counter != nullptr ? counter->getCount() : 0});
       delete pattern;
     }
     if (!status.IsOK()) failInput("export: listing the patterns failed");

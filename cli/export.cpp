@@ -1,62 +1,12 @@
 // seqlattice export: the model as a PMML sequence model, as the lattice
 // document, or as a Graphviz graph of its most frequent patterns.
-#include <iostream>
+#include "export.h"
 
-#include "atomicfile.h"
-#include "clierror.h"
 #include "command.h"
-#include "dotgraph.h"
-#include "modelfile.h"
-#include "rulebounds.h"
 
 namespace seqlattice_cli {
 
 namespace {
-
-struct ExportOptions {
-  std::string model;
-  std::string output;
-  RuleBounds bounds;
-  double latticeMinSupport = 0.0;
-  int top = 30;
-};
-
-void checkStatus(const KvCommon_850::KvStatus& status, const char* what) {
-  if (!status.IsOK()) {
-    failInput(std::string("export: ") + what + " failed (status " +
-              std::to_string(status.GetCode()) + ")");
-  }
-}
-
-void runPmml(const ExportOptions& options) {
-  Model model = loadModel(options.model);
-  const RuleBounds& b = options.bounds;
-  writeOutput(options.output, [&](std::ostream& out) {
-    checkStatus(model.dictionary->ExportRulesXML(
-                    out, b.minSupport, b.maxSupport, b.minConfidence,
-                    b.maxConfidence, b.minCause, b.maxCause,
-                    model.mining.maxItemsPerTransaction,
-                    model.mining.avgItemsPerTransaction(), b.sortLetter(),
-                    b.maximal),
-                "the PMML document");
-  });
-}
-
-void runLattice(const ExportOptions& options) {
-  Model model = loadModel(options.model);
-  writeOutput(options.output, [&](std::ostream& out) {
-    checkStatus(
-        model.dictionary->ExportLatticeXML(out, options.latticeMinSupport),
-        "the lattice document");
-  });
-}
-
-void runDot(const ExportOptions& options) {
-  Model model = loadModel(options.model);
-  writeOutput(options.output, [&](std::ostream& out) {
-    writeDotGraph(out, *model.dictionary, model.items, options.top);
-  });
-}
 
 CLI::App* addFormatCommand(CLI::App* exportCommand, const char* name,
                            const char* description, ExportOptions* options) {

@@ -1,6 +1,5 @@
 #include "inputlog.h"
 
-#include "clierror.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/spmfreader.h"
 
@@ -15,15 +14,18 @@ bool endsWith(const std::string& text, const std::string& suffix) {
          text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
-char delimiterFor(const std::string& path, const InputOptions& options) {
-  const std::string& d = options.delimiter;
-  if (d.empty()) {
-    return endsWith(path, ".tsv") || endsWith(path, ".tab") ? '\t' : ',';
+// The delimiter an option value names, or 0 when it names none.
+char delimiterOf(const std::string& text) {
+  if (text == "tab" || text == "\\t" || text == "\t") return '\t';
+  if (text.size() == 1 && text != "\"" && text != "\n" && text != "\r") {
+    return text[0];
   }
-  if (d == "tab" || d == "\\t" || d == "\t") return '\t';
-  if (d.size() == 1 && d != "\"" && d != "\n" && d != "\r") return d[0];
-  failUsage("--delimiter \"" + d +
-            "\": expected one character other than a quote, or \"tab\"");
+  return '\0';
+}
+
+char delimiterFor(const std::string& path, const InputOptions& options) {
+  if (!options.delimiter.empty()) return delimiterOf(options.delimiter);
+  return endsWith(path, ".tsv") || endsWith(path, ".tab") ? '\t' : ',';
 }
 
 }  // namespace
@@ -36,17 +38,29 @@ void addInputOptions(CLI::App* command, InputOptions* options,
                    "SPMF, other files CSV)")
       ->check(CLI::IsMember({"csv", "spmf", "auto"}))
       ->default_str("auto");
-  command->add_option("--customer", options->customerColumn,
-                      "CSV column of the customer")
+  command
+      ->add_option("--customer", options->customerColumn,
+                   "CSV column of the customer")
       ->default_str("customer");
-  command->add_option("--time", options->timeColumn,
-                      "CSV column of the time: a number or an ISO-8601 date")
+  command
+      ->add_option("--time", options->timeColumn,
+                   "CSV column of the time: a number or an ISO-8601 date")
       ->default_str("time");
   command->add_option("--item", options->itemColumn, "CSV column of the item")
       ->default_str("item");
-  command->add_option("--delimiter", options->delimiter,
-                      "CSV field delimiter: one character or \"tab\" "
-                      "(default: tab for *.tsv, else ',')");
+  command
+      ->add_option("--delimiter", options->delimiter,
+                   "CSV field delimiter: one character or \"tab\" "
+                   "(default: tab for *.tsv, else ',')")
+      ->check(CLI::Validator(
+          [](std::string& text) -> std::string {
+            return delimiterOf(text) != '\0'
+                       ? ""
+                       : "expected one character other than a quote, or "
+                         "\"tab\", not \"" +
+                             text + "\"";
+          },
+          "C"));
 }
 
 std::string inputFormat(const std::string& path, const InputOptions& options) {

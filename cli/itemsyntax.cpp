@@ -1,20 +1,10 @@
 #include "itemsyntax.h"
 
-#include <climits>
-#include <optional>
-#include <set>
-
 #include "clierror.h"
-#include "seqlattice/pattern/ntsequence.h"
-#include "seqlattice/sequence/timeditemset.h"
-#include "seqlattice/store/hashpairseq.h"
 
 namespace seqlattice_cli {
 
 namespace {
-
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::TimedItemSet;
 
 std::string trimmed(const std::string& text) {
   std::string::size_type first = text.find_first_not_of(" \t");
@@ -36,14 +26,13 @@ std::vector<std::string> split(const std::string& text, char separator) {
 
 }  // namespace
 
-LabelSets parseItemSequence(const std::string& text,
-                            const std::string& optionName) {
+LabelSets parseItemSequence(const std::string& text) {
   LabelSets sets;
   for (const std::string& setText : split(text, ';')) {
     std::vector<std::string> labels = split(setText, ',');
     for (const std::string& label : labels) {
       if (label.empty()) {
-        failUsage(optionName + " \"" + text +
+        failUsage("\"" + text +
                   "\": empty item (write item sets as \"a,b;c\")");
       }
     }
@@ -52,47 +41,17 @@ LabelSets parseItemSequence(const std::string& text,
   return sets;
 }
 
-int unknownItemCode(const SEQUENCE_NAMESPACE_800::SequenceDictionary& dict) {
-  std::set<int> used;
-  if (const auto* level1 = dict.getLevel(1)) {
-    for (auto at = level1->begin(); at != level1->end(); ++at) {
-      used.insert(at->key->getItemInSet(0, 0));
-    }
-  }
-  int code = INT_MIN;
-  while (used.count(code) != 0) ++code;
-  return code;
-}
-
-Sequence makeSequence(const LabelSets& sets,
-                      const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels,
-                      int unknownCode, std::vector<std::string>* unknown) {
-  Sequence sequence(static_cast<int>(sets.size()));
-  double time = 0;
-  for (const auto& set : sets) {
-    TimedItemSet itemSet(static_cast<int>(set.size()), time++);
-    for (const std::string& label : set) {
-      std::optional<int> code = labels.codeOf(label);
-      if (!code && unknown != nullptr) unknown->push_back(label);
-      itemSet.AddItem(code ? *code : unknownCode);
-    }
-    sequence.AddTimedItemSet(&itemSet);
-  }
-  return sequence;
-}
-
-Json sequenceCell(const Sequence& sequence,
-                  const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels) {
-  Json sets = Json::array();
-  for (int s = 0; s < sequence.Length(); ++s) {
-    Json set = Json::array();
-    const TimedItemSet* itemSet = sequence[s];
-    for (const int* item = itemSet->Begin(); item != itemSet->End(); ++item) {
-      set.push_back(labels.labelOf(*item));
-    }
-    sets.push_back(std::move(set));
-  }
-  return sets;
+CLI::Validator itemSequenceValidator() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        try {
+          parseItemSequence(text);
+        } catch (const CliError& e) {
+          return e.what();
+        }
+        return "";
+      },
+      "SEQ");
 }
 
 }  // namespace seqlattice_cli

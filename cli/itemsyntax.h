@@ -1,46 +1,23 @@
-// Item sequences as the commands take and show them, by label.
-//
-// On the command line a sequence is written with its item sets separated by
-// ';' and the items of a set by ',': "espresso machine,milk frother;descaler"
-// is (espresso machine, milk frother) followed by (descaler). Spaces around
+// Item sequences as the commands take them: item sets separated by ';' and
+// the items of a set by ',', so "espresso machine,milk frother;descaler" is
+// (espresso machine, milk frother) followed by (descaler). Spaces around
 // labels are dropped. Labels holding ',' or ';' cannot be written this way.
-//
-// A label the model does not know cannot be part of any stored pattern; it is
-// given one code that no stored item uses, so that it still occupies its item
-// set (a history whose last order holds only new products is anchored on that
-// order, as the model's matching expects).
 #ifndef SEQLATTICE_CLI_ITEMSYNTAX_H_
 #define SEQLATTICE_CLI_ITEMSYNTAX_H_
 
+#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
-
-#include "output.h"
-#include "seqlattice/dictionary/sequencedictionary.h"
-#include "seqlattice/mining/itemlabels.h"
-#include "seqlattice/sequence/sequence.h"
 
 namespace seqlattice_cli {
 
 using LabelSets = std::vector<std::vector<std::string>>;
 
-// Splits "a,b;c"; throws CliError (usage) naming the option when a set or a
-// label is empty.
-LabelSets parseItemSequence(const std::string& text,
-                            const std::string& optionName);
+// Splits "a,b;c"; throws CliError (usage) when a set or a label is empty.
+LabelSets parseItemSequence(const std::string& text);
 
-// A code that no one-item pattern of the dictionary uses.
-int unknownItemCode(const SEQUENCE_NAMESPACE_800::SequenceDictionary& dict);
-
-// The sequence of the labelled sets (times 0, 1, 2, ...); labels without a
-// code become unknownCode and are appended to *unknown when it is not null.
-SEQUENCE_NAMESPACE_800::Sequence makeSequence(
-    const LabelSets& sets, const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels,
-    int unknownCode, std::vector<std::string>* unknown);
-
-// The sequence's item sets as arrays of labels, for a result table.
-Json sequenceCell(const SEQUENCE_NAMESPACE_800::Sequence& sequence,
-                  const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels);
+// Checks an option's value with parseItemSequence at parse time.
+CLI::Validator itemSequenceValidator();
 
 }  // namespace seqlattice_cli
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "clierror.h"
@@ -13,6 +14,26 @@ namespace {
 
 using seqlattice_cli::CliError;
 using seqlattice_cli::Command;
+
+// CLI11 reports an unknown command as a missing one; name it instead.
+void checkCommandNames(CLI::App& app, int argc, char** argv) {
+  CLI::App* level = &app;
+  for (int i = 1; i < argc; ++i) {
+    std::string name = argv[i];
+    auto commands = level->get_subcommands([](CLI::App*) { return true; });
+    if (name.empty() || name[0] == '-' || commands.empty()) return;
+    try {
+      level = level->get_subcommand(name);
+    } catch (const CLI::OptionNotFound&) {
+      std::string known;
+      for (CLI::App* command : commands) {
+        known += (known.empty() ? "" : ", ") + command->get_name();
+      }
+      seqlattice_cli::failUsage("unknown command \"" + name +
+                                "\" (commands: " + known + ")");
+    }
+  }
+}
 
 int run(int argc, char** argv) {
   CLI::App app(
@@ -26,21 +47,22 @@ int run(int argc, char** argv) {
       "  seqlattice mine data/sample/orders.csv -o orders.model\n"
       "  seqlattice rules orders.model --top 10\n"
       "Run 'seqlattice COMMAND --help' for a command's options.");
-  std::vector<Command> commands = {
-      seqlattice_cli::addMineCommand(app),
-      seqlattice_cli::addRulesCommand(app),
-      seqlattice_cli::addPredictCommand(app),
-      seqlattice_cli::addPatternsCommand(app),
-      seqlattice_cli::addExportCommand(app),
-      seqlattice_cli::addConvertCommand(app),
-      seqlattice_cli::addInfoCommand(app)};
+  std::vector<Command> commands = {seqlattice_cli::addMineCommand(app),
+                                   seqlattice_cli::addRulesCommand(app),
+                                   seqlattice_cli::addPredictCommand(app),
+                                   seqlattice_cli::addPatternsCommand(app),
+                                   seqlattice_cli::addExportCommand(app),
+                                   seqlattice_cli::addConvertCommand(app),
+                                   seqlattice_cli::addInfoCommand(app)};
 
+  checkCommandNames(app, argc, argv);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& e) {
     return app.exit(e);  // --help or --version
   } catch (const CLI::ParseError& e) {
-    app.exit(e);
+    std::cerr << "seqlattice: " << e.what()
+              << "\nRun with --help for more information.\n";
     return seqlattice_cli::kExitUsage;
   }
   for (const Command& command : commands) {
@@ -56,6 +78,9 @@ int main(int argc, char** argv) {
     return run(argc, argv);
   } catch (const CliError& e) {
     std::cerr << "seqlattice: " << e.what() << "\n";
+    if (e.exitCode() == seqlattice_cli::kExitUsage) {
+      std::cerr << "Run with --help for more information.\n";
+    }
     return e.exitCode();
   } catch (const SEQUENCE_NAMESPACE_800::mining::MiningError& e) {
     std::cerr << "seqlattice: " << e.what() << "\n";

@@ -28,7 +28,8 @@ std::string base64Encode(const std::string& bytes) {
   std::string text;
   for (std::size_t i = 0; i < bytes.size(); i += 3) {
     std::uint32_t n = static_cast<unsigned char>(bytes[i]) << 16;
-    if (i + 1 < bytes.size()) n |= static_cast<unsigned char>(bytes[i + 1]) << 8;
+    if (i + 1 < bytes.size())
+      n |= static_cast<unsigned char>(bytes[i + 1]) << 8;
     if (i + 2 < bytes.size()) n |= static_cast<unsigned char>(bytes[i + 2]);
     text += kBase64[(n >> 18) & 63];
     text += kBase64[(n >> 12) & 63];
@@ -87,8 +88,8 @@ void readDictionary(const std::string& path, Read read) {
   }
 }
 
-void loadBinary(const std::string& path, std::fstream& in,
-                std::streamoff size, Model* model) {
+void loadBinary(const std::string& path, std::fstream& in, std::streamoff size,
+                Model* model) {
   in.seekg(size - 16);
   char tail[16];
   in.read(tail, 16);
@@ -171,7 +172,8 @@ void saveModel(const Model& model, const std::string& path, bool xml) {
   try {
     if (xml) {
       model.dictionary->writeObjectXML(out);
-      out << "\n" << kXmlTrailerStart << base64Encode(trailer) << kXmlTrailerEnd;
+      out << "\n"
+          << kXmlTrailerStart << base64Encode(trailer) << kXmlTrailerEnd;
     } else {
       model.dictionary->writeObject(out);
       out.write(trailer.data(), static_cast<std::streamsize>(trailer.size()));

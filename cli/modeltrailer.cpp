@@ -21,12 +21,16 @@ class Writer {
     bytes_.append(static_cast<const char*>(data), n);
   }
   void u64(std::uint64_t v) {
-    for (int i = 0; i < 8; ++i) bytes_ += static_cast<char>((v >> (8 * i)) & 0xFF);
+    for (int i = 0; i < 8; ++i)
+      bytes_ += static_cast<char>((v >> (8 * i)) & 0xFF);
   }
   void u32(std::uint32_t v) {
-    for (int i = 0; i < 4; ++i) bytes_ += static_cast<char>((v >> (8 * i)) & 0xFF);
+    for (int i = 0; i < 4; ++i)
+      bytes_ += static_cast<char>((v >> (8 * i)) & 0xFF);
   }
-  void i64(long v) { u64(static_cast<std::uint64_t>(static_cast<std::int64_t>(v))); }
+  void i64(long v) {
+    u64(static_cast<std::uint64_t>(static_cast<std::int64_t>(v)));
+  }
   void i32(int v) { u32(static_cast<std::uint32_t>(v)); }
   void u8(bool v) { bytes_ += v ? '\1' : '\0'; }
   void f64(double v) {

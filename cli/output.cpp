@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <utility>
 
 namespace seqlattice_cli {
@@ -29,10 +28,16 @@ std::string csvField(const std::string& text) {
 }  // namespace
 
 void addFormatOption(CLI::App* command, Format* format) {
-  static const std::map<std::string, Format> kFormats = {
-      {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
-  command->add_option("--format", *format, "Output format: table, csv or json")
-      ->transform(CLI::CheckedTransformer(kFormats))
+  command
+      ->add_option_function<std::string>(
+          "--format",
+          [format](const std::string& name) {
+            *format = name == "csv"    ? Format::kCsv
+                      : name == "json" ? Format::kJson
+                                       : Format::kTable;
+          },
+          "Output format: table, csv or json")
+      ->check(CLI::IsMember({"table", "csv", "json"}))
       ->default_str("table");
 }
 
