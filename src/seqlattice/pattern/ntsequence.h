@@ -121,6 +121,11 @@ class NTSequence {
   void replaceItems(int n);
   // The shared part of the copy constructor and assignment.
   void copyFrom(const NTSequence& other);
+  // Refill from the item sets 0 .. end-1 of seq (reuseAs' reallocation rule).
+  void fillFrom(const Sequence& seq, int end);
+  // Sets the shape fields after the items were written, and the hash.
+  void adopt(int size, int nSets, long pattern);
+  void swap(NTSequence& other) noexcept;
 
   int size_ = 0;          // items in all sets
   int nSets_ = 0;         // item sets
