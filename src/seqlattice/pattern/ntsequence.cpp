@@ -29,11 +29,16 @@ NTSequence::NTSequence()
 
 NTSequence::NTSequence(int* set) : NTSequence(&set, 1) {}
 
-NTSequence::NTSequence(int** sets, int nSets) { reuseAs(sets, nSets); }
+NTSequence::NTSequence(int** sets, int nSets) : NTSequence(NoItems{}) {
+  reuseAs(sets, nSets);
+}
 
-NTSequence::NTSequence(const NTSequence& other) { copyFrom(other); }
+NTSequence::NTSequence(const NTSequence& other) : NTSequence(NoItems{}) {
+  copyFrom(other);
+}
 
-NTSequence::NTSequence(const NTSequence& src, int item, int position) {
+NTSequence::NTSequence(const NTSequence& src, int item, int position)
+    : NTSequence(NoItems{}) {
   const int k = position / 2;
   const bool newSet = position % 2 != 0;
   if (position < 0 || k > src.nSets_ || (!newSet && k == src.nSets_)) {
@@ -78,14 +83,17 @@ NTSequence::NTSequence(const NTSequence& src, int item, int position) {
   adopt(shape.size, shape.nSets, shape.pattern);
 }
 
-NTSequence::NTSequence(const Sequence& seq, int dropLast) {
+NTSequence::NTSequence(const Sequence& seq, int dropLast)
+    : NTSequence(NoItems{}) {
   if (dropLast < 0 || dropLast > seq.Length()) {
     throw std::out_of_range("NTSequence: dropLast outside the sequence");
   }
   fillFrom(seq, seq.Length() - dropLast);
 }
 
-NTSequence::NTSequence(const Sequence* seq) { reuseAs(seq); }
+NTSequence::NTSequence(const Sequence* seq) : NTSequence(NoItems{}) {
+  reuseAs(seq);
+}
 
 NTSequence& NTSequence::operator=(const NTSequence& other) {
   if (this != &other) copyFrom(other);

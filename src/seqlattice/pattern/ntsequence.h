@@ -115,6 +115,11 @@ class NTSequence {
   long readObjectXML(std::ifstream& in);
 
  private:
+  // An empty pattern without an array. The other constructors delegate here,
+  // so that the destructor releases what they allocated if they throw.
+  struct NoItems {};
+  explicit NTSequence(NoItems) {}
+
   // Releases the item array and allocates one of n slots (contents
   // undefined). Every replacement of items_ goes through here so that
   // itemsCapacity_ stays right.

@@ -19,20 +19,28 @@ constexpr long kSecondOfTwo = 9883;
 
 }  // namespace
 
+// The other constructors delegate here, so that the destructor releases what
+// they allocated if they throw.
 PackedSequence::PackedSequence() = default;
 
 PackedSequence::PackedSequence(int** sets, const double* startTimes,
-                               const double* endTimes, int nSets) {
+                               const double* endTimes, int nSets)
+    : PackedSequence() {
   reuseAs(sets, startTimes, endTimes, nSets);
 }
 
-PackedSequence::PackedSequence(int** sets, const double* times, int nSets) {
+PackedSequence::PackedSequence(int** sets, const double* times, int nSets)
+    : PackedSequence() {
   reuseAs(sets, times, nSets);
 }
 
-PackedSequence::PackedSequence(const Sequence* seq) { reuseAs(seq); }
+PackedSequence::PackedSequence(const Sequence* seq) : PackedSequence() {
+  reuseAs(seq);
+}
 
-PackedSequence::PackedSequence(const PackedSequence& other) { reuseAs(&other); }
+PackedSequence::PackedSequence(const PackedSequence& other) : PackedSequence() {
+  reuseAs(&other);
+}
 
 PackedSequence& PackedSequence::operator=(const PackedSequence& other) {
   if (this != &other) {

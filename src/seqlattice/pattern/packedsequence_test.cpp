@@ -148,6 +148,14 @@ TEST(PackedSequenceHashTest, FourItems) {
   EXPECT_EQ(MakeTimed({{2}, {4, 6}, {8}}).getHashCode(), 1713773772);
 }
 
+TEST(PackedSequenceHashTest, PatternTooLongForTheTableIsRefused) {
+  std::vector<int> set(33);
+  set[0] = 32;  // the 32-entry table serves at most 31 items
+  int* sets[] = {set.data()};
+  const double times[] = {0};
+  EXPECT_THROW(PackedSequence(sets, times, 1), std::length_error);
+}
+
 TEST(PackedSequenceHashTest, DiffersFromTheUntimedHash) {
   EXPECT_NE(MakeTimed({{1, 2}, {3}}).getHashCode(),
             MakePattern({{1, 2}, {3}}).getHashCode());

@@ -61,8 +61,8 @@ Sequence::Sequence() : imp_(new SequenceImp(2)) {}
 
 Sequence::Sequence(int n) : imp_(new SequenceImp(n)) {}
 
-Sequence::Sequence(const Sequence& other)
-    : imp_(new SequenceImp(other.Length())) {
+// Delegating makes the destructor run if a copy throws.
+Sequence::Sequence(const Sequence& other) : Sequence(other.Length()) {
   imp_->AppendFrom(*other.imp_, 0);
 }
 

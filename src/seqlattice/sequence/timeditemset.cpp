@@ -22,9 +22,9 @@ TimedItemSet::TimedItemSet(int /*sizeHint*/, double time)
   imp_->time = time;
 }
 
+// Delegating makes the destructor run if an AddItem throws.
 TimedItemSet::TimedItemSet(const TimedItemSet& other)
-    : imp_(new TimedItemSetImp) {
-  imp_->time = other.imp_->time;
+    : TimedItemSet(0, other.imp_->time) {
   for (int item : other.imp_->items) AddItem(item);
 }
 
