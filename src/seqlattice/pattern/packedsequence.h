@@ -103,6 +103,8 @@ class PackedSequence {
   void reserve(int nItems, int nSets);
   // Releases the three arrays and zeroes the capacities.
   void release();
+  // Sets the shape fields after the items were written, and the hash.
+  void adopt(int size, int nSets, long pattern);
 
   int size_ = 0;                  // items in all sets
   int itemsCapacity_ = 0;         // slots of items_
