@@ -9,10 +9,10 @@
 #include "clierror.h"
 #include "inputlog.h"
 #include "mine.h"
-#include "minedictionary.h"
 #include "modelfile.h"
 #include "progress.h"
 #include "seqlattice/dictionary/dictionarysettings.h"
+#include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/miner.h"
 
 namespace seqlattice_cli {
@@ -81,7 +81,10 @@ void runMine(const MineOptions& options) {
   settings.nLevels = options.maxItems + 1;
   model.dictionary = std::make_unique<SequenceDictionary>(settings);
   mining::MiningSummary summary =
-      mineIntoDictionary(db, minerOptions, *model.dictionary);
+      mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
+  // Every stored count reaches the minimum, so this removes nothing; it
+  // records the minimum support that the documents state.
+  model.dictionary->reduceAll(static_cast<double>(summary.minCount));
 
   progress.note("writing " + options.output + " ...");
   saveModel(model, options.output, options.xml);
