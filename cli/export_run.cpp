@@ -1,10 +1,9 @@
-// seqlattice export: the model as a PMML sequence model, as the lattice
-// document, or as a Graphviz graph of its most frequent patterns.
+// seqlattice export pmml|lattice: the model as a PMML sequence model or as
+// the lattice document.
 #include <iostream>
 
 #include "atomicfile.h"
 #include "clierror.h"
-#include "dotgraph.h"
 #include "export.h"
 #include "modelfile.h"
 #include "rulebounds.h"
@@ -41,13 +40,6 @@ void runLattice(const ExportOptions& options) {
     checkStatus(
         model.dictionary->ExportLatticeXML(out, options.latticeMinSupport),
         "the lattice document");
-  });
-}
-
-void runDot(const ExportOptions& options) {
-  Model model = loadModel(options.model);
-  writeOutput(options.output, [&](std::ostream& out) {
-    writeDotGraph(out, *model.dictionary, model.items, options.top);
   });
 }
 

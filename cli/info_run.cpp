@@ -1,6 +1,9 @@
 // seqlattice info: what a model holds and how it was mined.
+#include <algorithm>
+#include <cstdio>
 #include <iostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "info.h"
@@ -19,6 +22,30 @@ std::string supportText(const MiningParameters& m) {
   return text;
 }
 
+// A text table shows "field  value" lines; CSV has the columns field and
+// value; JSON is one object.
+void writeFields(const std::vector<std::pair<std::string, Json>>& fields,
+                 Format format) {
+  if (format == Format::kJson) {
+    Json object = Json::object();
+    for (const auto& [field, value] : fields) object[field] = value;
+    std::cout << object.dump(2) << "\n";
+    return;
+  }
+  if (format == Format::kCsv) {
+    ResultTable table({"field", "value"});
+    for (const auto& [field, value] : fields) table.addRow({field, value});
+    table.write(std::cout, format);
+    return;
+  }
+  std::size_t width = 0;
+  for (const auto& field : fields) width = std::max(width, field.first.size());
+  for (const auto& [field, value] : fields) {
+    std::cout << field << std::string(width + 2 - field.size(), ' ')
+              << cellText(value, true) << "\n";
+  }
+}
+
 }  // namespace
 
 void runInfo(const InfoOptions& options) {
@@ -28,9 +55,9 @@ void runInfo(const InfoOptions& options) {
   const auto& s = dict.getSettings();
   auto* level0 = dict.getLevel0Descriptor();
 
-  ResultTable table({"field", "value"});
-  auto add = [&](const char* field, Json value) {
-    table.addRow({field, std::move(value)});
+  std::vector<std::pair<std::string, Json>> fields;
+  auto add = [&](const std::string& field, Json value) {
+    fields.emplace_back(field, std::move(value));
   };
   add("model", options.model);
   add("format", model.xml ? "xml" : "binary");
@@ -50,7 +77,7 @@ void runInfo(const InfoOptions& options) {
   for (int k = 1; k < dict.getNLevels(); ++k) {
     std::string field =
         "patterns of " + std::to_string(k) + (k == 1 ? " item" : " items");
-    table.addRow({field, dict.CountSequencesOfSize(k)});
+    add(field, dict.CountSequencesOfSize(k));
   }
   add("lattice built", dict.isLatticeBuilt() ? "yes" : "no");
   add("levels (nLevels)", s.nLevels);
@@ -64,7 +91,7 @@ void runInfo(const InfoOptions& options) {
   add("sliding window", dict.getSlidingWindow());
   add("min gap", dict.getMinGap());
   add("max gap", dict.getMaxGap());
-  table.write(std::cout, options.format);
+  writeFields(fields, options.format);
 }
 
 }  // namespace seqlattice_cli

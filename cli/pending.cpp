@@ -26,7 +26,9 @@ void runPatterns(const PatternsOptions&) { failNotAvailable("patterns"); }
 #ifdef SEQLATTICE_CLI_PENDING_EXPORT
 void runPmml(const ExportOptions&) { failNotAvailable("export"); }
 void runLattice(const ExportOptions&) { failNotAvailable("export"); }
-void runDot(const ExportOptions&) { failNotAvailable("export"); }
+#endif
+#ifdef SEQLATTICE_CLI_PENDING_DOT
+void runDot(const ExportOptions&) { failNotAvailable("export dot"); }
 #endif
 #ifdef SEQLATTICE_CLI_PENDING_CONVERT
 void runConvert(const ConvertOptions&) { failNotAvailable("convert"); }

@@ -16,7 +16,8 @@ TEST_F(CliTest, PendingCommandsSaySo) {
                               ": not available in this build\n");
   }
   CliRun result = run({"export", "dot", "orders.model"});
-  EXPECT_EQ(result.err, "seqlattice: export: not available in this build\n");
+  EXPECT_EQ(result.err,
+            "seqlattice: export dot: not available in this build\n");
   EXPECT_TRUE(listWork().empty());
 }
 
