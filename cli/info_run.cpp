@@ -74,7 +74,7 @@ void runInfo(const InfoOptions& options) {
   add("min support (dictionary)", dict.getMinSupport());
   add("max items per pattern", m.maxItems);
   add("patterns", dict.NumberOfSequences() - 1);
-  for (int k = 1; k < dict.getNLevels(); ++k) {
+  for (int k = 1; k <= dict.LargestSequence(); ++k) {
     std::string field =
         "patterns of " + std::to_string(k) + (k == 1 ? " item" : " items");
     add(field, dict.CountSequencesOfSize(k));

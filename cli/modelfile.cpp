@@ -69,6 +69,10 @@ std::string readAll(std::istream& in) {
   return text.str();
 }
 
+[[noreturn]] void damaged(const std::string& path, const std::string& why) {
+  failInput(path + ": damaged dictionary record (" + why + ")");
+}
+
 [[noreturn]] void notAModel(const std::string& path, const std::string& why) {
   failInput(path + ": not a seqlattice model file (" + why + ")");
 }
@@ -77,14 +81,14 @@ std::string readAll(std::istream& in) {
 template <typename Read>
 void readDictionary(const std::string& path, Read read) {
   try {
-    if (!read()) failInput(path + ": damaged dictionary record");
+    if (!read()) damaged(path, "unreadable");
   } catch (IOException* e) {
     delete e;
-    failInput(path + ": damaged dictionary record");
+    damaged(path, "unreadable");
   } catch (const std::bad_alloc&) {
-    failInput(path + ": damaged dictionary record (too large to load)");
+    damaged(path, "too large to load");
   } catch (const SEQUENCE_NAMESPACE_800::SeqExceptions::DictionaryFailure&) {
-    failInput(path + ": damaged dictionary record");
+    damaged(path, "unreadable");
   }
 }
 
@@ -106,9 +110,12 @@ void loadBinary(const std::string& path, std::fstream& in, std::streamoff size,
   in.seekg(recordSize);
   std::string trailer(trailerSize, '\0');
   in.read(&trailer[0], static_cast<std::streamsize>(trailerSize));
-  decodeTrailer(trailer, path, model);
+  std::uint32_t checksum = decodeTrailer(trailer, path, model);
 
-  in.clear();
+  in.seekg(0);
+  std::string record(static_cast<std::size_t>(recordSize), '\0');
+  in.read(&record[0], recordSize);
+  if (!in || crc32(record) != checksum) damaged(path, "checksum mismatch");
   in.seekg(0);
   readDictionary(path, [&] {
     model->dictionary->readObject(in);
@@ -132,7 +139,12 @@ void loadXml(const std::string& path, std::streamoff size, Model* model) {
                     &trailer)) {
     notAModel(path, "damaged model trailer");
   }
-  decodeTrailer(trailer, path, model);
+  std::uint32_t checksum = decodeTrailer(trailer, path, model);
+  // The dictionary element ends before the line break that opens the
+  // trailer's line.
+  if (start == 0 || crc32(text.substr(0, start - 1)) != checksum) {
+    damaged(path, "checksum mismatch");
+  }
   in.clear();
   in.seekg(0);
   readDictionary(path, [&] {
@@ -168,24 +180,32 @@ Model loadModel(const std::string& path) {
 void saveModel(const Model& model, const std::string& path, bool xml) {
   AtomicFile file(path);
   std::fstream& out = file.stream();
-  std::string trailer = encodeTrailer(model);
   try {
     if (xml) {
       model.dictionary->writeObjectXML(out);
-      out << "\n"
-          << kXmlTrailerStart << base64Encode(trailer) << kXmlTrailerEnd;
     } else {
       model.dictionary->writeObject(out);
-      out.write(trailer.data(), static_cast<std::streamsize>(trailer.size()));
-      std::string tail;
-      for (int i = 0; i < 8; ++i) {
-        tail += static_cast<char>((trailer.size() >> (8 * i)) & 0xFF);
-      }
-      out << tail << kEndMark;
     }
   } catch (IOException* e) {
     delete e;
     failInput(path + ": cannot write the model");
+  }
+  // The checksum covers the dictionary part as it went to the file.
+  out.flush();
+  std::streamoff recordSize = out.tellp();
+  std::string record(static_cast<std::size_t>(recordSize), '\0');
+  out.seekg(0);
+  out.read(&record[0], recordSize);
+  out.seekp(recordSize);
+  std::string trailer = encodeTrailer(model, crc32(record));
+  if (xml) {
+    out << "\n" << kXmlTrailerStart << base64Encode(trailer) << kXmlTrailerEnd;
+  } else {
+    std::string tail;
+    for (int i = 0; i < 8; ++i) {
+      tail += static_cast<char>((trailer.size() >> (8 * i)) & 0xFF);
+    }
+    out << trailer << tail << kEndMark;
   }
   file.commit();
 }

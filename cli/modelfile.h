@@ -4,13 +4,16 @@
 // Binary form: the dictionary's binary record exactly as
 // SequenceDictionary::writeObject writes it (so readObject reads the file as
 // it stands), then the trailer, then the trailer's length (8 bytes) and the
-// end mark "SQLMODL1". XML form: the dictionary's XML object element, then the
-// same trailer base64-encoded in a comment. Loading recognises both forms.
+// end mark "SQLMODL1". The trailer holds a CRC-32 of the dictionary part, so
+// a damaged file is refused rather than loaded with wrong counts. XML form: the
+// dictionary's XML object element, then the same trailer base64-encoded in a
+// comment. Loading recognises both forms.
 //
 // A Model owns its dictionary. Not thread-safe (the dictionary is not).
 #ifndef SEQLATTICE_CLI_MODELFILE_H_
 #define SEQLATTICE_CLI_MODELFILE_H_
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -53,11 +56,15 @@ Model loadModel(const std::string& path);
 // Writes through AtomicFile, so a failure leaves an existing file as it was.
 void saveModel(const Model& model, const std::string& path, bool xml);
 
-// The trailer bytes, and back; decodeTrailer throws CliError (exit 1)
-// prefixed with path when the bytes are not a valid trailer.
-std::string encodeTrailer(const Model& model);
-void decodeTrailer(const std::string& bytes, const std::string& path,
-                   Model* model);
+// The trailer bytes, with the CRC-32 of the dictionary part, and back;
+// decodeTrailer throws CliError (exit 1) prefixed with path when the bytes
+// are not a valid trailer, and returns the checksum.
+std::string encodeTrailer(const Model& model, std::uint32_t checksum);
+std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
+                            Model* model);
+
+// CRC-32 (the ISO-HDLC one of zlib and PNG) of bytes.
+std::uint32_t crc32(const std::string& bytes);
 
 }  // namespace seqlattice_cli
 

@@ -1,4 +1,6 @@
-// The trailer of the model file: labels and mining parameters, little-endian.
+// The trailer of the model file: labels, mining parameters and the
+// dictionary's checksum, little-endian.
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
@@ -109,11 +111,12 @@ class Reader {
 
 }  // namespace
 
-std::string encodeTrailer(const Model& model) {
+std::string encodeTrailer(const Model& model, std::uint32_t checksum) {
   const MiningParameters& m = model.mining;
   Writer w;
   w.raw(kTrailerMark, sizeof kTrailerMark);
   w.u32(kTrailerVersion);
+  w.u32(checksum);
   w.u8(m.minSupportIsFraction);
   w.f64(m.minSupport);
   w.i64(m.minCount);
@@ -133,8 +136,8 @@ std::string encodeTrailer(const Model& model) {
   return w.take();
 }
 
-void decodeTrailer(const std::string& bytes, const std::string& path,
-                   Model* model) {
+std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
+                            Model* model) {
   try {
     Reader r(bytes);
     if (r.raw(sizeof kTrailerMark) !=
@@ -146,6 +149,7 @@ void decodeTrailer(const std::string& bytes, const std::string& path,
       failInput(path + ": model trailer version " + std::to_string(version) +
                 " is not supported (this build reads version 1)");
     }
+    std::uint32_t checksum = r.u32();
     MiningParameters& m = model->mining;
     m.minSupportIsFraction = r.u8();
     m.minSupport = r.f64();
@@ -166,11 +170,29 @@ void decodeTrailer(const std::string& bytes, const std::string& path,
     if (!r.atEnd()) throw std::runtime_error("extra bytes");
     model->items =
         SEQUENCE_NAMESPACE_800::mining::ItemLabels::fromStringLabels(labels);
+    return checksum;
   } catch (const CliError&) {
     throw;
   } catch (const std::exception& e) {
     failInput(path + ": damaged model trailer (" + e.what() + ")");
   }
+}
+
+std::uint32_t crc32(const std::string& bytes) {
+  static const auto kTable = [] {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t n = 0; n < 256; ++n) {
+      std::uint32_t c = n;
+      for (int k = 0; k < 8; ++k) c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
+      table[n] = c;
+    }
+    return table;
+  }();
+  std::uint32_t crc = 0xFFFFFFFFu;
+  for (unsigned char byte : bytes) {
+    crc = kTable[(crc ^ byte) & 0xFF] ^ (crc >> 8);
+  }
+  return crc ^ 0xFFFFFFFFu;
 }
 
 }  // namespace seqlattice_cli
