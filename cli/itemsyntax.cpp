@@ -28,6 +28,7 @@ std::vector<std::string> split(const std::string& text, char separator) {
 
 LabelSets parseItemSequence(const std::string& text) {
   LabelSets sets;
+  if (trimmed(text).empty()) return sets;
   for (const std::string& setText : split(text, ';')) {
     std::vector<std::string> labels = split(setText, ',');
     for (const std::string& label : labels) {
@@ -41,11 +42,13 @@ LabelSets parseItemSequence(const std::string& text) {
   return sets;
 }
 
-CLI::Validator itemSequenceValidator() {
+CLI::Validator itemSequenceValidator(bool allowEmpty) {
   return CLI::Validator(
-      [](std::string& text) -> std::string {
+      [allowEmpty](std::string& text) -> std::string {
         try {
-          parseItemSequence(text);
+          if (parseItemSequence(text).empty() && !allowEmpty) {
+            return "empty sequence";
+          }
         } catch (const CliError& e) {
           return e.what();
         }

@@ -13,11 +13,13 @@ namespace seqlattice_cli {
 
 using LabelSets = std::vector<std::vector<std::string>>;
 
-// Splits "a,b;c"; throws CliError (usage) when a set or a label is empty.
+// Splits "a,b;c"; "" (or blanks) is the empty sequence, a customer without
+// orders yet. Throws CliError (usage) when a set or a label is empty.
 LabelSets parseItemSequence(const std::string& text);
 
-// Checks an option's value with parseItemSequence at parse time.
-CLI::Validator itemSequenceValidator();
+// Checks an option's value with parseItemSequence at parse time; the empty
+// sequence passes only when allowEmpty.
+CLI::Validator itemSequenceValidator(bool allowEmpty);
 
 }  // namespace seqlattice_cli
 

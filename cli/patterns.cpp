@@ -22,7 +22,7 @@ Command addPatternsCommand(CLI::App& app) {
       "--ending", options->ending,
       "Patterns that end with this sequence and add earlier orders");
   for (CLI::Option* query : {contains, beginning, ending}) {
-    query->check(itemSequenceValidator());
+    query->check(itemSequenceValidator(false));
   }
   contains->excludes(beginning)->excludes(ending);
   beginning->excludes(contains)->excludes(ending);

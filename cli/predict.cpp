@@ -16,11 +16,11 @@ Command addPredictCommand(CLI::App& app) {
   CLI::Option* history = command->add_option(
       "--history", options->history,
       "The customer's orders, oldest first: items of an order separated by "
-      "',', orders by ';' (\"a,b;c\")");
+      "',', orders by ';' (\"a,b;c\"); \"\" for a new customer");
   CLI::Option* input = command->add_option(
       "--input", options->input,
       "Batch mode: predict for every customer of this transaction file");
-  history->check(itemSequenceValidator());
+  history->check(itemSequenceValidator(true));
   history->excludes(input);
   input->excludes(history);
   command->add_flag("--current", options->current,

@@ -93,17 +93,30 @@ TEST_F(CliQueryTest, PredictTheCurrentOrder) {
       "rank  item  confidence  support  cause\n");
 }
 
-TEST_F(CliQueryTest, PredictWithAnEmptyHistoryGivesTheMostFrequentItems) {
-  EXPECT_EQ(output({"predict", "shop.model", "--history", "soap", "--top", "2",
+TEST_F(CliQueryTest, PredictForANewCustomerGivesTheMostFrequentItems) {
+  // Equal shares put the larger item code first: tea (3) before jam (1).
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "", "--top", "2",
                     "--format", "csv"}),
-            "rank,item,confidence,support,cause\n");
+            "rank,item,confidence,support,cause\n"
+            "1,pot,0.6,0.6,1.0\n"
+            "2,tea,0.4,0.4,1.0\n");
 }
 
-TEST_F(CliQueryTest, PredictWarnsAboutUnknownItems) {
+TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
+  // The last order matches nothing; the order before it predicts.
   CliRun result = run({"predict", "shop.model", "--history", "pot;soap"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err,
             "seqlattice: predict: item \"soap\" is not in the model\n");
+  EXPECT_EQ(result.out,
+            "rank  item  confidence  support  cause\n"
+            "   1  cups      0.6667   0.4000  1.0000\n");
+}
+
+TEST_F(CliQueryTest, PredictFromTheLastOrderOnly) {
+  CliRun result = run(
+      {"predict", "shop.model", "--history", "pot;soap", "--last-set-only"});
+  EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "rank  item  confidence  support  cause\n");
 }
 
@@ -116,7 +129,8 @@ TEST_F(CliQueryTest, PredictForEveryCustomerOfAFile) {
   EXPECT_EQ(output({"predict", "shop.model", "--input", "recent.csv",
                     "--format", "csv"}),
             "customer,rank,item,confidence,support,cause\n"
-            "zoe,1,cups,0.6666666666666666,0.4,1.0\n");
+            "zoe,1,cups,0.6666666666666666,0.4,1.0\n"
+            "yan,1,\"jam, red\",1.0,0.4,1.0\n");
 }
 
 TEST_F(CliQueryTest, PredictBatchReportsBadRows) {
@@ -130,13 +144,13 @@ TEST_F(CliQueryTest, PredictBatchReportsBadRows) {
 
 TEST_F(CliQueryTest, AllPatternsMostFrequentFirst) {
   EXPECT_EQ(output({"patterns", "shop.model"}),
-            "pattern                 items  count  support\n"
-            "(pot)                       1      3   0.6000\n"
-            "(cups)                      1      2   0.4000\n"
-            "(jam, red)                  1      2   0.4000\n"
-            "(tea)                       1      2   0.4000\n"
-            "(jam, red) (jam, red)       2      2   0.4000\n"
-            "(pot) (cups)                2      2   0.4000\n");
+            "pattern                items  count  support\n"
+            "(pot)                      1      3   0.6000\n"
+            "(cups)                     1      2   0.4000\n"
+            "(jam, red)                 1      2   0.4000\n"
+            "(tea)                      1      2   0.4000\n"
+            "(jam, red) (jam, red)      2      2   0.4000\n"
+            "(pot) (cups)               2      2   0.4000\n");
 }
 
 TEST_F(CliQueryTest, PatternQueries) {
@@ -167,10 +181,10 @@ TEST_F(CliQueryTest, Info) {
             "input                      shop.csv\n"
             "input format               csv\n"
             "customers (N)              5\n"
-            "transactions               9\n"
+            "transactions               10\n"
             "item occurrences           11\n"
             "max items per transaction  2\n"
-            "avg items per transaction  1.2222\n"
+            "avg items per transaction  1.1000\n"
             "labelled items             4\n"
             "min support (as given)     2\n"
             "min count                  2\n"

@@ -142,6 +142,11 @@ TEST_F(CliUsageTest, BadItemSequences) {
                    "\"a,b;c\")");
 }
 
+TEST_F(CliUsageTest, PatternQueriesAreNotEmpty) {
+  expectUsageError({"patterns", "m", "--ending", " "},
+                   "--ending: empty sequence");
+}
+
 TEST_F(CliUsageTest, OneQueryAtATime) {
   expectUsageError({"patterns", "m", "--contains", "a", "--ending", "b"},
                    "--contains excludes --ending");
