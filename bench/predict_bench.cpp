@@ -5,9 +5,9 @@
 //
 // The dictionary comes from a synthetic customer database (fixed seed):
 // customers of a shop with a hundred products of skewed popularity, a
-// handful of planted buying sequences, every pattern of up to five items
-// counted level by level and stored when at least four customers contain it
-// (about 10^5 patterns), then the lattice built. Building takes a while.
+// handful of planted buying sequences. The library's miner stores every
+// pattern of up to five items that at least four customers contain (about
+// 10^5 patterns) and builds the lattice.
 //
 // Run: build/release/bench/predict_bench
 #include <benchmark/benchmark.h>
@@ -22,6 +22,9 @@
 #include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/mining/dictionaryfiller.h"
+#include "seqlattice/mining/miner.h"
+#include "seqlattice/mining/sequencedatabase.h"
 #include "seqlattice/rules/customerdatabase_test_util.h"
 #include "seqlattice/rules/seqassociationrule.h"
 #include "seqlattice/rules/seqconsequentdescript.h"
@@ -33,6 +36,7 @@ using SEQUENCE_NAMESPACE_800::SeqAssociationRule;
 using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
 using SEQUENCE_NAMESPACE_800::Sequence;
 using SEQUENCE_NAMESPACE_800::SequenceDictionary;
+namespace mining = SEQUENCE_NAMESPACE_800::mining;
 namespace testutil = SEQUENCE_NAMESPACE_800::testutil;
 
 const unsigned kSeed = 20240611;
@@ -97,7 +101,19 @@ Fixture& fixture() {
     std::mt19937 random(kSeed);
     const testutil::CustomerDatabase db = makeDatabase(random);
     Fixture* f = new Fixture;
-    f->dict = testutil::buildDictionary(db, kMinCount, kMaxPatternItems + 1);
+    f->dict.reset(new SequenceDictionary(kMaxPatternItems + 1));
+    mining::SequenceDatabase customers;
+    for (const testutil::History& history : db) {
+      customers.beginCustomer();
+      for (size_t k = 0; k < history.size(); ++k) {
+        customers.addTransaction(static_cast<double>(k), history[k]);
+      }
+      customers.endCustomer();
+    }
+    mining::MinerOptions options;
+    options.minSupport = mining::MinSupport::count(kMinCount);
+    options.maxItems = kMaxPatternItems;
+    mining::mineIntoDictionary(customers, options, *f->dict);
     std::uniform_int_distribution<int> customer(0, kCustomers - 1);
     for (int h = 0; h < kHistories; ++h) {
       const testutil::History& history = db[customer(random)];
