@@ -34,6 +34,7 @@
 namespace SEQUENCE_NAMESPACE_800 {
 
 class HashtableSQPair;
+struct ISQCPair;
 class NTSequence;
 class Sequence;
 class SequenceCounter;
@@ -177,21 +178,25 @@ class SequenceDictionary : public SequenceSemiLattice {
   SequenceCounter* getLevel0Descriptor() const;
 
  private:
-  // Which one-item extensions a Find walk follows.
-  enum class Extension { kAnywhere, kAtEnd, kAtFront };
+  // Whether a Find walk follows the extension with this position code of a
+  // pattern of nSets item sets.
+  typedef bool (*ExtensionFilter)(int code, int nSets);
 
+  // Allocates and fills the tables from `settings`; releases older ones.
   void buildTables();
   void releaseTables();
-  // Table that would hold a pattern of `size` items, or null.
-  HashtableSQPair* tableForSize(int size) const;
-  NTSequence* refillProbe(int** p, int n);
-  NTSequence* refillProbe(Sequence const* s);
-  SequenceCounter* lookupProbe() const;
+  void refillProbe(int** p, int n);
+  void refillProbe(Sequence const* s);
+  // The stored entry equal to `probe`, or null.
+  ISQCPair* lookupProbe() const;
   void removeProbe();
+  // The stored entry of the empty pattern, or null.
+  ISQCPair* level0Entry() const;
   int reduceLevel(int k, double s, bool withMissed);
   KvCommon_850::KvStatus findReachable(Sequence const* seq,
                                        std::set<Sequence*>& out, int minCount,
-                                       int maxCount, Extension follow) const;
+                                       int maxCount,
+                                       ExtensionFilter follows) const;
 
   int nLevels;
   double minSupport;
