@@ -3,14 +3,31 @@
 #ifndef SEQLATTICE_SEQLATTICE_H_
 #define SEQLATTICE_SEQLATTICE_H_
 
+// sequence model
+#include "seqlattice/sequence/sequence.h"
+#include "seqlattice/sequence/timeditemset.h"
+
+// pattern keys
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/pattern/packedsequence.h"
+
 // dictionary
 #include "seqlattice/dictionary/dictionarysettings.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/dictionary/sequencesemilattice.h"
 
 // mining
+#include "seqlattice/mining/csvreader.h"
+#include "seqlattice/mining/csvrecords.h"
+#include "seqlattice/mining/itemlabels.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/mining/timeparse.h"
+
+// store
+#include "seqlattice/store/hashpairseq.h"
+#include "seqlattice/store/sequencedescriptor.h"
+#include "seqlattice/store/statsbucket.h"
 
 // support
 #include "seqlattice/support/kvpower.h"

@@ -33,14 +33,17 @@ class XMLElement {
   XMLElement(const XMLElement&) = delete;
   XMLElement& operator=(const XMLElement&) = delete;
 
+  // Attributes keep the order of adding. Adding a name again replaces its
+  // value in place, since an element cannot hold one attribute twice.
   void AddAttribute(const std::string& name, const std::string& value);
   void AddAttribute(const std::string& name, double value);
-  // Appends child as the last child and takes ownership of it. Returns child
-  // so that a caller can fill it on; a null child is ignored.
+  // Appends child as the last child and takes ownership of it, even when
+  // this throws. Returns child so that a caller can fill it on; a null child
+  // is ignored.
   XMLElement* AddChild(XMLElement* child);
 
   const std::string& GetName() const { return name_; }
-  // Attribute values in their written text form, in the order of adding.
+  // Names and values, numbers already in their text form, not yet escaped.
   const std::vector<std::pair<std::string, std::string>>& GetAttributes()
       const {
     return attributes_;

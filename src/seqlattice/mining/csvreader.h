@@ -1,0 +1,55 @@
+// Reads a labelled transaction log, a CSV or TSV file with a header line and
+// one row per (customer, time, item), into the miner's SequenceDatabase.
+//
+// The three columns are found by name in the header (customer, time and item
+// unless the options say otherwise); other columns are ignored. Rows need not
+// be sorted: rows with the same customer and time form one transaction, a
+// customer's transactions are ordered by time, and customers keep the order in
+// which they first appear. Times are numbers or ISO-8601 dates and date-times
+// (timeparse.h), not both in one file. Item labels become codes as ItemLabels
+// assigns them. The record syntax is CsvRecords'.
+//
+// Bad input throws MiningError with a message naming the file, the line and
+// the problem, as in "orders.csv:17: expected 3 columns, found 2".
+#ifndef SEQLATTICE_MINING_CSVREADER_H_
+#define SEQLATTICE_MINING_CSVREADER_H_
+
+#include <cstddef>
+#include <istream>
+#include <string>
+#include <vector>
+
+#include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/mining/sequencedatabase.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace mining {
+
+struct CsvOptions {
+  std::string customerColumn = "customer";
+  std::string timeColumn = "time";
+  std::string itemColumn = "item";
+  char delimiter = ',';
+  std::size_t memoryLimit = 0;  // bytes for the database; 0: no limit
+};
+
+// A customer database with the labels of its customers and items.
+struct LabelledDatabase {
+  SequenceDatabase database;
+  std::vector<std::string> customers;  // label of customer c of database
+  ItemLabels items;
+};
+
+// fileName labels the messages only.
+LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
+                         const CsvOptions& options);
+
+// Opens and reads the file at path; a file that cannot be opened gives
+// "path: cannot open: <reason>".
+LabelledDatabase readCsvFile(const std::string& path,
+                             const CsvOptions& options);
+
+}  // namespace mining
+}  // namespace SEQUENCE_NAMESPACE_800
+
+#endif  // SEQLATTICE_MINING_CSVREADER_H_
