@@ -24,6 +24,10 @@
 #include "seqlattice/mining/sequencedatabase.h"
 #include "seqlattice/mining/timeparse.h"
 
+// rules and predictions
+#include "seqlattice/rules/seqassociationrule.h"
+#include "seqlattice/rules/seqconsequentdescript.h"
+
 // store
 #include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
