@@ -77,6 +77,7 @@ class SequenceDictionary : public SequenceSemiLattice {
   void setMaxGap(double gap);
   // Makes a running GetRules or GetFutureItems stop; nothing clears it.
   void setCancel();
+  bool isCancelled() const { return cancelled; }
   bool isLatticeBuilt() const;
 
   // Counting queries (interface slots 2 to 5).
