@@ -77,14 +77,25 @@ void SequenceDictionary::removeProbe() {
   if (HashtableSQPair* table = getLevel(probe->size())) table->remove(probe);
 }
 
-SequenceCounter* SequenceDictionary::incrementCount(int** p, int n) {
-  return failingAsDictionary([&]() -> SequenceCounter* {
+ISQCPair* SequenceDictionary::lookup(int** p, int n) {
+  return failingAsDictionary([&] {
     refillProbe(p, n);
-    ISQCPair* entry = lookupProbe();
-    if (entry == nullptr || entry->value == nullptr) return nullptr;
-    entry->value->setCount(entry->value->getCount() + 1);
-    return entry->value;
+    return lookupProbe();
   });
+}
+
+ISQCPair* SequenceDictionary::lookup(Sequence const* s) {
+  return failingAsDictionary([&] {
+    refillProbe(s);
+    return lookupProbe();
+  });
+}
+
+SequenceCounter* SequenceDictionary::incrementCount(int** p, int n) {
+  ISQCPair* entry = lookup(p, n);
+  if (entry == nullptr || entry->value == nullptr) return nullptr;
+  entry->value->setCount(entry->value->getCount() + 1);
+  return entry->value;
 }
 
 SequenceCounter* SequenceDictionary::getDescriptor(NTSequence const* s) const {
@@ -95,35 +106,23 @@ SequenceCounter* SequenceDictionary::getDescriptor(NTSequence const* s) const {
 }
 
 SequenceCounter* SequenceDictionary::getDescriptor(int** p, int n) {
-  return failingAsDictionary([&]() -> SequenceCounter* {
-    refillProbe(p, n);
-    ISQCPair* entry = lookupProbe();
-    return entry != nullptr ? entry->value : nullptr;
-  });
+  ISQCPair* entry = lookup(p, n);
+  return entry != nullptr ? entry->value : nullptr;
 }
 
 SequenceCounter* SequenceDictionary::getDescriptor(Sequence const* s) {
   if (s == nullptr) return nullptr;
-  return failingAsDictionary([&]() -> SequenceCounter* {
-    refillProbe(s);
-    ISQCPair* entry = lookupProbe();
-    return entry != nullptr ? entry->value : nullptr;
-  });
+  ISQCPair* entry = lookup(s);
+  return entry != nullptr ? entry->value : nullptr;
 }
 
 NTSequence* SequenceDictionary::getSequence(int** p, int n) {
-  return failingAsDictionary([&]() -> NTSequence* {
-    refillProbe(p, n);
-    ISQCPair* entry = lookupProbe();
-    return entry != nullptr ? entry->key : nullptr;
-  });
+  ISQCPair* entry = lookup(p, n);
+  return entry != nullptr ? entry->key : nullptr;
 }
 
 bool SequenceDictionary::hasSequence(int** p, int n) {
-  return failingAsDictionary([&] {
-    refillProbe(p, n);
-    return lookupProbe() != nullptr;
-  });
+  return lookup(p, n) != nullptr;
 }
 
 void SequenceDictionary::remove(NTSequence* s) {

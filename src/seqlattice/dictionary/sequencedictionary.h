@@ -190,6 +190,9 @@ class SequenceDictionary : public SequenceSemiLattice {
   void refillProbe(Sequence const* s);
   // The stored entry equal to `probe`, or null.
   ISQCPair* lookupProbe() const;
+  // The stored entry equal to the pattern, found through `probe`.
+  ISQCPair* lookup(int** p, int n);
+  ISQCPair* lookup(Sequence const* s);
   void removeProbe();
   // The stored entry of the empty pattern, or null.
   ISQCPair* level0Entry() const;
