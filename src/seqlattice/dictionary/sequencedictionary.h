@@ -88,7 +88,12 @@ class SequenceDictionary : public SequenceSemiLattice {
 
   // Counting. Patterns come as an NTSequence, as int** item-set arrays
   // (sets[s][0] items followed by the items, n sets) or as a Sequence.
-  // A pattern of nLevels or more items is never stored.
+  // A pattern of nLevels or more items is never stored: addSequence throws
+  // SeqExceptions::DictionaryFailure for it, lookups find nothing. addSequence
+  // stores a new counter copying sc's count, ordinal and missed count (sc may
+  // be null and stays the caller's) and replaces an equal stored pattern.
+  // Lookups from int** or a Sequence allocate nothing once `probe` has held a
+  // pattern of the same number of items.
   void addSequence(int** p, int n, SequenceCounter* sc);
   SequenceCounter* incrementCount(int** p, int n);
   SequenceCounter* getDescriptor(NTSequence const* s) const;
@@ -100,7 +105,9 @@ class SequenceDictionary : public SequenceSemiLattice {
   void remove(int** p, int n);
   void remove(Sequence const* s);
 
-  // Pruning; s is an absolute count. Each returns the number removed.
+  // Pruning; s is an absolute count, whole up to rounding error or rounded
+  // up. Level 0 and entries without a counter are never pruned. Each returns
+  // the number removed; only reduceAll sets minSupport (s / N).
   int reduceDictionaryWithCount(int k, double s);
   int reduceDictionary(int k, double s);
   int reduceAllWithCount(double s);
@@ -108,10 +115,13 @@ class SequenceDictionary : public SequenceSemiLattice {
   KvCommon_850::KvStatus dropAfter(int t);
 
   // Links every stored pattern of levels 0 .. LargestSequence()-1 to its
-  // one-item extensions.
+  // one-item extensions, replacing the adjacency sets it finds. OK, or
+  // KvStatus(60000, false) when anything failed (lattice not marked built).
   KvCommon_850::KvStatus buildLattice();
 
-  // Lattice queries (interface slots 1, 8 and 9).
+  // Lattice queries (interface slots 1, 8 and 9): the stored patterns with a
+  // count of at least minCount reachable from seq, reported when their count
+  // is at most maxCount. getSequencesOfSize gives item set s the time s.
   KvCommon_850::KvStatus FindSequences(Sequence const* seq,
                                        std::set<Sequence*>& out, int minCount,
                                        int maxCount) override;
