@@ -20,8 +20,11 @@
 #include "seqlattice/mining/csvreader.h"
 #include "seqlattice/mining/csvrecords.h"
 #include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/mining/memorybudget.h"
+#include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/mining/spmfreader.h"
 #include "seqlattice/mining/timeparse.h"
 
 // rules and predictions
