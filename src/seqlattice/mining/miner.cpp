@@ -60,14 +60,32 @@ struct WorkDatabase {
   std::vector<u32> support;     // per code
   std::vector<u32> firstCustomer;
   std::size_t longestCustomer = 0;  // most items of one customer
+  bool multiItemSets = false;       // some transaction has two items
+  // Per customer its distinct items by last occurrence, latest first: the
+  // items after transaction f are the prefix with lastTransaction > f.
+  std::vector<u32> lastStart{0};
+  std::vector<u32> lastTransaction, lastItem;
 
   std::size_t itemCount() const { return itemValue.size(); }
-  std::size_t bytes() const {
-    return (items.size() + transactionStart.size() + 2 * customerStart.size() +
-            3 * support.size()) *
-           sizeof(u32);
-  }
 };
+
+void buildLastOccurrences(WorkDatabase& work) {
+  std::vector<u32> seen(work.itemCount(), UINT32_MAX);
+  for (u32 c = 0; c + 1 < work.customerStart.size(); ++c) {
+    for (u32 t = work.customerStart[c + 1]; t-- > work.customerStart[c];) {
+      u32 begin = work.transactionStart[t], end = work.transactionStart[t + 1];
+      if (end - begin > 1) work.multiItemSets = true;
+      for (u32 k = begin; k < end; ++k) {
+        u32 x = work.items[k];
+        if (seen[x] == c) continue;
+        seen[x] = c;
+        work.lastTransaction.push_back(t);
+        work.lastItem.push_back(x);
+      }
+    }
+    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
+  }
+}
 
 WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
   const std::vector<int>& raw = db.items();
@@ -125,6 +143,7 @@ WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
         std::lower_bound(work.customerId.begin(), work.customerId.end(), f) -
         work.customerId.begin());
   }
+  buildLastOccurrences(work);
   return work;
 }
 
@@ -168,6 +187,10 @@ class ProjectionStore {
       ++s.filled;
     }
     pos_[s.posOffset + s.positions++] = transaction;
+  }
+  // Keeps only the first transaction of each customer.
+  void appendFirst(u32 k, u32 customer, u32 transaction) {
+    if (slots_[k].lastCustomer != customer) append(k, customer, transaction);
   }
   void finish() {
     for (Slot& s : slots_) start_[s.startOffset + s.filled] = s.positions;
@@ -261,6 +284,7 @@ class Worker {
                                        const u32* sCand, std::size_t nS,
                                        const u32* iCand, std::size_t nI,
                                        bool descend) {
+    if (!db_.multiItemSets) nI = 0;
     std::size_t depth = pattern_.size();
     Level& level = levels_[depth];
     level.extensions.clear();
@@ -343,25 +367,30 @@ class Worker {
     std::vector<std::pair<u32, u32>> sizes;
   };
 
+  // Sequence extensions: each distinct item after the first transaction
+  // counts once per customer, read from the last-occurrence list. Item set
+  // extensions: items above `last` in the transactions of the projection.
   void count(const Projection& proj, u32 last, const u32* sCand, std::size_t nS,
              const u32* iCand, std::size_t nI) {
     for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
     for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 1;
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    const u32* cs = db_.customerStart.data();
+    const u32* ls = db_.lastStart.data();
+    const u32* lt = db_.lastTransaction.data();
+    const u32* li = db_.lastItem.data();
     for (u32 e = 0; e < proj.n; ++e) {
       u32 c = proj.cust[e];
       const u32* p = proj.pos + proj.start[e];
       const u32* pEnd = proj.pos + proj.start[e + 1];
-      ++now_;
       if (nS != 0) {
-        for (u32 k = ts[*p + 1], end = ts[cs[c + 1]]; k < end; ++k) {
-          u32 x = items[k];
-          if (s_.flag[x]) s_.hit(x, c, now_);
+        for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > *p; ++k) {
+          u32 x = li[k];
+          if (s_.flag[x] && s_.count[x]++ == 0) s_.first[x] = c;
         }
       }
       if (nI != 0) {
+        ++now_;
         for (; p < pEnd; ++p) {
           const u32* b = items + ts[*p + 1];
           for (const u32* a = std::upper_bound(items + ts[*p], b, last); a < b;
@@ -389,39 +418,45 @@ class Worker {
   }
 
   // Lays out and fills the projections of the node's frequent extensions.
+  // Without multi-item transactions no pattern has item set extensions, so
+  // a projection needs only each customer's first transaction.
   void build(const Projection& proj, u32 last, Level& level) {
+    bool allPositions = db_.multiItemSets;
     level.sizes.clear();
     for (u32 k = 0; k < level.extensions.size(); ++k) {
       const Extension& x = level.extensions[k];
-      Counters& c = x.sameSet ? i_ : s_;
-      c.child[x.item] = k;
-      level.sizes.emplace_back(x.support, x.occurrences);
+      (x.sameSet ? i_ : s_).child[x.item] = k;
+      level.sizes.emplace_back(x.support,
+                               x.sameSet || !allPositions ? x.occurrences : 0);
+    }
+    bool anyS = !level.sFrequent.empty();
+    if (!allPositions) {
+      for (auto& size : level.sizes) size.second = size.first;
+    } else if (anyS) {
+      forEachSequenceChild(
+          proj, [&level](u32 child, u32, u32) { ++level.sizes[child].second; });
     }
     level.store.layout(level.sizes);
-    const u32* items = db_.items.data();
-    const u32* ts = db_.transactionStart.data();
-    const u32* cs = db_.customerStart.data();
-    bool anyS = !level.sFrequent.empty();
-    bool anyI = !level.iFrequent.empty();
-    for (u32 e = 0; e < proj.n; ++e) {
-      u32 c = proj.cust[e];
-      const u32* p = proj.pos + proj.start[e];
-      const u32* pEnd = proj.pos + proj.start[e + 1];
-      if (anyS) {
-        for (u32 t = *p + 1, end = cs[c + 1]; t < end; ++t) {
-          for (u32 k = ts[t]; k < ts[t + 1]; ++k) {
-            u32 child = s_.child[items[k]];
-            if (child != UINT32_MAX) level.store.append(child, c, t);
-          }
-        }
-      }
-      if (anyI) {
-        for (; p < pEnd; ++p) {
-          const u32* b = items + ts[*p + 1];
-          for (const u32* a = std::upper_bound(items + ts[*p], b, last); a < b;
+    if (anyS && allPositions) {
+      forEachSequenceChild(proj, [&level](u32 child, u32 c, u32 t) {
+        level.store.append(child, c, t);
+      });
+    } else if (anyS) {
+      forEachSequenceChild(proj, [&level](u32 child, u32 c, u32 t) {
+        level.store.appendFirst(child, c, t);
+      });
+    }
+    if (!level.iFrequent.empty()) {
+      const u32* items = db_.items.data();
+      const u32* ts = db_.transactionStart.data();
+      for (u32 e = 0; e < proj.n; ++e) {
+        for (u32 q = proj.start[e]; q < proj.start[e + 1]; ++q) {
+          u32 t = proj.pos[q];
+          const u32* b = items + ts[t + 1];
+          for (const u32* a = std::upper_bound(items + ts[t], b, last); a < b;
                ++a) {
             u32 child = i_.child[*a];
-            if (child != UINT32_MAX) level.store.append(child, c, *p);
+            if (child != UINT32_MAX) level.store.append(child, proj.cust[e], t);
           }
         }
       }
@@ -429,6 +464,24 @@ class Worker {
     level.store.finish();
     for (const Extension& x : level.extensions) {
       (x.sameSet ? i_ : s_).child[x.item] = UINT32_MAX;
+    }
+  }
+
+  // Calls visit(child, customer, transaction) for every occurrence, after
+  // each customer's first transaction, of an item that is a sequence child.
+  template <class Visit>
+  void forEachSequenceChild(const Projection& proj, const Visit& visit) const {
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    const u32* cs = db_.customerStart.data();
+    for (u32 e = 0; e < proj.n; ++e) {
+      u32 c = proj.cust[e];
+      for (u32 t = proj.pos[proj.start[e]] + 1, end = cs[c + 1]; t < end; ++t) {
+        for (u32 k = ts[t]; k < ts[t + 1]; ++k) {
+          u32 child = s_.child[items[k]];
+          if (child != UINT32_MAX) visit(child, c, t);
+        }
+      }
     }
   }
 
