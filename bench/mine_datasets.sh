@@ -11,6 +11,7 @@
 #        MAX_ITEMS  longest pattern mined (default 31, the pattern key limit)
 #        TIMEOUT    seconds per row (default 120)
 #        ROWS       a grep pattern selecting rows, e.g. ROWS=SIGN
+#        FILL=1     also fill a dictionary and build its lattice (the model)
 set -euo pipefail
 
 repo="$(cd "$(dirname "$0")/.." && pwd)"
@@ -71,10 +72,15 @@ while read -r file minsup reference peer_wall java_rss; do
     echo "$file: not found in $data, skipped"
     continue
   fi
-  if ! timeout "$limit" /usr/bin/time -f '%e %U %S %M' -o "$tmp" \
-      "$miner" "$data/$file" "$minsup" "$max_items" >"$tmp.out" 2>&1; then
-    printf '%-20s %8s  did not finish within %s s: %s\n' "$file" "$minsup" \
-      "$limit" "$(tail -n 1 "$tmp.out")"
+  status=0
+  timeout "$limit" /usr/bin/time -f '%e %U %S %M' -o "$tmp" \
+    "$miner" "$data/$file" "$minsup" "$max_items" 0 ${FILL:+dictionary} \
+    >"$tmp.out" 2>&1 || status=$?
+  if [[ $status -eq 124 ]]; then
+    printf '%-20s %8s  did not finish within %s s\n' "$file" "$minsup" "$limit"
+    continue
+  elif [[ $status -ne 0 ]]; then
+    printf '%-20s %8s  failed: %s\n' "$file" "$minsup" "$(tail -n 1 "$tmp.out")"
     continue
   fi
   read -r _ count patterns longest _ _ <"$tmp.out"
