@@ -1,5 +1,19 @@
 #!/usr/bin/env bash
-# The main job of `make run`, given the release build directory.
+# The main job of `make run`, given the release build directory: mine the
+# bundled sample order log into a model, show its ten strongest rules and
+# predict the next purchases of one customer.
 set -euo pipefail
 build_dir="$1"
-exec "$build_dir/examples/basic_host"
+cd "$(dirname "$0")/.."
+seqlattice="$build_dir/cli/seqlattice"
+model="$build_dir/sample.model"
+
+show() {
+  echo "\$ seqlattice $*"
+  "$seqlattice" "$@"
+  echo
+}
+
+show mine data/sample/orders.csv -o "$model" --min-support 0.03
+show rules "$model" --top 10 --min-cause 0.2
+show predict "$model" --history "espresso machine,milk frother;coffee beans"
