@@ -6,11 +6,6 @@ namespace SEQUENCE_NAMESPACE_800 {
 
 using KvCommon_850::KvStatus;
 
-// Replaced by the lattice document export.
-KvStatus SequenceDictionary::ExportLatticeXML(std::ostream&, double) const {
-  return KvStatus(60000, false);
-}
-
 // Replaced by the PMML sequence model export.
 KvStatus SequenceDictionary::ExportRulesXML(std::ostream&, double, double,
                                             double, double, double, double, int,
