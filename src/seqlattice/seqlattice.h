@@ -23,6 +23,7 @@
 // mining
 #include "seqlattice/mining/csvreader.h"
 #include "seqlattice/mining/csvrecords.h"
+#include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/itemlabels.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"

@@ -60,14 +60,32 @@ struct WorkDatabase {
   std::vector<u32> support;     // per code
   std::vector<u32> firstCustomer;
   std::size_t longestCustomer = 0;  // most items of one customer
+  bool multiItemSets = false;       // some transaction has two items
+  // Per customer its distinct items by last occurrence, latest first: the
+  // items after transaction f are the prefix with lastTransaction > f.
+  std::vector<u32> lastStart{0};
+  std::vector<u32> lastTransaction, lastItem;
 
   std::size_t itemCount() const { return itemValue.size(); }
-  std::size_t bytes() const {
-    return (items.size() + transactionStart.size() + 2 * customerStart.size() +
-            3 * support.size()) *
-           sizeof(u32);
-  }
 };
+
+void buildLastOccurrences(WorkDatabase& work) {
+  std::vector<u32> seen(work.itemCount(), UINT32_MAX);
+  for (u32 c = 0; c + 1 < work.customerStart.size(); ++c) {
+    for (u32 t = work.customerStart[c + 1]; t-- > work.customerStart[c];) {
+      u32 begin = work.transactionStart[t], end = work.transactionStart[t + 1];
+      if (end - begin > 1) work.multiItemSets = true;
+      for (u32 k = begin; k < end; ++k) {
+        u32 x = work.items[k];
+        if (seen[x] == c) continue;
+        seen[x] = c;
+        work.lastTransaction.push_back(t);
+        work.lastItem.push_back(x);
+      }
+    }
+    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
+  }
+}
 
 WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
   const std::vector<int>& raw = db.items();
@@ -125,6 +143,7 @@ WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
         std::lower_bound(work.customerId.begin(), work.customerId.end(), f) -
         work.customerId.begin());
   }
+  buildLastOccurrences(work);
   return work;
 }
 
@@ -169,6 +188,7 @@ class ProjectionStore {
     }
     pos_[s.posOffset + s.positions++] = transaction;
   }
+  u32 lastCustomer(u32 k) const { return slots_[k].lastCustomer; }
   void finish() {
     for (Slot& s : slots_) start_[s.startOffset + s.filled] = s.positions;
   }
@@ -204,6 +224,27 @@ void buildRoots(const WorkDatabase& db, ProjectionStore& roots) {
     }
   }
   roots.finish();
+}
+
+// The first item above `last` of a transaction. Transactions are short, so
+// a linear scan beats a binary search.
+inline const u32* itemsAbove(const u32* begin, const u32* end, u32 last) {
+  while (begin < end && *begin <= last) ++begin;
+  return begin;
+}
+
+// The first position of [at, end) holding a value >= key, found by doubling
+// steps from `at`: cheap when the key is near, logarithmic when it is far.
+inline u32 gallop(const u32* values, u32 at, u32 end, u32 key) {
+  u32 step = 1;
+  u32 low = at;
+  while (at < end && values[at] < key) {
+    low = at + 1;
+    at = end - at > step ? at + step : end;
+    step *= 2;
+  }
+  return static_cast<u32>(std::lower_bound(values + low, values + at, key) -
+                          values);
 }
 
 // A frequent extension found at a node.
@@ -261,6 +302,7 @@ class Worker {
                                        const u32* sCand, std::size_t nS,
                                        const u32* iCand, std::size_t nI,
                                        bool descend) {
+    if (!db_.multiItemSets) nI = 0;
     std::size_t depth = pattern_.size();
     Level& level = levels_[depth];
     level.extensions.clear();
@@ -271,6 +313,7 @@ class Worker {
     }
     count(proj, last, sCand, nS, iCand, nI);
     collect(sCand, nS, s_, false, level.sFrequent, level);
+    findFirstCustomers(proj, level);
     collect(iCand, nI, i_, true, level.iFrequent, level);
     for (const Extension& x : level.extensions) {
       push(x.item, x.sameSet);
@@ -321,7 +364,7 @@ class Worker {
 
  private:
   struct Counters {
-    std::vector<char> flag;
+    std::vector<u32> flag;  // 0 or 1, added without a branch
     std::vector<u32> count, first, occurrences, child;
     std::vector<std::uint64_t> stamp;
     void clear(u32 x) {
@@ -343,29 +386,36 @@ class Worker {
     std::vector<std::pair<u32, u32>> sizes;
   };
 
+  // Sequence extensions: each distinct item after the first transaction
+  // counts once per customer, read from the last-occurrence list. Item set
+  // extensions: items above `last` in the transactions of the projection.
   void count(const Projection& proj, u32 last, const u32* sCand, std::size_t nS,
              const u32* iCand, std::size_t nI) {
     for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
     for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 1;
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    const u32* cs = db_.customerStart.data();
+    const u32* ls = db_.lastStart.data();
+    const u32* lt = db_.lastTransaction.data();
+    const u32* li = db_.lastItem.data();
     for (u32 e = 0; e < proj.n; ++e) {
       u32 c = proj.cust[e];
       const u32* p = proj.pos + proj.start[e];
       const u32* pEnd = proj.pos + proj.start[e + 1];
-      ++now_;
       if (nS != 0) {
-        for (u32 k = ts[*p + 1], end = ts[cs[c + 1]]; k < end; ++k) {
-          u32 x = items[k];
-          if (s_.flag[x]) s_.hit(x, c, now_);
+        // Locals, so that the stores into the counts need no reloads.
+        u32* counts = s_.count.data();
+        const u32* flags = s_.flag.data();
+        const u32 f = *p;
+        for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > f; ++k) {
+          counts[li[k]] += flags[li[k]];
         }
       }
       if (nI != 0) {
+        ++now_;
         for (; p < pEnd; ++p) {
           const u32* b = items + ts[*p + 1];
-          for (const u32* a = std::upper_bound(items + ts[*p], b, last); a < b;
-               ++a) {
+          for (const u32* a = itemsAbove(items + ts[*p], b, last); a < b; ++a) {
             if (i_.flag[*a]) i_.hit(*a, c, now_);
           }
         }
@@ -388,40 +438,66 @@ class Worker {
     }
   }
 
+  // The sequence counts above keep no first customer (a branch there costs
+  // more than this search): the first entries with the item after their
+  // first transaction hold it, usually among the first few.
+  void findFirstCustomers(const Projection& proj, Level& level) {
+    std::size_t remaining = level.extensions.size();
+    for (const Extension& x : level.extensions) s_.flag[x.item] = 1;
+    const u32* ls = db_.lastStart.data();
+    const u32* lt = db_.lastTransaction.data();
+    const u32* li = db_.lastItem.data();
+    for (u32 e = 0; e < proj.n && remaining > 0; ++e) {
+      u32 c = proj.cust[e];
+      u32 f = proj.pos[proj.start[e]];
+      for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > f; ++k) {
+        u32 x = li[k];
+        if (!s_.flag[x]) continue;
+        s_.flag[x] = 0;
+        s_.first[x] = c;
+        --remaining;
+      }
+    }
+    for (Extension& x : level.extensions) x.firstCustomer = s_.first[x.item];
+  }
+
   // Lays out and fills the projections of the node's frequent extensions.
+  // Without multi-item transactions no pattern has item set extensions, so
+  // a projection needs only each customer's first transaction.
   void build(const Projection& proj, u32 last, Level& level) {
+    bool allPositions = db_.multiItemSets;
     level.sizes.clear();
     for (u32 k = 0; k < level.extensions.size(); ++k) {
       const Extension& x = level.extensions[k];
-      Counters& c = x.sameSet ? i_ : s_;
-      c.child[x.item] = k;
-      level.sizes.emplace_back(x.support, x.occurrences);
+      (x.sameSet ? i_ : s_).child[x.item] = k;
+      level.sizes.emplace_back(x.support,
+                               x.sameSet || !allPositions ? x.occurrences : 0);
+    }
+    bool anyS = !level.sFrequent.empty();
+    if (!allPositions) {
+      for (auto& size : level.sizes) size.second = size.first;
+    } else if (anyS) {
+      forEachSequenceChild(
+          proj, [&level](u32 child, u32, u32) { ++level.sizes[child].second; });
     }
     level.store.layout(level.sizes);
-    const u32* items = db_.items.data();
-    const u32* ts = db_.transactionStart.data();
-    const u32* cs = db_.customerStart.data();
-    bool anyS = !level.sFrequent.empty();
-    bool anyI = !level.iFrequent.empty();
-    for (u32 e = 0; e < proj.n; ++e) {
-      u32 c = proj.cust[e];
-      const u32* p = proj.pos + proj.start[e];
-      const u32* pEnd = proj.pos + proj.start[e + 1];
-      if (anyS) {
-        for (u32 t = *p + 1, end = cs[c + 1]; t < end; ++t) {
-          for (u32 k = ts[t]; k < ts[t + 1]; ++k) {
-            u32 child = s_.child[items[k]];
-            if (child != UINT32_MAX) level.store.append(child, c, t);
-          }
-        }
-      }
-      if (anyI) {
-        for (; p < pEnd; ++p) {
-          const u32* b = items + ts[*p + 1];
-          for (const u32* a = std::upper_bound(items + ts[*p], b, last); a < b;
-               ++a) {
+    if (anyS && allPositions) {
+      forEachSequenceChild(proj, [&level](u32 child, u32 c, u32 t) {
+        level.store.append(child, c, t);
+      });
+    } else if (anyS) {
+      appendFirstOccurrences(proj, level);
+    }
+    if (!level.iFrequent.empty()) {
+      const u32* items = db_.items.data();
+      const u32* ts = db_.transactionStart.data();
+      for (u32 e = 0; e < proj.n; ++e) {
+        for (u32 q = proj.start[e]; q < proj.start[e + 1]; ++q) {
+          u32 t = proj.pos[q];
+          const u32* b = items + ts[t + 1];
+          for (const u32* a = itemsAbove(items + ts[t], b, last); a < b; ++a) {
             u32 child = i_.child[*a];
-            if (child != UINT32_MAX) level.store.append(child, c, *p);
+            if (child != UINT32_MAX) level.store.append(child, proj.cust[e], t);
           }
         }
       }
@@ -429,6 +505,45 @@ class Worker {
     level.store.finish();
     for (const Extension& x : level.extensions) {
       (x.sameSet ? i_ : s_).child[x.item] = UINT32_MAX;
+    }
+  }
+
+  // One item per transaction: each customer's first occurrence of each child
+  // item after its first transaction, stopping when all children are found.
+  void appendFirstOccurrences(const Projection& proj, Level& level) {
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    const u32* cs = db_.customerStart.data();
+    std::size_t children = level.sFrequent.size();
+    for (u32 e = 0; e < proj.n; ++e) {
+      u32 c = proj.cust[e];
+      std::size_t found = 0;
+      for (u32 t = proj.pos[proj.start[e]] + 1, end = cs[c + 1]; t < end; ++t) {
+        u32 child = s_.child[items[ts[t]]];
+        if (child == UINT32_MAX || level.store.lastCustomer(child) == c) {
+          continue;
+        }
+        level.store.append(child, c, t);
+        if (++found == children) break;
+      }
+    }
+  }
+
+  // Calls visit(child, customer, transaction) for every occurrence, after
+  // each customer's first transaction, of an item that is a sequence child.
+  template <class Visit>
+  void forEachSequenceChild(const Projection& proj, const Visit& visit) const {
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    const u32* cs = db_.customerStart.data();
+    for (u32 e = 0; e < proj.n; ++e) {
+      u32 c = proj.cust[e];
+      for (u32 t = proj.pos[proj.start[e]] + 1, end = cs[c + 1]; t < end; ++t) {
+        for (u32 k = ts[t]; k < ts[t + 1]; ++k) {
+          u32 child = s_.child[items[k]];
+          if (child != UINT32_MAX) visit(child, c, t);
+        }
+      }
     }
   }
 
@@ -454,14 +569,11 @@ void joinRoots(const Projection& root, const Projection& x, bool sameSet,
   u32 a = 0, b = 0;
   while (a < root.n && b < x.n) {
     if (root.cust[a] < x.cust[b]) {
-      a = static_cast<u32>(
-          std::lower_bound(root.cust + a, root.cust + root.n, x.cust[b]) -
-          root.cust);
+      a = gallop(root.cust, a, root.n, x.cust[b]);
       continue;
     }
     if (root.cust[a] > x.cust[b]) {
-      b = static_cast<u32>(
-          std::lower_bound(x.cust + b, x.cust + x.n, root.cust[a]) - x.cust);
+      b = gallop(x.cust, b, x.n, root.cust[a]);
       continue;
     }
     const u32* p = root.pos + root.start[a];
@@ -534,14 +646,24 @@ void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
   std::atomic<std::size_t> next{0};
   std::atomic<bool> stop{false};
   std::exception_ptr error;
+  // Tasks are claimed in blocks that shrink as the list runs out: the big
+  // tasks come first and go one by one, the many small ones at the end
+  // share a claim and a wake-up of the calling thread.
+  std::size_t share = workers.size() * 8;
   auto work = [&](Worker& worker) {
     while (!stop) {
-      std::size_t k = next++;
-      if (k >= n) return;
-      std::vector<int> out;
+      std::size_t first = next.load();
+      std::size_t block = 0;
+      do {
+        if (first >= n) return;
+        block = std::min<std::size_t>(
+            std::max<std::size_t>((n - first) / share, 1), 256);
+      } while (!next.compare_exchange_weak(first, first + block));
       try {
-        worker.setOutput(&out);
-        task(worker, k);
+        for (std::size_t k = first; k < first + block; ++k) {
+          worker.setOutput(&outputs[k]);
+          task(worker, k);
+        }
       } catch (...) {
         std::lock_guard<std::mutex> lock(mutex);
         if (!error) error = std::current_exception();
@@ -550,8 +672,8 @@ void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
         return;
       }
       std::lock_guard<std::mutex> lock(mutex);
-      outputs[k].swap(out);
-      done[k] = 1;
+      std::fill(done.begin() + static_cast<std::ptrdiff_t>(first),
+                done.begin() + static_cast<std::ptrdiff_t>(first + block), 1);
       ready.notify_all();
     }
   };

@@ -110,7 +110,7 @@ Result bruteForce(const std::vector<Customer>& customers, long minCount,
 }
 
 // Customers as the database holds them: sets ascending, duplicate-free.
-std::vector<Customer> randomCustomers(std::mt19937& random) {
+std::vector<Customer> randomCustomers(std::mt19937& random, int maxSetSize) {
   auto pick = [&random](int lo, int hi) {
     return std::uniform_int_distribution<int>(lo, hi)(random);
   };
@@ -121,7 +121,7 @@ std::vector<Customer> randomCustomers(std::mt19937& random) {
     int transactions = pick(0, 6);
     for (int t = 0; t < transactions; ++t) {
       std::set<int> set;
-      int size = pick(1, 3);
+      int size = pick(1, maxSetSize);
       for (int k = 0; k < size; ++k) set.insert(pick(0, alphabet - 1) + offset);
       c.emplace_back(set.begin(), set.end());
     }
@@ -138,12 +138,14 @@ Result mine(const std::vector<Customer>& customers, const MinerOptions& options,
   return sink.result;
 }
 
-TEST(SequenceMinerTest, MatchesBruteForceOnRandomDatabases) {
-  int compared = 0;
+// Mines 400 random databases with item sets of up to maxSetSize items and
+// compares every pattern, count and first customer with the brute force.
+// Returns the number of patterns compared.
+long compareWithBruteForce(int maxSetSize) {
   long patterns = 0;
   for (unsigned seed = 1; seed <= 400; ++seed) {
     std::mt19937 random(seed);
-    std::vector<Customer> customers = randomCustomers(random);
+    std::vector<Customer> customers = randomCustomers(random, maxSetSize);
     MinerOptions options;
     long minCount = std::uniform_int_distribution<long>(1, 4)(random);
     options.minSupport = MinSupport::count(minCount);
@@ -152,14 +154,20 @@ TEST(SequenceMinerTest, MatchesBruteForceOnRandomDatabases) {
     MiningSummary summary;
     Result got = mine(customers, options, &summary);
     Result want = bruteForce(customers, minCount, options.maxItems);
-    ASSERT_EQ(got, want) << "seed " << seed;
+    EXPECT_EQ(got, want) << "seed " << seed;
     EXPECT_EQ(summary.patterns, static_cast<long>(want.size()));
     EXPECT_EQ(summary.customers, static_cast<long>(customers.size()));
-    patterns += summary.patterns;
-    ++compared;
+    patterns += static_cast<long>(want.size());
   }
-  EXPECT_EQ(compared, 400);
-  EXPECT_GT(patterns, 10000);
+  return patterns;
+}
+
+TEST(SequenceMinerTest, MatchesBruteForceWithMultiItemTransactions) {
+  EXPECT_GT(compareWithBruteForce(3), 10000);
+}
+
+TEST(SequenceMinerTest, MatchesBruteForceWithSingleItemTransactions) {
+  EXPECT_GT(compareWithBruteForce(1), 1000);
 }
 
 TEST(SequenceMinerTest, CountsEachCustomerOnceAndReportsFirstCustomer) {

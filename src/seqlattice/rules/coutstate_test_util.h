@@ -1,26 +1,26 @@
 // A fixture for tests of listings on std::cout: each test starts from the
-// state of a freshly made stream and leaves std::cout as it found it, since
-// the listings change its precision on purpose.
+// number format of a freshly made stream, and std::cout's own format is
+// restored afterwards, since the listings change the precision on purpose.
 #ifndef SEQLATTICE_RULES_COUTSTATE_TEST_UTIL_H_
 #define SEQLATTICE_RULES_COUTSTATE_TEST_UTIL_H_
 
 #include <gtest/gtest.h>
 
 #include <iostream>
-#include <sstream>
+
+#include "seqlattice/sequence/sequence_test_util.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 
 class FreshCoutTest : public testing::Test {
  protected:
   void SetUp() override {
-    saved_.copyfmt(std::cout);
-    std::cout.copyfmt(std::ostringstream());
+    std::cout.flags(std::ios_base::dec | std::ios_base::skipws);
+    std::cout.precision(6);
   }
-  void TearDown() override { std::cout.copyfmt(saved_); }
 
  private:
-  std::ostringstream saved_;
+  testing_util::CoutFormatGuard guard_;
 };
 
 }  // namespace SEQUENCE_NAMESPACE_800
