@@ -5,6 +5,7 @@
 #define SEQLATTICE_EXPORT_EXPORT_TEST_UTIL_H_
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -126,12 +127,14 @@ inline bool HaveXmllint() {
   return std::system("xmllint --version >/dev/null 2>&1") == 0;
 }
 
-// Runs "xmllint --noout <options> <file holding document>".
+// Runs "xmllint --noout <options> <file holding document>". The file gets a
+// name of its own, since test processes run side by side.
 inline XmllintRun RunXmllint(const std::string& document,
                              const std::string& options) {
-  static int serial = 0;
-  const std::string path = testing::TempDir() + "seqlattice_export_" +
-                           std::to_string(++serial) + ".xml";
+  std::string path = testing::TempDir() + "seqlattice_export_XXXXXX";
+  const int fd = mkstemp(path.data());
+  if (fd < 0) return XmllintRun{-1, "cannot create a temporary file"};
+  close(fd);
   {
     std::ofstream out(path, std::ios::binary);
     out << document;
