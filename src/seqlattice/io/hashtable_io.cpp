@@ -47,6 +47,14 @@ long readEntries(HashtableSQPair& table, int entries, ReadEntry readEntry) {
   return read;
 }
 
+// The counter saved for an entry. Work tables and addSequence with a null
+// counter leave entries without one; they are saved as an all-zero counter
+// so that the file stays readable.
+const SequenceCounter& counterToSave(const ISQCPair& pair) {
+  static const SequenceCounter kNoCounter(0, 0, nullptr);
+  return pair.value != nullptr ? *pair.value : kNoCounter;
+}
+
 }  // namespace
 
 long HashtableSQPair::writeObject(std::fstream& out) const {
@@ -57,7 +65,7 @@ long HashtableSQPair::writeObject(std::fstream& out) const {
   long written = 6;
   for (const ISQCPair& pair : *this) {
     written += pair.key->writeObject(out);
-    written += pair.value->writeObject(out);
+    written += counterToSave(pair).writeObject(out);
   }
   return written;
 }
@@ -82,7 +90,7 @@ long HashtableSQPair::writeObjectXML(std::ostream& out) const {
   long written = 3;
   for (const ISQCPair& pair : *this) {
     written += pair.key->writeObjectXML(out);
-    written += pair.value->writeObjectXML(out);
+    written += counterToSave(pair).writeObjectXML(out);
   }
   obj.EndObj(out);
   return written;

@@ -33,9 +33,11 @@ std::array<int, kFields> valuesInRecordOrder(const SeqDictionarySettings& s) {
 
 // Rejects settings from which no dictionary could be built (see
 // RecordIO::settingsBuildable).
-void checkBuildable(const SeqDictionarySettings& s,
+void checkBuildable(const SeqDictionarySettings& s, std::istream& in,
                     const RecordIO::Failure& failure) {
-  if (!RecordIO::settingsBuildable(s)) RecordIO::raise(failure);
+  if (!RecordIO::settingsBuildable(s, RecordIO::bytesLeft(in))) {
+    RecordIO::raise(failure);
+  }
 }
 
 }  // namespace
@@ -55,7 +57,7 @@ long SeqDictionarySettings::readObject(std::fstream& in) {
   RecordIO::readRaw(in, values.data(), sizeof(int) * kFields);
   const auto fields = fieldsInRecordOrder(*this);
   for (int i = 0; i < kFields; ++i) *fields[i] = values[i];
-  checkBuildable(*this, RecordIO::kSettingsFailure);
+  checkBuildable(*this, in, RecordIO::kSettingsFailure);
   return 42;
 }
 
@@ -75,7 +77,7 @@ long SeqDictionarySettings::readObjectXML(std::ifstream& in) {
     RecordIO::parseValue(obj, in, field, failure);
   }
   if (!obj.ParseEndObj(in)) RecordIO::raise(failure);
-  checkBuildable(*this, failure);
+  checkBuildable(*this, in, failure);
   return 12;
 }
 

@@ -15,7 +15,7 @@ void raise(const Failure& failure) {
   throw new SeqExceptions::IOException;
 }
 
-bool settingsBuildable(const SeqDictionarySettings& s) {
+bool settingsBuildable(const SeqDictionarySettings& s, long bytesLeft) {
   if (s.nLevels < 1 || s.nLevels > kMaxLevels) return false;
   const int sizes[] = {s.level0Size, s.level1Size, s.level2Size, s.level3Size,
                        s.level4Size, s.level5Size, s.level6Size, s.level7Size};
@@ -25,7 +25,7 @@ bool settingsBuildable(const SeqDictionarySettings& s) {
     if (size < 1) return false;
     total += size;
   }
-  return total <= kMaxTotalBuckets;
+  return total <= kBucketAllowance + (bytesLeft > 0 ? bytesLeft : 0);
 }
 
 long bytesLeft(std::istream& in) {

@@ -71,18 +71,21 @@ inline constexpr Failure kStatsFailure{Channel::kStderr,
 // boundary walk starts from a 32-bit mark), so it has at most 31 sets too.
 inline constexpr int kMaxPatternItems = 31;
 inline constexpr int kMaxLevels = 64;
-// The initial bucket arrays of all levels together; the defaults use about
-// 150,000 buckets.
-inline constexpr long kMaxTotalBuckets = 1L << 24;
-// The smallest binary table entry: an empty pattern record (16 bytes) and a
+// The initial bucket arrays of all levels together may take this many
+// buckets plus one per byte left in the file: enough for the defaults (about
+// 127,000) and for any settings a host chose for a file of its size, while a
+// short corrupt file cannot ask for gigabytes.
+inline constexpr long kBucketAllowance = 1L << 20;
+// The smallest binary table entry: an empty pattern record (20 bytes) and a
 // counter record without pairs or statistics (23 bytes).
-inline constexpr long kMinEntryBytes = 16 + 23;
+inline constexpr long kMinEntryBytes = 20 + 23;
 
-// True when the settings describe tables that can be built from a file:
-// 1 to kMaxLevels levels, every table that nLevels asks for with a positive
-// size, at most kMaxTotalBuckets buckets in all. Sizes of levels that
-// nLevels does not reach are not looked at.
-bool settingsBuildable(const SeqDictionarySettings& settings);
+// True when a dictionary can be built from settings read from a stream with
+// bytesLeft bytes after them (-1: unknown): 1 to kMaxLevels levels, every
+// table that nLevels asks for with a positive size, all of them together
+// within kBucketAllowance + bytesLeft buckets. Sizes of levels that nLevels
+// does not reach are not looked at.
+bool settingsBuildable(const SeqDictionarySettings& settings, long bytesLeft);
 
 // ---- binary reading ------------------------------------------------------
 
