@@ -223,14 +223,6 @@ TEST(BinaryPatternTest, TimedRecordKeepsTimesWhole) {
   EXPECT_EQ(read.getTimeForSet(1), std::make_pair(-3.5, 8.0));
 }
 
-TEST(BinaryPatternTest, TimedRecordFailsOnTheStandardOutput) {
-  PackedSequence read;
-  const Printed printed = expectIOException(
-      [&] { readBinary(Bytes().text("NT:\0", 4).i64(0).str(), read); });
-  EXPECT_EQ(printed.out, "Failure reading PackedSequence!\n");
-  EXPECT_EQ(printed.err, "");
-}
-
 TEST(BinaryPatternTest, TimedRecordWithNegativeSetCountKeepsItsSets) {
   PatternArrays arrays({{1}, {5}});
   const double times[] = {1.0, 2.0};
@@ -243,12 +235,20 @@ TEST(BinaryPatternTest, TimedRecordWithNegativeSetCountKeepsItsSets) {
   EXPECT_EQ(read.getTimeForSet(1), std::make_pair(2.0, 2.0));
 }
 
-TEST(BinaryPatternTest, WrongTagFailsOnTheErrorStream) {
-  NTSequence read;
-  const Printed printed = expectIOException(
-      [&] { readBinary(Bytes().text("NT:X", 4).i64(0).str(), read); });
+TEST(BinaryPatternTest, WrongTagsFailOnTheirStreams) {
+  // Each reader meets the other's tag. The timed pattern reports on the
+  // standard output, unlike every other reader.
+  NTSequence pattern;
+  Printed printed = expectIOException(
+      [&] { readBinary(Bytes().text("PS:\0", 4).i64(0).str(), pattern); });
   EXPECT_EQ(printed.err, "Failure reading NTSequence!\n");
   EXPECT_EQ(printed.out, "");
+
+  PackedSequence timed;
+  printed = expectIOException(
+      [&] { readBinary(Bytes().text("NT:\0", 4).i64(0).str(), timed); });
+  EXPECT_EQ(printed.out, "Failure reading PackedSequence!\n");
+  EXPECT_EQ(printed.err, "");
 }
 
 // A counter record: tag, numbers, pairs, statistics flag.

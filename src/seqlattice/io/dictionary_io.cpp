@@ -50,12 +50,7 @@ long SequenceDictionary::readObject(std::fstream& in) {
   createDictionary(read);
   long count = 3;
   for (int k = 0; k < nLevels; ++k) count += levels[k]->readObject(in);
-  double values[] = {minSupport, slidingWindow, minGap, maxGap};
-  RecordIO::readRaw(in, values, sizeof values);
-  minSupport = values[0];
-  slidingWindow = values[1];
-  minGap = values[2];
-  maxGap = values[3];
+  RecordIO::readFields(in, {&minSupport, &slidingWindow, &minGap, &maxGap});
   return count + 32;
 }
 

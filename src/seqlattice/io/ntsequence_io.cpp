@@ -1,5 +1,4 @@
 // Binary record and XML element of NTSequence.
-#include <algorithm>
 #include <fstream>
 
 #include "seqlattice/io/internal/record_io.h"
@@ -25,16 +24,8 @@ long NTSequence::writeObject(std::fstream& out) const {
 }
 
 long NTSequence::readObject(std::fstream& in) {
-  RecordIO::readPatternTag(in, kTag, kFailure);
-  RecordIO::readValue(in, &pattern_);
-  const int count = RecordIO::readPatternCount(in, kFailure, true);
-  int read = 0;
-  if (count >= 0) {
-    replaceItems(count);
-    size_ = count;
-    std::fill_n(items_, count, 0);
-    read = RecordIO::readInts(in, items_, count);
-  }
+  const int read = RecordIO::readPatternHead(
+      in, kTag, kFailure, {pattern_, size_, itemsCapacity_, items_});
   RecordIO::readValue(in, &nSets_);
   hashCode_ = computeHash();
   return 16 + 4L * read;
@@ -52,16 +43,8 @@ long NTSequence::writeObjectXML(std::ostream& out) const {
 
 long NTSequence::readObjectXML(std::ifstream& in) {
   const KvXML_850::XMLObj obj(kElement, kDepth);
-  if (!obj.ParseStartObj(in)) RecordIO::raise(kFailure);
-  RecordIO::parseValue(obj, in, &pattern_, kFailure);
-  const int count = RecordIO::parsePatternCount(obj, in, kFailure, true);
-  long read = 2;
-  if (count >= 0) {
-    replaceItems(count);
-    size_ = count;
-    std::fill_n(items_, count, 0);
-    read += RecordIO::parseInts(obj, in, items_, count, kFailure);
-  }
+  const long read = RecordIO::parsePatternHead(
+      obj, in, kFailure, {pattern_, size_, itemsCapacity_, items_});
   RecordIO::parseValue(obj, in, &nSets_, kFailure);
   if (!obj.ParseEndObj(in)) RecordIO::raise(kFailure);
   hashCode_ = computeHash();

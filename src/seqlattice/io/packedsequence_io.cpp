@@ -26,12 +26,16 @@ int truncatedTime(double t) {
   return static_cast<int>(std::trunc(t));
 }
 
-// Releases the array and puts a zeroed one of n slots in its place.
-template <typename T>
-void renewArray(T*& array, int n) {
-  delete[] array;
-  array = nullptr;
-  array = new T[n]();
+// Puts zeroed time arrays of n sets in place of the old ones.
+void renewTimes(double*& startTimes, double*& endTimes, int& nSets,
+                int& setCapacity, int n) {
+  nSets = setCapacity = 0;
+  for (double** times : {&startTimes, &endTimes}) {
+    delete[] * times;
+    *times = nullptr;
+    *times = new double[n]();
+  }
+  nSets = setCapacity = n;
 }
 
 }  // namespace
@@ -51,26 +55,14 @@ long PackedSequence::writeObject(std::fstream& out) const {
 }
 
 long PackedSequence::readObject(std::fstream& in) {
-  RecordIO::readPatternTag(in, kTag, kFailure);
-  RecordIO::readValue(in, &pattern_);
-  const int count = RecordIO::readPatternCount(in, kFailure, true);
-  int items = 0;
-  if (count >= 0) {
-    size_ = itemsCapacity_ = 0;
-    renewArray(items_, count);
-    size_ = itemsCapacity_ = count;
-    items = RecordIO::readInts(in, items_, count);
-  }
-  const int sets = RecordIO::readPatternCount(in, kFailure, false);
+  const int items = RecordIO::readPatternHead(
+      in, kTag, kFailure, {pattern_, size_, itemsCapacity_, items_});
+  const int sets = RecordIO::readSetCount(in, kFailure);
   int setsRead = 0;
   if (sets >= 0) {
-    nSets_ = setCapacity_ = 0;
-    renewArray(startTimes_, sets);
-    renewArray(endTimes_, sets);
-    nSets_ = setCapacity_ = sets;
-    for (; setsRead < sets && in.good(); ++setsRead) {
-      RecordIO::readValue(in, &startTimes_[setsRead]);
-      RecordIO::readValue(in, &endTimes_[setsRead]);
+    renewTimes(startTimes_, endTimes_, nSets_, setCapacity_, sets);
+    for (; setsRead < sets; ++setsRead) {
+      RecordIO::readFields(in, {&startTimes_[setsRead], &endTimes_[setsRead]});
       if (in.fail()) break;
     }
   }
@@ -94,23 +86,12 @@ long PackedSequence::writeObjectXML(std::ostream& out) const {
 
 long PackedSequence::readObjectXML(std::ifstream& in) {
   const KvXML_850::XMLObj obj(kElement, kDepth);
-  if (!obj.ParseStartObj(in)) RecordIO::raise(kFailure);
-  RecordIO::parseValue(obj, in, &pattern_, kFailure);
-  const int count = RecordIO::parsePatternCount(obj, in, kFailure, true);
-  long read = 2;
-  if (count >= 0) {
-    size_ = itemsCapacity_ = 0;
-    renewArray(items_, count);
-    size_ = itemsCapacity_ = count;
-    read += RecordIO::parseInts(obj, in, items_, count, kFailure);
-  }
-  const int sets = RecordIO::parsePatternCount(obj, in, kFailure, false);
+  long read = RecordIO::parsePatternHead(
+      obj, in, kFailure, {pattern_, size_, itemsCapacity_, items_});
+  const int sets = RecordIO::parseSetCount(obj, in, kFailure);
   ++read;
   if (sets >= 0) {
-    nSets_ = setCapacity_ = 0;
-    renewArray(startTimes_, sets);
-    renewArray(endTimes_, sets);
-    nSets_ = setCapacity_ = sets;
+    renewTimes(startTimes_, endTimes_, nSets_, setCapacity_, sets);
     for (int s = 0; s < sets; ++s, read += 2) {
       int times[2] = {0, 0};
       RecordIO::parseInts(obj, in, times, 2, kFailure);

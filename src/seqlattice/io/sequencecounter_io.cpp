@@ -59,11 +59,7 @@ long SequenceCounter::writeObject(std::fstream& out) const {
 
 long SequenceCounter::readObject(std::fstream& in) {
   RecordIO::expectTag(in, kTag, true, kFailure);
-  int fields[] = {count, ordinalOfEntry, maxMissed};
-  RecordIO::readRaw(in, fields, sizeof fields);
-  count = fields[0];
-  ordinalOfEntry = fields[1];
-  maxMissed = fields[2];
+  RecordIO::readFields(in, {&count, &ordinalOfEntry, &maxMissed});
 
   int pairs = 0;
   RecordIO::readValue(in, &pairs);

@@ -53,10 +53,7 @@ long SeqDictionarySettings::writeObject(std::fstream& out) const {
 
 long SeqDictionarySettings::readObject(std::fstream& in) {
   RecordIO::expectTag(in, kTag, false, RecordIO::kSettingsFailure);
-  std::array<int, kFields> values = valuesInRecordOrder(*this);
-  RecordIO::readRaw(in, values.data(), sizeof(int) * kFields);
-  const auto fields = fieldsInRecordOrder(*this);
-  for (int i = 0; i < kFields; ++i) *fields[i] = values[i];
+  RecordIO::readFields(in, fieldsInRecordOrder(*this));
   checkBuildable(*this, in, RecordIO::kSettingsFailure);
   return 42;
 }

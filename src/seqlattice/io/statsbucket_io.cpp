@@ -36,12 +36,7 @@ long StatsBucket::writeObject(std::fstream& out) const {
 
 long StatsBucket::readObject(std::fstream& in) {
   RecordIO::expectTag(in, kTag, false, kFailure);
-  double values[] = {nOfGaps, sumOfGaps, minOfGaps, maxOfGaps};
-  RecordIO::readRaw(in, values, sizeof values);
-  nOfGaps = values[0];
-  sumOfGaps = values[1];
-  minOfGaps = values[2];
-  maxOfGaps = values[3];
+  RecordIO::readFields(in, {&nOfGaps, &sumOfGaps, &minOfGaps, &maxOfGaps});
   return kRecordCount;
 }
 

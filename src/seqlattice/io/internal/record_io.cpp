@@ -71,36 +71,47 @@ int appendPatternHead(BinaryWriter& writer, const char (&tag)[4], long pattern,
   return size;
 }
 
-void readPatternTag(std::istream& in, const char (&tag)[4],
-                    const Failure& failure) {
-  if (!readTag(in, tag, true) || in.bad()) raise(failure);
-}
-
 namespace {
 
-// The count rules shared by both formats once the count is known.
-int checkedCount(int count, bool good, const Failure& failure,
-                 bool negativeFails) {
-  if (!good) return -1;
-  if (count < 0 && !negativeFails) return -1;
+// Where a count read from a file leads: -1 to leave the arrays as they are,
+// the count itself, or the failure.
+int checkedCount(int count, bool good, bool negativeFails,
+                 const Failure& failure) {
+  if (!good || (count < 0 && !negativeFails)) return -1;
   if (count < 0 || count > kMaxPatternItems) raise(failure);
   return count;
 }
 
-}  // namespace
-
-int readPatternCount(std::istream& in, const Failure& failure,
-                     bool negativeFails) {
-  int count = 0;
-  readValue(in, &count);
-  return checkedCount(count, in.good(), failure, negativeFails);
+// Puts a zeroed array of n items in place of the old one.
+void renewItems(const PatternFields& fields, int n) {
+  fields.size = fields.itemsCapacity = 0;
+  delete[] fields.items;
+  fields.items = nullptr;
+  fields.items = new int[n]();
+  fields.size = fields.itemsCapacity = n;
 }
 
-int readInts(std::istream& in, int* dst, int n) {
-  if (n <= 0) return 0;
-  readRaw(in, dst, sizeof(int) * static_cast<std::size_t>(n));
+}  // namespace
+
+int readPatternHead(std::istream& in, const char (&tag)[4],
+                    const Failure& failure, const PatternFields& fields) {
+  if (!readTag(in, tag, true) || in.bad()) raise(failure);
+  readValue(in, &fields.pattern);
+  int count = 0;
+  readValue(in, &count);
+  count = checkedCount(count, in.good(), true, failure);
+  if (count < 0) return 0;
+  renewItems(fields, count);
+  if (count == 0) return 0;
+  readRaw(in, fields.items, sizeof(int) * static_cast<std::size_t>(count));
   return static_cast<int>(in.gcount() /
                           static_cast<std::streamsize>(sizeof(int)));
+}
+
+int readSetCount(std::istream& in, const Failure& failure) {
+  int count = 0;
+  readValue(in, &count);
+  return checkedCount(count, in.good(), false, failure);
 }
 
 long writePatternHeadXML(const KvXML_850::XMLObj& obj, std::ostream& out,
@@ -114,11 +125,23 @@ long writePatternHeadXML(const KvXML_850::XMLObj& obj, std::ostream& out,
   return written;
 }
 
-int parsePatternCount(const KvXML_850::XMLObj& obj, std::istream& in,
-                      const Failure& failure, bool negativeFails) {
+long parsePatternHead(const KvXML_850::XMLObj& obj, std::istream& in,
+                      const Failure& failure, const PatternFields& fields) {
+  if (!obj.ParseStartObj(in)) raise(failure);
+  parseValue(obj, in, &fields.pattern, failure);
   int count = 0;
   parseValue(obj, in, &count, failure);
-  return checkedCount(count, in.good(), failure, negativeFails);
+  count = checkedCount(count, in.good(), true, failure);
+  if (count < 0) return 2;
+  renewItems(fields, count);
+  return 2 + parseInts(obj, in, fields.items, count, failure);
+}
+
+int parseSetCount(const KvXML_850::XMLObj& obj, std::istream& in,
+                  const Failure& failure) {
+  int count = 0;
+  parseValue(obj, in, &count, failure);
+  return checkedCount(count, in.good(), false, failure);
 }
 
 long parseInts(const KvXML_850::XMLObj& obj, std::istream& in, int* dst, int n,

@@ -12,6 +12,7 @@
 #ifndef SEQLATTICE_IO_INTERNAL_RECORD_IO_H_
 #define SEQLATTICE_IO_INTERNAL_RECORD_IO_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -103,6 +104,23 @@ void readValue(std::istream& in, T* value) {
   readRaw(in, value, sizeof(T));
 }
 
+// Reads consecutive fields of one type in one go, each keeping its value
+// where a short read leaves it out.
+template <typename T, std::size_t N>
+void readFields(std::istream& in, const std::array<T*, N>& fields) {
+  std::array<T, N> values;
+  for (std::size_t i = 0; i < N; ++i) values[i] = *fields[i];
+  readRaw(in, values.data(), sizeof values);
+  for (std::size_t i = 0; i < N; ++i) *fields[i] = values[i];
+}
+
+template <typename T, std::size_t N>
+void readFields(std::istream& in, T* const (&fields)[N]) {
+  std::array<T*, N> list;
+  for (std::size_t i = 0; i < N; ++i) list[i] = fields[i];
+  readFields(in, list);
+}
+
 // Reads sizeof(tag) - 1 bytes, or sizeof(tag) with includeZero, and tells
 // whether they are the tag's bytes. A short read never matches.
 template <std::size_t N>
@@ -169,21 +187,27 @@ long appendStatsRecord(BinaryWriter& writer, const StatsBucket& bucket);
 int appendPatternHead(BinaryWriter& writer, const char (&tag)[4], long pattern,
                       int size, const int* items);
 
-// Reads the 4-byte tag; raises the failure when it differs or the stream's
-// bad bit is set.
-void readPatternTag(std::istream& in, const char (&tag)[4],
-                    const Failure& failure);
+// The fields a pattern record fills: NTSequence's and PackedSequence's
+// alike.
+struct PatternFields {
+  long& pattern;
+  int& size;
+  int& itemsCapacity;
+  int*& items;
+};
 
-// Reads a count of items or sets. Returns it when the stream is good and it
-// lies in 0 .. kMaxPatternItems. Returns -1, meaning "leave the pattern's
-// arrays as they are", when the stream is not good, or for a negative count
-// when negativeFails is false. Raises the failure otherwise.
-int readPatternCount(std::istream& in, const Failure& failure,
-                     bool negativeFails);
+// Reads the head of a pattern record into the fields: the 4-byte tag (the
+// failure is raised when it differs or the stream's bad bit is set), the
+// word, the item count and the items. The count must lie in
+// 0 .. kMaxPatternItems; when the stream is no longer good at the count, the
+// size and items are left as they were. Returns the items read whole.
+int readPatternHead(std::istream& in, const char (&tag)[4],
+                    const Failure& failure, const PatternFields& fields);
 
-// Reads n ints into dst (what a short read leaves out keeps its value);
-// returns how many were read whole.
-int readInts(std::istream& in, int* dst, int n);
+// Reads a count of sets: returns it when the stream is good and it lies in
+// 0 .. kMaxPatternItems, -1 ("leave the sets as they are") when the stream
+// is not good or the count negative, and raises the failure above the limit.
+int readSetCount(std::istream& in, const Failure& failure);
 
 // ---- XML -----------------------------------------------------------------
 
@@ -199,10 +223,15 @@ void parseValue(const KvXML_850::XMLObj& obj, std::istream& in, T* value,
 long writePatternHeadXML(const KvXML_850::XMLObj& obj, std::ostream& out,
                          long pattern, int size, const int* items);
 
-// As readPatternCount, the count coming from a value element; a value that
-// does not parse raises the failure.
-int parsePatternCount(const KvXML_850::XMLObj& obj, std::istream& in,
-                      const Failure& failure, bool negativeFails);
+// The XML counterpart of readPatternHead: parses the start tag, the word, the
+// item count and the items into the fields, raising the failure on anything
+// that does not parse. Returns the values parsed (the start tag not counted).
+long parsePatternHead(const KvXML_850::XMLObj& obj, std::istream& in,
+                      const Failure& failure, const PatternFields& fields);
+
+// The XML counterpart of readSetCount.
+int parseSetCount(const KvXML_850::XMLObj& obj, std::istream& in,
+                  const Failure& failure);
 
 // Parses n int values into dst or raises the failure; returns n.
 long parseInts(const KvXML_850::XMLObj& obj, std::istream& in, int* dst, int n,
