@@ -349,10 +349,8 @@ TEST(XMLDictionaryTest, VersionOneZeroKeepsTheSupportHeldBefore) {
   EXPECT_EQ(loaded.getMinSupport(), before);
 }
 
-TEST(XMLDictionaryTest, OtherRootYieldsZeroWithoutMessage) {
-  std::unique_ptr<SequenceDictionary> saved(timedDictionary(2));
-  std::string text = writeXML(*saved).first;
-  text.replace(0, std::string("<SequenceDictionary>").size(), "<Dictionary>");
+// The dictionary reader refuses the text by returning 0, quietly.
+void expectQuietZero(const std::string& text) {
   SequenceDictionary loaded;
   long count = -1;
   const Printed printed =
@@ -362,18 +360,20 @@ TEST(XMLDictionaryTest, OtherRootYieldsZeroWithoutMessage) {
   EXPECT_EQ(printed.err, "");
 }
 
+TEST(XMLDictionaryTest, OtherRootYieldsZeroWithoutMessage) {
+  std::unique_ptr<SequenceDictionary> saved(timedDictionary(2));
+  std::string text = writeXML(*saved).first;
+  text.replace(0, std::string("<SequenceDictionary>").size(), "<Dictionary>");
+  expectQuietZero(text);
+}
+
 TEST(XMLDictionaryTest, LargestLevelBeyondTheSettingsYieldsZero) {
   const std::string text = Element("SequenceDictionary", 1)
                                .i(1)
                                .i(2)
                                .nest(writeXML(smallSettings(2)).first)
                                .end();
-  SequenceDictionary loaded;
-  long count = -1;
-  const Printed printed =
-      io_test::capturePrinted([&] { count = readXML(text, loaded); });
-  EXPECT_EQ(count, 0);
-  EXPECT_EQ(printed.err, "");
+  expectQuietZero(text);
 }
 
 TEST(XMLDictionaryTest, OnlyTheBadBitStopsASave) {
