@@ -19,10 +19,18 @@
 // mining
 #include "seqlattice/mining/csvreader.h"
 #include "seqlattice/mining/csvrecords.h"
+#include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/mining/memorybudget.h"
+#include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/mining/spmfreader.h"
 #include "seqlattice/mining/timeparse.h"
+
+// rules and predictions
+#include "seqlattice/rules/seqassociationrule.h"
+#include "seqlattice/rules/seqconsequentdescript.h"
 
 // store
 #include "seqlattice/store/hashpairseq.h"

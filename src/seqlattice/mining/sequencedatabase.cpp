@@ -5,6 +5,7 @@
 #include <numeric>
 #include <string>
 
+#include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -13,10 +14,6 @@ namespace mining {
 namespace {
 
 constexpr std::size_t kMaxOffset = std::numeric_limits<std::uint32_t>::max();
-
-std::string megabytes(std::size_t bytes) {
-  return std::to_string((bytes + (1u << 20) - 1) >> 20) + " MB";
-}
 
 }  // namespace
 
@@ -123,10 +120,10 @@ void SequenceDatabase::checkGrowth(std::size_t moreTransactions,
   std::size_t need = estimateBytes(customerStart_.size(), transactions, items);
   if (need > memoryLimit_) {
     throw MiningError("the database does not fit in the memory budget of " +
-                      megabytes(memoryLimit_) + " (" +
+                      formatMegabytes(memoryLimit_) + " (" +
                       std::to_string(transactions) + " transactions and " +
                       std::to_string(items) + " items need at least " +
-                      megabytes(need) + ")");
+                      formatMegabytes(need) + ")");
   }
 }
 

@@ -115,12 +115,22 @@ class NTSequence {
   long readObjectXML(std::ifstream& in);
 
  private:
+  // An empty pattern without an array. The other constructors delegate here,
+  // so that the destructor releases what they allocated if they throw.
+  struct NoItems {};
+  explicit NTSequence(NoItems) {}
+
   // Releases the item array and allocates one of n slots (contents
   // undefined). Every replacement of items_ goes through here so that
   // itemsCapacity_ stays right.
   void replaceItems(int n);
   // The shared part of the copy constructor and assignment.
   void copyFrom(const NTSequence& other);
+  // Refill from the item sets 0 .. end-1 of seq (reuseAs' reallocation rule).
+  void fillFrom(const Sequence& seq, int end);
+  // Sets the shape fields after the items were written, and the hash.
+  void adopt(int size, int nSets, long pattern);
+  void swap(NTSequence& other) noexcept;
 
   int size_ = 0;          // items in all sets
   int nSets_ = 0;         // item sets

@@ -10,9 +10,10 @@
 // classes hash the same pattern differently.
 //
 // Ownership: the object owns its three arrays; assignment releases the ones
-// it replaces. Nothing is range-checked except that removeItem throws
-// std::length_error rather than write past its buffers. The time accessors
-// take unchecked set indexes.
+// it replaces. Little is range-checked: removeItem throws std::length_error
+// rather than write past its buffers, and the hash refuses patterns of more
+// than 31 items (std::length_error). The time accessors take unchecked set
+// indexes.
 //
 // Not safe for concurrent use.
 #ifndef SEQLATTICE_PATTERN_PACKEDSEQUENCE_H_
@@ -103,6 +104,8 @@ class PackedSequence {
   void reserve(int nItems, int nSets);
   // Releases the three arrays and zeroes the capacities.
   void release();
+  // Sets the shape fields after the items were written, and the hash.
+  void adopt(int size, int nSets, long pattern);
 
   int size_ = 0;                  // items in all sets
   int itemsCapacity_ = 0;         // slots of items_

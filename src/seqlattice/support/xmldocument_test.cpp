@@ -3,13 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <limits>
 #include <memory>
 #include <random>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -123,6 +126,53 @@ TEST(XMLDocumentTest, AttributeValuesAreEscaped) {
                 "space=\"tab&#9;line&#10;return&#13; end\" "
                 "control=\"x\xEF\xBF\xBDy\xEF\xBF\xBDz\xEF\xBF\xBDw\" "
                 "utf8=\"caf\xC3\xA9 \xE2\x82\xAC\"/>\n");
+}
+
+// Output of a shell command and whether it exited with status 0.
+bool RunCommand(const std::string& command, std::string* output) {
+  FILE* pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return false;
+  char buf[4096];
+  for (std::size_t n; (n = fread(buf, 1, sizeof buf, pipe)) > 0;) {
+    output->append(buf, n);
+  }
+  return pclose(pipe) == 0;
+}
+
+// An XML parser reads back every attribute value exactly as it was added.
+TEST(XMLDocumentTest, AParserReadsTheEscapedValuesBack) {
+  const std::vector<std::string> values = {
+      "a&b<c>d\"e'f",
+      "&amp;&lt;",
+      "tab\tline\nreturn\r",
+      "  two  spaces ",
+      "caf\xC3\xA9",
+      "]]>",
+      "",
+      "<!-- -->",
+  };
+  std::unique_ptr<XMLDocType> docType(XMLDocType::Create("R", "r.dtd", 0));
+  std::unique_ptr<XMLElement> root(XMLElement::Create("R"));
+  for (const auto& value : values) {
+    root->AddChild(XMLElement::Create("E"))->AddAttribute("v", value);
+  }
+  const std::string path = testing::TempDir() + "xmldocument_test.xml";
+  {
+    std::ofstream out(path);
+    ASSERT_TRUE(WriteTree(out, docType.get(), root.get(), true));
+  }
+  std::string errors;
+  ASSERT_TRUE(RunCommand("xmllint --noout " + path + " 2>&1", &errors))
+      << errors;
+  EXPECT_EQ(errors, "");
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    std::string read;
+    ASSERT_TRUE(RunCommand("xmllint --xpath 'string(/R/E[" +
+                               std::to_string(k + 1) + "]/@v)' " + path,
+                           &read));
+    EXPECT_EQ(read, values[k] + "\n") << k;  // xmllint ends with a newline
+  }
+  std::remove(path.c_str());
 }
 
 TEST(XMLDocumentTest, WholeNumbersWithoutDecimalPoint) {

@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# Times the miner on the public benchmark databases and prints, per database
+# and minimum support: patterns found (and whether they equal the reference
+# count), the longest pattern, wall time and peak RSS of the whole process,
+# beside the fastest published peer wall time and the Java peers' RSS.
+#
+# usage: bench/mine_datasets.sh [BUILD_DIR]   (default build/release)
+# env:   DATA_DIR   databases (default ../shared/data beside the repository)
+#        MAX_ITEMS  longest pattern mined (default 31, the pattern key limit)
+#        TIMEOUT    seconds per row (default 120)
+#        ROWS       a grep pattern selecting rows, e.g. ROWS=SIGN
+set -euo pipefail
+
+repo="$(cd "$(dirname "$0")/.." && pwd)"
+build="${1:-$repo/build/release}"
+miner="$build/bench/mine_spmf"
+data="${DATA_DIR:-$repo/../shared/data}"
+max_items="${MAX_ITEMS:-31}"
+limit="${TIMEOUT:-120}"
+
+if [[ ! -x "$miner" ]]; then
+  echo "mine_datasets: $miner not built (cmake --build $build --target mine_spmf)" >&2
+  exit 1
+fi
+
+# database  min-support  reference-patterns  fastest-peer-wall-s  java-rss-mb
+# ("-": no published figure; the last rows are those no peer finished).
+rows="
+SIGN.txt 0.4 518 0.08 -
+SIGN.txt 0.25 4029 1.8 158
+SIGN.txt 0.2 9718 0.25 -
+SIGN.txt 0.15 27213 3.5 370
+SIGN.txt 0.1 110417 1.77 602
+BMS1_spmf.txt 0.002 798 0.17 -
+BMS1_spmf.txt 0.001 3991 0.21 308
+BMS1_spmf.txt 0.0008 10286 2.6 476
+BMS1_spmf.txt 0.0006 461521 2.12 1424
+kosarak10k_seq.txt 0.005 1716 0.12 -
+kosarak10k_seq.txt 0.002 19477 0.34 -
+kosarak10k_seq.txt 0.0015 272937 1.44 -
+FOODMART_seq.txt 0.01 1557 4.4 452
+FOODMART_seq.txt 0.002 1559 1.55 -
+FOODMART_seq.txt 0.001 25852 2.16 731
+FOODMART_seq.txt 0.0007 159493 10.3 1265
+FOODMART_seq.txt 0.0005 665262 21.1 1187
+FOODMART_seq.txt 0.0003 2059945 49.4 1450
+FIFA.txt 0.2 938 0.74 -
+FIFA.txt 0.1 40642 6.62 -
+IBM_QUEST_10k.txt 0.05 8723 1.98 -
+IBM_QUEST_10k.txt 0.02 103305 9.78 -
+IBM_QUEST_10k.txt 0.01 639583 32.56 -
+MSNBC_spmf31790.txt 0.05 1478 0.94 -
+MSNBC_spmf31790.txt 0.02 9682 1.96 -
+MSNBC_spmf31790.txt 0.01 45279 4.50 -
+BMS1_spmf.txt 0.0005 - - -
+kosarak10k_seq.txt 0.001 - - -
+"
+
+printf '%-20s %8s %6s %9s %-5s %7s %8s %7s %9s %8s\n' database minsup count \
+  patterns match longest wall_s rss_mb peer_wall java_rss
+tmp="$(mktemp)"
+trap 'rm -f "$tmp"' EXIT
+while read -r file minsup reference peer_wall java_rss; do
+  [[ -z "$file" ]] && continue
+  if [[ -n "${ROWS:-}" ]] && ! grep -q -- "$ROWS" <<<"$file $minsup"; then
+    continue
+  fi
+  if [[ ! -f "$data/$file" ]]; then
+    echo "$file: not found in $data, skipped"
+    continue
+  fi
+  if ! timeout "$limit" /usr/bin/time -f '%e %M' -o "$tmp" \
+      "$miner" "$data/$file" "$minsup" "$max_items" >"$tmp.out" 2>&1; then
+    printf '%-20s %8s  did not finish within %s s: %s\n' "$file" "$minsup" \
+      "$limit" "$(tail -n 1 "$tmp.out")"
+    continue
+  fi
+  read -r _ count patterns longest _ _ <"$tmp.out"
+  read -r wall rss_kb <"$tmp"
+  match="-"
+  [[ "$reference" != "-" ]] && { [[ "$patterns" == "$reference" ]] && match=ok || match=DIFF; }
+  printf '%-20s %8s %6s %9s %-5s %7s %8s %7d %9s %8s\n' "$file" "$minsup" \
+    "$count" "$patterns" "$match" "$longest" "$wall" $((rss_kb / 1024)) \
+    "$peer_wall" "$java_rss"
+done <<<"$rows"
+rm -f "$tmp.out"

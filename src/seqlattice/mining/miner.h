@@ -1,0 +1,96 @@
+// SequenceMiner finds every frequent sequential pattern of a SequenceDatabase,
+// exactly. A pattern is a list of item sets; a customer contains it when its
+// item sets map, in order, to distinct transactions of the customer, each set
+// a subset of its transaction. The support of a pattern is the number of
+// customers containing it. The miner reports every pattern with support at
+// least the minimum count and at most maxItems items, with its support and
+// the index of the first customer containing it.
+//
+// The search is a depth-first prefix extension over a pseudo-projected
+// database that keeps, per customer, every transaction where the pattern's
+// last item set can end: sequence extensions continue after the first of
+// them, item set extensions stay inside them. Candidate items are pruned by
+// the parent's frequent extensions. The subtrees below the two-item patterns
+// are tasks shared by `threads` worker threads; each task buffers its
+// patterns, and the calling thread hands them to the sink, so the sink is only
+// ever called from the calling thread and need not be thread-safe.
+#ifndef SEQLATTICE_MINING_MINER_H_
+#define SEQLATTICE_MINING_MINER_H_
+
+#include <cstddef>
+#include <vector>
+
+#include "seqlattice/mining/sequencedatabase.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace mining {
+
+// The minimum support, as a fraction of the customers or an absolute count.
+class MinSupport {
+ public:
+  // 0 < f <= 1; the count is ceil(f * customers), at least 1. A product
+  // within 1e-9 (relative) of an integer counts as that integer, so that
+  // 0.07 of 100 customers is 7, not 8.
+  static MinSupport fraction(double f);
+  // n >= 1 customers.
+  static MinSupport count(long n);
+
+  long countFor(std::size_t customers) const;
+  bool isFraction() const { return isFraction_; }
+  double value() const { return value_; }
+
+ private:
+  MinSupport(bool isFraction, double value)
+      : isFraction_(isFraction), value_(value) {}
+  bool isFraction_;
+  double value_;
+};
+
+struct MinerOptions {
+  MinSupport minSupport = MinSupport::count(1);
+  int maxItems = 9;  // patterns of 1 .. maxItems items are reported
+  int threads = 0;   // worker threads; 0 = the hardware's concurrency
+  // Bytes the mining may use beyond the database (0 = no limit); a search
+  // estimated to need more is refused before it starts.
+  std::size_t memoryBudget = 0;
+};
+
+// Receives the patterns, one call each, from the thread that called mine().
+class PatternSink {
+ public:
+  virtual ~PatternSink() = default;
+  // sets[k][0] is the number of items of set k, followed by its items in
+  // ascending order; the arrays are valid only during the call (the sink may
+  // not keep them, but may modify them). count >= the minimum count;
+  // firstCustomer is the index of the first customer containing the pattern.
+  virtual void addPattern(int** sets, int nSets, long count,
+                          long firstCustomer) = 0;
+};
+
+struct MiningSummary {
+  long customers = 0;
+  long minCount = 0;
+  long patterns = 0;
+  int longestPattern = 0;  // items of the largest pattern found
+  // patternsPerSize[k] = patterns with k items (entry 0 unused, 0).
+  std::vector<long> patternsPerSize;
+};
+
+class SequenceMiner {
+ public:
+  // Throws MiningError when maxItems < 1 or threads < 0.
+  explicit SequenceMiner(const MinerOptions& options);
+
+  // Mines db and feeds every frequent pattern to sink. Throws MiningError
+  // when the search would exceed the memory budget; an exception thrown by
+  // the sink stops the workers and is passed on.
+  MiningSummary mine(const SequenceDatabase& db, PatternSink& sink) const;
+
+ private:
+  MinerOptions options_;
+};
+
+}  // namespace mining
+}  // namespace SEQUENCE_NAMESPACE_800
+
+#endif  // SEQLATTICE_MINING_MINER_H_

@@ -1,0 +1,318 @@
+#include "seqlattice/mining/miner.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/mining/spmfreader.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace mining {
+namespace {
+
+using Pattern = std::vector<std::vector<int>>;
+using Customer = std::vector<std::vector<int>>;
+
+struct Found {
+  long count;
+  long first;
+  bool operator==(const Found& o) const {
+    return count == o.count && first == o.first;
+  }
+};
+using Result = std::map<Pattern, Found>;
+
+class CollectingSink : public PatternSink {
+ public:
+  void addPattern(int** sets, int nSets, long count,
+                  long firstCustomer) override {
+    Pattern p;
+    for (int k = 0; k < nSets; ++k) {
+      p.emplace_back(sets[k] + 1, sets[k] + 1 + sets[k][0]);
+    }
+    EXPECT_TRUE(result.emplace(p, Found{count, firstCustomer}).second)
+        << "pattern reported twice";
+  }
+  Result result;
+};
+
+SequenceDatabase makeDatabase(const std::vector<Customer>& customers) {
+  SequenceDatabase db;
+  for (const Customer& c : customers) {
+    db.beginCustomer();
+    for (std::size_t t = 0; t < c.size(); ++t) {
+      db.addTransaction(static_cast<double>(t), c[t]);
+    }
+    db.endCustomer();
+  }
+  return db;
+}
+
+// Earliest-match containment: each pattern set in the first later
+// transaction that holds it. Taking the earliest never loses a match.
+bool contains(const Customer& c, const Pattern& p) {
+  std::size_t t = 0;
+  for (const std::vector<int>& set : p) {
+    while (t < c.size() &&
+           !std::includes(c[t].begin(), c[t].end(), set.begin(), set.end())) {
+      ++t;
+    }
+    if (t == c.size()) return false;
+    ++t;
+  }
+  return true;
+}
+
+// Every pattern of up to maxItems items occurring in some customer, chosen as
+// a subset of each transaction of a chosen list of transactions.
+void subPatterns(const Customer& c, std::size_t from, Pattern& current,
+                 int items, int maxItems, std::set<Pattern>& out) {
+  if (!current.empty()) out.insert(current);
+  for (std::size_t t = from; t < c.size(); ++t) {
+    const std::vector<int>& set = c[t];
+    for (unsigned mask = 1; mask < (1u << set.size()); ++mask) {
+      std::vector<int> chosen;
+      for (std::size_t k = 0; k < set.size(); ++k) {
+        if (mask & (1u << k)) chosen.push_back(set[k]);
+      }
+      int size = items + static_cast<int>(chosen.size());
+      if (size > maxItems) continue;
+      current.push_back(chosen);
+      subPatterns(c, t + 1, current, size, maxItems, out);
+      current.pop_back();
+    }
+  }
+}
+
+Result bruteForce(const std::vector<Customer>& customers, long minCount,
+                  int maxItems) {
+  std::set<Pattern> candidates;
+  for (const Customer& c : customers) {
+    Pattern current;
+    subPatterns(c, 0, current, 0, maxItems, candidates);
+  }
+  Result result;
+  for (const Pattern& p : candidates) {
+    long count = 0;
+    long first = -1;
+    for (std::size_t c = 0; c < customers.size(); ++c) {
+      if (!contains(customers[c], p)) continue;
+      if (count++ == 0) first = static_cast<long>(c);
+    }
+    if (count >= minCount) result.emplace(p, Found{count, first});
+  }
+  return result;
+}
+
+// Customers as the database holds them: sets ascending, duplicate-free.
+std::vector<Customer> randomCustomers(std::mt19937& random, int maxSetSize) {
+  auto pick = [&random](int lo, int hi) {
+    return std::uniform_int_distribution<int>(lo, hi)(random);
+  };
+  int alphabet = pick(2, 6);
+  int offset = pick(0, 1) == 0 ? 0 : -3;
+  std::vector<Customer> customers(static_cast<std::size_t>(pick(1, 12)));
+  for (Customer& c : customers) {
+    int transactions = pick(0, 6);
+    for (int t = 0; t < transactions; ++t) {
+      std::set<int> set;
+      int size = pick(1, maxSetSize);
+      for (int k = 0; k < size; ++k) set.insert(pick(0, alphabet - 1) + offset);
+      c.emplace_back(set.begin(), set.end());
+    }
+  }
+  return customers;
+}
+
+Result mine(const std::vector<Customer>& customers, const MinerOptions& options,
+            MiningSummary* summary = nullptr) {
+  SequenceDatabase db = makeDatabase(customers);
+  CollectingSink sink;
+  MiningSummary s = SequenceMiner(options).mine(db, sink);
+  if (summary) *summary = s;
+  return sink.result;
+}
+
+// Mines 400 random databases with item sets of up to maxSetSize items and
+// compares every pattern, count and first customer with the brute force.
+// Returns the number of patterns compared.
+long compareWithBruteForce(int maxSetSize) {
+  long patterns = 0;
+  for (unsigned seed = 1; seed <= 400; ++seed) {
+    std::mt19937 random(seed);
+    std::vector<Customer> customers = randomCustomers(random, maxSetSize);
+    MinerOptions options;
+    long minCount = std::uniform_int_distribution<long>(1, 4)(random);
+    options.minSupport = MinSupport::count(minCount);
+    options.maxItems = std::uniform_int_distribution<int>(1, 7)(random);
+    options.threads = std::uniform_int_distribution<int>(1, 3)(random);
+    MiningSummary summary;
+    Result got = mine(customers, options, &summary);
+    Result want = bruteForce(customers, minCount, options.maxItems);
+    EXPECT_EQ(got, want) << "seed " << seed;
+    EXPECT_EQ(summary.patterns, static_cast<long>(want.size()));
+    EXPECT_EQ(summary.customers, static_cast<long>(customers.size()));
+    patterns += static_cast<long>(want.size());
+  }
+  return patterns;
+}
+
+TEST(SequenceMinerTest, MatchesBruteForceWithMultiItemTransactions) {
+  EXPECT_GT(compareWithBruteForce(3), 10000);
+}
+
+TEST(SequenceMinerTest, MatchesBruteForceWithSingleItemTransactions) {
+  EXPECT_GT(compareWithBruteForce(1), 1000);
+}
+
+TEST(SequenceMinerTest, CountsEachCustomerOnceAndReportsFirstCustomer) {
+  // Customer 0 lacks 2; customers 1 and 2 hold <1, 2>, <(1 2)>, <2, 2> and
+  // <(1 2), 2>; only customer 2 holds <(1 2), 1>. Customer 2 holds 1 four
+  // times and counts once.
+  std::vector<Customer> customers = {
+      {{1}, {1}},
+      {{1, 2}, {2}},
+      {{1, 2}, {1, 2}},
+  };
+  MinerOptions options;
+  options.minSupport = MinSupport::count(2);
+  Result got = mine(customers, options);
+  Result want = {
+      {{{1}}, {3, 0}},         {{{2}}, {2, 1}},      {{{1, 2}}, {2, 1}},
+      {{{1}, {2}}, {2, 1}},    {{{1}, {1}}, {2, 0}}, {{{2}, {2}}, {2, 1}},
+      {{{1, 2}, {2}}, {2, 1}},
+  };
+  EXPECT_EQ(got, want);
+}
+
+TEST(SequenceMinerTest, MaxItemsLimitsPatternSize) {
+  std::vector<Customer> customers = {{{1, 2}, {3}}, {{1, 2}, {3}}};
+  MinerOptions options;
+  options.maxItems = 2;
+  MiningSummary summary;
+  Result got = mine(customers, options, &summary);
+  EXPECT_EQ(got.size(), 6u);  // 3 singles, (1 2), <1,3>, <2,3>
+  EXPECT_EQ(summary.longestPattern, 2);
+  EXPECT_EQ(summary.patternsPerSize, (std::vector<long>{0, 3, 3}));
+  options.maxItems = 1;
+  EXPECT_EQ(mine(customers, options).size(), 3u);
+  options.maxItems = 3;
+  Result all = mine(customers, options, &summary);
+  EXPECT_EQ(all.size(), 7u);
+  EXPECT_EQ(all.count({{1, 2}, {3}}), 1u);
+  EXPECT_EQ(summary.longestPattern, 3);
+}
+
+TEST(SequenceMinerTest, FractionRoundsUpToACount) {
+  EXPECT_EQ(MinSupport::fraction(0.1).countFor(730), 73);
+  EXPECT_EQ(MinSupport::fraction(0.15).countFor(730), 110);
+  EXPECT_EQ(MinSupport::fraction(0.0006).countFor(59601), 36);
+  EXPECT_EQ(MinSupport::fraction(0.07).countFor(100), 7);
+  EXPECT_EQ(MinSupport::fraction(0.5).countFor(3), 2);
+  EXPECT_EQ(MinSupport::fraction(0.001).countFor(10), 1);
+  EXPECT_EQ(MinSupport::fraction(1.0).countFor(0), 1);
+  EXPECT_EQ(MinSupport::count(5).countFor(3), 5);
+  EXPECT_TRUE(MinSupport::fraction(0.5).isFraction());
+  EXPECT_FALSE(MinSupport::count(5).isFraction());
+}
+
+TEST(SequenceMinerTest, FractionSelectsThePatternsOfItsCount) {
+  std::vector<Customer> customers = {{{1}}, {{1}}, {{2}}, {{2}}, {{2}}};
+  MinerOptions options;
+  options.minSupport = MinSupport::fraction(0.5);  // ceil(2.5) = 3
+  MiningSummary summary;
+  Result got = mine(customers, options, &summary);
+  EXPECT_EQ(summary.minCount, 3);
+  EXPECT_EQ(got, (Result{{{{2}}, {3, 2}}}));
+  options.minSupport = MinSupport::fraction(0.4);  // exactly 2
+  EXPECT_EQ(mine(customers, options).size(), 2u);
+}
+
+TEST(SequenceMinerTest, RejectsBadParameters) {
+  EXPECT_THROW(MinSupport::fraction(0.0), MiningError);
+  EXPECT_THROW(MinSupport::fraction(1.5), MiningError);
+  EXPECT_THROW(MinSupport::count(0), MiningError);
+  MinerOptions options;
+  options.maxItems = 0;
+  try {
+    SequenceMiner miner(options);
+    FAIL() << "maxItems 0 accepted";
+  } catch (const MiningError& e) {
+    EXPECT_EQ(std::string(e.what()), "maximum pattern size 0 is less than 1");
+  }
+}
+
+TEST(SequenceMinerTest, RefusesASearchBeyondTheMemoryBudget) {
+  std::vector<Customer> customers(100, Customer{{1, 2, 3}, {4, 5}});
+  MinerOptions options;
+  options.memoryBudget = 1000;
+  options.threads = 2;
+  try {
+    mine(customers, options);
+    FAIL() << "search beyond the budget accepted";
+  } catch (const MiningError& e) {
+    EXPECT_EQ(std::string(e.what()),
+              "mining this database needs about 1 MB, more than the budget "
+              "of 1 MB");
+  }
+}
+
+TEST(SequenceMinerTest, EmptyDatabaseHasNoPatterns) {
+  MiningSummary summary;
+  EXPECT_TRUE(mine({}, MinerOptions(), &summary).empty());
+  EXPECT_EQ(summary.customers, 0);
+  EXPECT_EQ(summary.minCount, 1);
+  EXPECT_TRUE(mine({{}, {}}, MinerOptions()).empty());
+}
+
+TEST(SequenceMinerTest, FixtureAtHalfSupport) {
+  SequenceDatabase db;
+  readSpmfFile(SEQLATTICE_SOURCE_DIR "/tests/data/mining/small.txt", db);
+  std::vector<Customer> customers;
+  for (std::size_t c = 0; c < db.customerCount(); ++c) {
+    Customer customer;
+    for (std::size_t t = db.firstTransaction(c); t < db.endTransaction(c);
+         ++t) {
+      customer.emplace_back(db.itemsBegin(t), db.itemsEnd(t));
+    }
+    customers.push_back(customer);
+  }
+  MinerOptions options;
+  options.minSupport = MinSupport::fraction(0.5);
+  options.maxItems = 31;
+  CollectingSink sink;
+  MiningSummary summary = SequenceMiner(options).mine(db, sink);
+  EXPECT_EQ(sink.result, bruteForce(customers, 2, 31));
+  EXPECT_EQ(summary.patterns, 53);
+  EXPECT_EQ(summary.longestPattern, 4);
+  EXPECT_EQ(sink.result.at({{1, 2}, {6}}).count, 2);
+  EXPECT_EQ(sink.result.at({{1}, {2, 3}, {1}}).count, 2);
+  EXPECT_EQ(sink.result.at({{5}, {2}, {3}}).first, 2);
+}
+
+class ThrowingSink : public PatternSink {
+ public:
+  void addPattern(int**, int, long, long) override {
+    if (++calls == 5) throw std::runtime_error("sink full");
+  }
+  int calls = 0;
+};
+
+TEST(SequenceMinerTest, SinkExceptionStopsTheWorkers) {
+  std::vector<Customer> customers(20, Customer{{1, 2, 3}, {4, 5}, {1, 6}});
+  SequenceDatabase db = makeDatabase(customers);
+  ThrowingSink sink;
+  MinerOptions options;
+  options.threads = 2;
+  EXPECT_THROW(SequenceMiner(options).mine(db, sink), std::runtime_error);
+  EXPECT_EQ(sink.calls, 5);
+}
+
+}  // namespace
+}  // namespace mining
+}  // namespace SEQUENCE_NAMESPACE_800
