@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -54,6 +55,18 @@ TEST(BinaryDictionaryTest, EmptyTablesTakeFixedBytesAndCount) {
     appendEmptyTables(expected, levels).f64(0.0).f64(2.5).f64(1.0).f64(4.0);
     EXPECT_EQ(written.bytes, expected.str()) << levels << " levels";
   }
+}
+
+TEST(BinaryDictionaryTest, UnfilledDictionarySavesWithoutTables) {
+  const SequenceDictionary unfilled;
+  Bytes expected;
+  expected.text("SD0", 3);
+  io_test::appendSettings(expected, SeqDictionarySettings());
+  expected.f64(0.0).f64(0.0).f64(0.0).f64(0.0);
+  EXPECT_EQ(writeBinary(unfilled).bytes, expected.str());
+  std::ostringstream xml;
+  EXPECT_EQ(unfilled.writeObjectXML(xml), 8);
+  EXPECT_EQ(xml.str().find("HashtableSQPair"), std::string::npos);
 }
 
 TEST(BinaryDictionaryTest, LevelZeroEntryIsSavedAsPatternAndCounter) {

@@ -18,6 +18,13 @@ constexpr int kDepth = 1;
 // Documents of this format version end without the minimum support.
 constexpr const char* kVersionWithoutMinSupport = "1.0";
 
+// The table saved for a level: an empty one stands in for a slot that a host
+// left without a table (the constructor from a table array allows it).
+const HashtableSQPair& tableToSave(HashtableSQPair* table) {
+  static const HashtableSQPair kNoTable(1);
+  return table != nullptr ? *table : kNoTable;
+}
+
 }  // namespace
 
 long SequenceDictionary::writeObject(std::fstream& out) const {
@@ -31,7 +38,9 @@ long SequenceDictionary::writeObject(std::fstream& out) const {
   }
   settings.writeObject(out);
   long written = 3;
-  for (int k = 0; k < nLevels; ++k) written += levels[k]->writeObject(out);
+  for (int k = 0; k < nLevels; ++k) {
+    written += tableToSave(levels[k]).writeObject(out);
+  }
   RecordIO::BinaryWriter writer(out);
   const double values[] = {minSupport, slidingWindow, minGap, maxGap};
   writer.bytes(values, sizeof values);
@@ -63,7 +72,10 @@ long SequenceDictionary::writeObjectXML(std::ostream& out) const {
   obj.WriteSubElement(out, largest);
   settings.writeObjectXML(out);
   long written = 8;
-  for (int k = 0; k <= largest; ++k) written += levels[k]->writeObjectXML(out);
+  // A dictionary never filled has no levels at all.
+  for (int k = 0; k <= largest && k < nLevels; ++k) {
+    written += tableToSave(levels[k]).writeObjectXML(out);
+  }
   for (double value : {minSupport, slidingWindow, minGap, maxGap}) {
     obj.WriteSubElement(out, value);
   }
