@@ -188,10 +188,7 @@ class ProjectionStore {
     }
     pos_[s.posOffset + s.positions++] = transaction;
   }
-  // Keeps only the first transaction of each customer.
-  void appendFirst(u32 k, u32 customer, u32 transaction) {
-    if (slots_[k].lastCustomer != customer) append(k, customer, transaction);
-  }
+  u32 lastCustomer(u32 k) const { return slots_[k].lastCustomer; }
   void finish() {
     for (Slot& s : slots_) start_[s.startOffset + s.filled] = s.positions;
   }
@@ -295,6 +292,7 @@ class Worker {
     }
     count(proj, last, sCand, nS, iCand, nI);
     collect(sCand, nS, s_, false, level.sFrequent, level);
+    findFirstCustomers(proj, level);
     collect(iCand, nI, i_, true, level.iFrequent, level);
     for (const Extension& x : level.extensions) {
       push(x.item, x.sameSet);
@@ -345,7 +343,7 @@ class Worker {
 
  private:
   struct Counters {
-    std::vector<char> flag;
+    std::vector<u32> flag;  // 0 or 1, added without a branch
     std::vector<u32> count, first, occurrences, child;
     std::vector<std::uint64_t> stamp;
     void clear(u32 x) {
@@ -384,9 +382,12 @@ class Worker {
       const u32* p = proj.pos + proj.start[e];
       const u32* pEnd = proj.pos + proj.start[e + 1];
       if (nS != 0) {
-        for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > *p; ++k) {
-          u32 x = li[k];
-          if (s_.flag[x] && s_.count[x]++ == 0) s_.first[x] = c;
+        // Locals, so that the stores into the counts need no reloads.
+        u32* counts = s_.count.data();
+        const u32* flags = s_.flag.data();
+        const u32 f = *p;
+        for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > f; ++k) {
+          counts[li[k]] += flags[li[k]];
         }
       }
       if (nI != 0) {
@@ -417,6 +418,29 @@ class Worker {
     }
   }
 
+  // The sequence counts above keep no first customer (a branch there costs
+  // more than this search): the first entries with the item after their
+  // first transaction hold it, usually among the first few.
+  void findFirstCustomers(const Projection& proj, Level& level) {
+    std::size_t remaining = level.extensions.size();
+    for (const Extension& x : level.extensions) s_.flag[x.item] = 1;
+    const u32* ls = db_.lastStart.data();
+    const u32* lt = db_.lastTransaction.data();
+    const u32* li = db_.lastItem.data();
+    for (u32 e = 0; e < proj.n && remaining > 0; ++e) {
+      u32 c = proj.cust[e];
+      u32 f = proj.pos[proj.start[e]];
+      for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > f; ++k) {
+        u32 x = li[k];
+        if (!s_.flag[x]) continue;
+        s_.flag[x] = 0;
+        s_.first[x] = c;
+        --remaining;
+      }
+    }
+    for (Extension& x : level.extensions) x.firstCustomer = s_.first[x.item];
+  }
+
   // Lays out and fills the projections of the node's frequent extensions.
   // Without multi-item transactions no pattern has item set extensions, so
   // a projection needs only each customer's first transaction.
@@ -442,9 +466,7 @@ class Worker {
         level.store.append(child, c, t);
       });
     } else if (anyS) {
-      forEachSequenceChild(proj, [&level](u32 child, u32 c, u32 t) {
-        level.store.appendFirst(child, c, t);
-      });
+      appendFirstOccurrences(proj, level);
     }
     if (!level.iFrequent.empty()) {
       const u32* items = db_.items.data();
@@ -464,6 +486,27 @@ class Worker {
     level.store.finish();
     for (const Extension& x : level.extensions) {
       (x.sameSet ? i_ : s_).child[x.item] = UINT32_MAX;
+    }
+  }
+
+  // One item per transaction: each customer's first occurrence of each child
+  // item after its first transaction, stopping when all children are found.
+  void appendFirstOccurrences(const Projection& proj, Level& level) {
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    const u32* cs = db_.customerStart.data();
+    std::size_t children = level.sFrequent.size();
+    for (u32 e = 0; e < proj.n; ++e) {
+      u32 c = proj.cust[e];
+      std::size_t found = 0;
+      for (u32 t = proj.pos[proj.start[e]] + 1, end = cs[c + 1]; t < end; ++t) {
+        u32 child = s_.child[items[ts[t]]];
+        if (child == UINT32_MAX || level.store.lastCustomer(child) == c) {
+          continue;
+        }
+        level.store.append(child, c, t);
+        if (++found == children) break;
+      }
     }
   }
 

@@ -6,8 +6,12 @@
 
 #include <cstdlib>
 #include <new>
+#include <vector>
 
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
+#include "seqlattice/store/store_test_util.h"
 #include "seqlattice/support/seqexceptions.h"
 
 namespace {
@@ -41,7 +45,11 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
+using SEQUENCE_NAMESPACE_800::HashtableSQPair;
+using SEQUENCE_NAMESPACE_800::NTSequence;
 using SEQUENCE_NAMESPACE_800::SequenceCounter;
+using SEQUENCE_NAMESPACE_800::storetest::keysInOrder;
+using SEQUENCE_NAMESPACE_800::storetest::makeItem;
 namespace SeqExceptions = SEQUENCE_NAMESPACE_800::SeqExceptions;
 
 TEST(AllocationFailureTest, CreatingTheAdjacencySetThrowsDictionaryFailure) {
@@ -68,6 +76,51 @@ TEST(AllocationFailureTest, InsertingIntoTheSetThrowsDictionaryFailure) {
   EXPECT_EQ(counter.getNAdjacent(), 1);
   counter.addAdjacentItem(2, 1);
   EXPECT_EQ(counter.getNAdjacent(), 2);
+}
+
+// A failed insertion leaves the table as it was and the objects with the
+// caller.
+TEST(AllocationFailureTest, FailedNodeAllocationStoresNothing) {
+  HashtableSQPair table(11);
+  table.put(makeItem(1), nullptr);
+  NTSequence* key = makeItem(2);
+  SequenceCounter* value = new SequenceCounter(0, 1, nullptr);
+  {
+    FailingAllocations failing(0);
+    EXPECT_THROW(table.put(key, value), std::bad_alloc);
+    EXPECT_THROW(table.putOverwrite(key, value), std::bad_alloc);
+  }
+  EXPECT_EQ(table.getCount(), 1);
+  EXPECT_FALSE(table.containsKey(key));
+  EXPECT_TRUE(table.put(key, value));
+  EXPECT_EQ(table.getCount(), 2);
+}
+
+TEST(AllocationFailureTest, FailedGrowthKeepsTheOldBuckets) {
+  HashtableSQPair table(4);
+  for (int item = 1; item <= 3; ++item) table.put(makeItem(item), nullptr);
+  const std::vector<const NTSequence*> before = keysInOrder(table);
+  NTSequence* key = makeItem(4);
+  {
+    FailingAllocations failing(0);
+    EXPECT_THROW(table.put(key, nullptr), std::bad_alloc);
+  }
+  EXPECT_EQ(table.getCapacity(), 4);
+  EXPECT_EQ(table.getThreshold(), 3);
+  EXPECT_EQ(table.getNRehashes(), 0);
+  EXPECT_EQ(table.getCount(), 3);
+  EXPECT_EQ(keysInOrder(table), before);
+
+  // Growth succeeds, the node does not: the table has grown, holds the same
+  // pairs, and the key is still the caller's.
+  {
+    FailingAllocations failing(1);
+    EXPECT_THROW(table.put(key, nullptr), std::bad_alloc);
+  }
+  EXPECT_EQ(table.getCapacity(), 9);
+  EXPECT_EQ(table.getCount(), 3);
+  EXPECT_FALSE(table.containsKey(key));
+  delete key;
 }
 
 }  // namespace
