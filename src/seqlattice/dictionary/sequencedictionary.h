@@ -34,6 +34,7 @@
 namespace SEQUENCE_NAMESPACE_800 {
 
 class HashtableSQPair;
+struct ISQCPair;
 class NTSequence;
 class Sequence;
 class SequenceCounter;
@@ -76,6 +77,7 @@ class SequenceDictionary : public SequenceSemiLattice {
   void setMaxGap(double gap);
   // Makes a running GetRules or GetFutureItems stop; nothing clears it.
   void setCancel();
+  bool isCancelled() const { return cancelled; }
   bool isLatticeBuilt() const;
 
   // Counting queries (interface slots 2 to 5).
@@ -86,7 +88,12 @@ class SequenceDictionary : public SequenceSemiLattice {
 
   // Counting. Patterns come as an NTSequence, as int** item-set arrays
   // (sets[s][0] items followed by the items, n sets) or as a Sequence.
-  // A pattern of nLevels or more items is never stored.
+  // A pattern of nLevels or more items is never stored: addSequence throws
+  // SeqExceptions::DictionaryFailure for it, lookups find nothing. addSequence
+  // stores a new counter copying sc's count, ordinal and missed count (sc may
+  // be null and stays the caller's) and replaces an equal stored pattern.
+  // Lookups from int** or a Sequence allocate nothing once `probe` has held a
+  // pattern of the same number of items.
   void addSequence(int** p, int n, SequenceCounter* sc);
   SequenceCounter* incrementCount(int** p, int n);
   SequenceCounter* getDescriptor(NTSequence const* s) const;
@@ -98,7 +105,9 @@ class SequenceDictionary : public SequenceSemiLattice {
   void remove(int** p, int n);
   void remove(Sequence const* s);
 
-  // Pruning; s is an absolute count. Each returns the number removed.
+  // Pruning; s is an absolute count, whole up to rounding error or rounded
+  // up. Level 0 and entries without a counter are never pruned. Each returns
+  // the number removed; only reduceAll sets minSupport (s / N).
   int reduceDictionaryWithCount(int k, double s);
   int reduceDictionary(int k, double s);
   int reduceAllWithCount(double s);
@@ -106,10 +115,13 @@ class SequenceDictionary : public SequenceSemiLattice {
   KvCommon_850::KvStatus dropAfter(int t);
 
   // Links every stored pattern of levels 0 .. LargestSequence()-1 to its
-  // one-item extensions.
+  // one-item extensions, replacing the adjacency sets it finds. OK, or
+  // KvStatus(60000, false) when anything failed (lattice not marked built).
   KvCommon_850::KvStatus buildLattice();
 
-  // Lattice queries (interface slots 1, 8 and 9).
+  // Lattice queries (interface slots 1, 8 and 9): the stored patterns with a
+  // count of at least minCount reachable from seq, reported when their count
+  // is at most maxCount. getSequencesOfSize gives item set s the time s.
   KvCommon_850::KvStatus FindSequences(Sequence const* seq,
                                        std::set<Sequence*>& out, int minCount,
                                        int maxCount) override;
@@ -177,21 +189,28 @@ class SequenceDictionary : public SequenceSemiLattice {
   SequenceCounter* getLevel0Descriptor() const;
 
  private:
-  // Which one-item extensions a Find walk follows.
-  enum class Extension { kAnywhere, kAtEnd, kAtFront };
+  // Whether a Find walk follows the extension with this position code of a
+  // pattern of nSets item sets.
+  typedef bool (*ExtensionFilter)(int code, int nSets);
 
+  // Allocates and fills the tables from `settings`; releases older ones.
   void buildTables();
   void releaseTables();
-  // Table that would hold a pattern of `size` items, or null.
-  HashtableSQPair* tableForSize(int size) const;
-  NTSequence* refillProbe(int** p, int n);
-  NTSequence* refillProbe(Sequence const* s);
-  SequenceCounter* lookupProbe() const;
+  void refillProbe(int** p, int n);
+  void refillProbe(Sequence const* s);
+  // The stored entry equal to `probe`, or null.
+  ISQCPair* lookupProbe() const;
+  // The stored entry equal to the pattern, found through `probe`.
+  ISQCPair* lookup(int** p, int n);
+  ISQCPair* lookup(Sequence const* s);
   void removeProbe();
+  // The stored entry of the empty pattern, or null.
+  ISQCPair* level0Entry() const;
   int reduceLevel(int k, double s, bool withMissed);
   KvCommon_850::KvStatus findReachable(Sequence const* seq,
                                        std::set<Sequence*>& out, int minCount,
-                                       int maxCount, Extension follow) const;
+                                       int maxCount,
+                                       ExtensionFilter follows) const;
 
   int nLevels;
   double minSupport;

@@ -134,11 +134,12 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
   if (rows.empty()) fail(fileName, 0, "no data rows after the header");
 
   LabelledDatabase result;
-  result.items = ItemLabels::assign(labels.texts());
+  if (!options.itemCode) result.items = ItemLabels::assign(labels.texts());
   std::vector<int> codes;
   codes.reserve(labels.texts().size());
   for (const std::string& label : labels.texts()) {
-    codes.push_back(*result.items.codeOf(label));
+    codes.push_back(options.itemCode ? options.itemCode(label)
+                                     : *result.items.codeOf(label));
   }
 
   // Group the rows by customer (stable, so equal times keep file order);

@@ -15,6 +15,7 @@
 #define SEQLATTICE_MINING_CSVREADER_H_
 
 #include <cstddef>
+#include <functional>
 #include <istream>
 #include <string>
 #include <vector>
@@ -31,6 +32,10 @@ struct CsvOptions {
   std::string itemColumn = "item";
   char delimiter = ',';
   std::size_t memoryLimit = 0;  // bytes for the database; 0: no limit
+  // When set, gives the code of each item label in place of ItemLabels::
+  // assign (to read new data with a model's codes); the result's items are
+  // then left empty.
+  std::function<int(const std::string&)> itemCode;
 };
 
 // A customer database with the labels of its customers and items.

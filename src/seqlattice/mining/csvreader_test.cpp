@@ -79,6 +79,21 @@ TEST(CsvReaderTest, ItemCodesFollowItemLabels) {
             (std::vector<int>{1, 7}));
 }
 
+TEST(CsvReaderTest, ItemCodesFromTheCaller) {
+  CsvOptions options;
+  options.itemCode = [](const std::string& label) {
+    return label == "tea" ? 40 : -1;
+  };
+  LabelledDatabase log =
+      read("customer,time,item\nc,1,tea\nc,1,cake\nc,2,jam\n", options);
+  EXPECT_TRUE(log.items.stringLabels().empty());
+  const auto& db = log.database;
+  EXPECT_EQ(std::vector<int>(db.itemsBegin(0), db.itemsEnd(0)),
+            (std::vector<int>{-1, 40}));
+  EXPECT_EQ(std::vector<int>(db.itemsBegin(1), db.itemsEnd(1)),
+            (std::vector<int>{-1}));
+}
+
 TEST(CsvReaderTest, ColumnsAreFoundByNameAmongOthers) {
   CsvOptions options;
   options.customerColumn = "client";

@@ -226,6 +226,27 @@ void buildRoots(const WorkDatabase& db, ProjectionStore& roots) {
   roots.finish();
 }
 
+// The first item above `last` of a transaction. Transactions are short, so
+// a linear scan beats a binary search.
+inline const u32* itemsAbove(const u32* begin, const u32* end, u32 last) {
+  while (begin < end && *begin <= last) ++begin;
+  return begin;
+}
+
+// The first position of [at, end) holding a value >= key, found by doubling
+// steps from `at`: cheap when the key is near, logarithmic when it is far.
+inline u32 gallop(const u32* values, u32 at, u32 end, u32 key) {
+  u32 step = 1;
+  u32 low = at;
+  while (at < end && values[at] < key) {
+    low = at + 1;
+    at = end - at > step ? at + step : end;
+    step *= 2;
+  }
+  return static_cast<u32>(std::lower_bound(values + low, values + at, key) -
+                          values);
+}
+
 // A frequent extension found at a node.
 struct Extension {
   u32 item;
@@ -394,8 +415,7 @@ class Worker {
         ++now_;
         for (; p < pEnd; ++p) {
           const u32* b = items + ts[*p + 1];
-          for (const u32* a = std::upper_bound(items + ts[*p], b, last); a < b;
-               ++a) {
+          for (const u32* a = itemsAbove(items + ts[*p], b, last); a < b; ++a) {
             if (i_.flag[*a]) i_.hit(*a, c, now_);
           }
         }
@@ -475,8 +495,7 @@ class Worker {
         for (u32 q = proj.start[e]; q < proj.start[e + 1]; ++q) {
           u32 t = proj.pos[q];
           const u32* b = items + ts[t + 1];
-          for (const u32* a = std::upper_bound(items + ts[t], b, last); a < b;
-               ++a) {
+          for (const u32* a = itemsAbove(items + ts[t], b, last); a < b; ++a) {
             u32 child = i_.child[*a];
             if (child != UINT32_MAX) level.store.append(child, proj.cust[e], t);
           }
@@ -550,14 +569,11 @@ void joinRoots(const Projection& root, const Projection& x, bool sameSet,
   u32 a = 0, b = 0;
   while (a < root.n && b < x.n) {
     if (root.cust[a] < x.cust[b]) {
-      a = static_cast<u32>(
-          std::lower_bound(root.cust + a, root.cust + root.n, x.cust[b]) -
-          root.cust);
+      a = gallop(root.cust, a, root.n, x.cust[b]);
       continue;
     }
     if (root.cust[a] > x.cust[b]) {
-      b = static_cast<u32>(
-          std::lower_bound(x.cust + b, x.cust + x.n, root.cust[a]) - x.cust);
+      b = gallop(x.cust, b, x.n, root.cust[a]);
       continue;
     }
     const u32* p = root.pos + root.start[a];
@@ -630,14 +646,24 @@ void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
   std::atomic<std::size_t> next{0};
   std::atomic<bool> stop{false};
   std::exception_ptr error;
+  // Tasks are claimed in blocks that shrink as the list runs out: the big
+  // tasks come first and go one by one, the many small ones at the end
+  // share a claim and a wake-up of the calling thread.
+  std::size_t share = workers.size() * 8;
   auto work = [&](Worker& worker) {
     while (!stop) {
-      std::size_t k = next++;
-      if (k >= n) return;
-      std::vector<int> out;
+      std::size_t first = next.load();
+      std::size_t block = 0;
+      do {
+        if (first >= n) return;
+        block = std::min<std::size_t>(
+            std::max<std::size_t>((n - first) / share, 1), 256);
+      } while (!next.compare_exchange_weak(first, first + block));
       try {
-        worker.setOutput(&out);
-        task(worker, k);
+        for (std::size_t k = first; k < first + block; ++k) {
+          worker.setOutput(&outputs[k]);
+          task(worker, k);
+        }
       } catch (...) {
         std::lock_guard<std::mutex> lock(mutex);
         if (!error) error = std::current_exception();
@@ -646,8 +672,8 @@ void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
         return;
       }
       std::lock_guard<std::mutex> lock(mutex);
-      outputs[k].swap(out);
-      done[k] = 1;
+      std::fill(done.begin() + static_cast<std::ptrdiff_t>(first),
+                done.begin() + static_cast<std::ptrdiff_t>(first + block), 1);
       ready.notify_all();
     }
   };

@@ -75,8 +75,7 @@ int HashtableSQPair::bucketOf(int hashCode, int capacity) {
 SQCPairNode* HashtableSQPair::findInBucket(const NTSequence* key, int b) const {
   const int hashCode = key->getHashCode();
   for (SQCPairNode* node = buckets[b]; node != nullptr; node = node->next) {
-    const NTSequence* stored = node->pair.key;
-    if (stored->getHashCode() == hashCode && *stored == *key) return node;
+    if (node->hashCode == hashCode && *node->pair.key == *key) return node;
   }
   return nullptr;
 }
@@ -101,8 +100,7 @@ void HashtableSQPair::rehash() {
     // stay together end up in reverse order.
     while (SQCPairNode* node = buckets[b]) {
       buckets[b] = node->next;
-      SQCPairNode*& head =
-          newBuckets[bucketOf(node->pair.key->getHashCode(), newCapacity)];
+      SQCPairNode*& head = newBuckets[bucketOf(node->hashCode, newCapacity)];
       node->next = head;
       head = node;
     }
@@ -206,11 +204,11 @@ double HashtableSQPair::freqTable() const {
 }
 
 void listHeadInsert(SQCPairNode*& head, const ISQCPair& pair) {
-  head = new SQCPairNode{pair, head};
+  head = new SQCPairNode{pair, head, pair.key->getHashCode()};
 }
 
 void listInsert(SQCPairNode* node, const ISQCPair& pair) {
-  node->next = new SQCPairNode{pair, node->next};
+  node->next = new SQCPairNode{pair, node->next, pair.key->getHashCode()};
 }
 
 void listHeadRemove(SQCPairNode*& head) {
@@ -221,7 +219,10 @@ void listHeadRemove(SQCPairNode*& head) {
 
 void listRemove(SQCPairNode*& head, SQCPairNode* node) {
   deletePair(node->pair);
-  if (node != head) node->pair = head->pair;
+  if (node != head) {
+    node->pair = head->pair;
+    node->hashCode = head->hashCode;
+  }
   listHeadRemove(head);
 }
 
@@ -241,7 +242,7 @@ SQCPairNode* listCopy(const SQCPairNode* head) {
   SQCPairNode** tail = &copy;
   try {
     for (const SQCPairNode* node = head; node != nullptr; node = node->next) {
-      *tail = new SQCPairNode{node->pair, nullptr};
+      *tail = new SQCPairNode{node->pair, nullptr, node->hashCode};
       tail = &(*tail)->next;
     }
   } catch (...) {

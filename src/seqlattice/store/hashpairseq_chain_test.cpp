@@ -30,10 +30,12 @@ ISQCPair pairOf(int item) {
   return ISQCPair{makeItem(item), new SequenceCounter(0, item, nullptr)};
 }
 
-// The counts of the chain's counters, head first.
+// The counts of the chain's counters, head first. Also checks that every
+// node's cached hash code is its key's.
 std::vector<int> countsOf(const SQCPairNode* head) {
   std::vector<int> counts;
   for (const SQCPairNode* node = head; node != nullptr; node = node->next) {
+    EXPECT_EQ(node->hashCode, node->pair.key->getHashCode());
     counts.push_back(node->pair.value->getCount());
   }
   return counts;

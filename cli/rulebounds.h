@@ -1,0 +1,30 @@
+// The rule selection shared by "rules" and "export pmml": bounds on support,
+// confidence and cause (fractions, inclusive), the measure that orders the
+// rules, and whether only maximal patterns yield rules.
+#ifndef SEQLATTICE_CLI_RULEBOUNDS_H_
+#define SEQLATTICE_CLI_RULEBOUNDS_H_
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace seqlattice_cli {
+
+struct RuleBounds {
+  double minSupport = 0.0;
+  double maxSupport = 1.0;
+  double minConfidence = 0.0;
+  double maxConfidence = 1.0;
+  double minCause = 0.0;
+  double maxCause = 1.0;
+  std::string sort = "confidence";
+  bool maximal = false;
+
+  // The library's sort letter: 'S', 'C' or 'A'.
+  char sortLetter() const;
+};
+
+void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds);
+
+}  // namespace seqlattice_cli
+
+#endif  // SEQLATTICE_CLI_RULEBOUNDS_H_

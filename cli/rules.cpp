@@ -1,0 +1,27 @@
+// seqlattice rules: the model's sequential association rules.
+#include "rules.h"
+
+#include "command.h"
+
+namespace seqlattice_cli {
+
+Command addRulesCommand(CLI::App& app) {
+  auto options = std::make_shared<RulesOptions>();
+  CLI::App* command = app.add_subcommand(
+      "rules",
+      "List the model's sequential association rules: all item sets of a "
+      "pattern but the last, then the last");
+  command->add_option("MODEL", options->model, "Model file")->required();
+  addRuleBoundOptions(command, &options->bounds);
+  command->add_option("--top", options->top, "Show the first N rules (0: all)")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
+  addFormatOption(command, &options->format);
+  command->footer(
+      "Example:\n"
+      "  seqlattice rules orders.model --min-confidence 0.5 --sort "
+      "confidence --top 10");
+  return {command, [options] { runRules(*options); }};
+}
+
+}  // namespace seqlattice_cli
