@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
 # Times the miner on the public benchmark databases and prints, per database
 # and minimum support: patterns found (and whether they equal the reference
-# count), the longest pattern, wall time and peak RSS of the whole process,
-# beside the fastest published peer wall time and the Java peers' RSS.
+# count), the longest pattern, wall time, CPU time (user + system) and peak
+# RSS of the whole process, beside the fastest published peer wall time and
+# the Java peers' RSS. On a machine shared with other work the CPU time is
+# the steadier figure.
 #
 # usage: bench/mine_datasets.sh [BUILD_DIR]   (default build/release)
 # env:   DATA_DIR   databases (default ../shared/data beside the repository)
 #        MAX_ITEMS  longest pattern mined (default 31, the pattern key limit)
 #        TIMEOUT    seconds per row (default 120)
 #        ROWS       a grep pattern selecting rows, e.g. ROWS=SIGN
+#        FILL=1     also fill a dictionary and build its lattice (the model)
 set -euo pipefail
 
 repo="$(cd "$(dirname "$0")/.." && pwd)"
@@ -56,8 +59,8 @@ BMS1_spmf.txt 0.0005 - - -
 kosarak10k_seq.txt 0.001 - - -
 "
 
-printf '%-20s %8s %6s %9s %-5s %7s %8s %7s %9s %8s\n' database minsup count \
-  patterns match longest wall_s rss_mb peer_wall java_rss
+printf '%-20s %8s %6s %9s %-5s %7s %8s %7s %7s %9s %8s\n' database minsup \
+  count patterns match longest wall_s cpu_s rss_mb peer_wall java_rss
 tmp="$(mktemp)"
 trap 'rm -f "$tmp"' EXIT
 while read -r file minsup reference peer_wall java_rss; do
@@ -69,18 +72,24 @@ while read -r file minsup reference peer_wall java_rss; do
     echo "$file: not found in $data, skipped"
     continue
   fi
-  if ! timeout "$limit" /usr/bin/time -f '%e %M' -o "$tmp" \
-      "$miner" "$data/$file" "$minsup" "$max_items" >"$tmp.out" 2>&1; then
-    printf '%-20s %8s  did not finish within %s s: %s\n' "$file" "$minsup" \
-      "$limit" "$(tail -n 1 "$tmp.out")"
+  status=0
+  timeout "$limit" /usr/bin/time -f '%e %U %S %M' -o "$tmp" \
+    "$miner" "$data/$file" "$minsup" "$max_items" 0 ${FILL:+dictionary} \
+    >"$tmp.out" 2>&1 || status=$?
+  if [[ $status -eq 124 ]]; then
+    printf '%-20s %8s  did not finish within %s s\n' "$file" "$minsup" "$limit"
+    continue
+  elif [[ $status -ne 0 ]]; then
+    printf '%-20s %8s  failed: %s\n' "$file" "$minsup" "$(tail -n 1 "$tmp.out")"
     continue
   fi
   read -r _ count patterns longest _ _ <"$tmp.out"
-  read -r wall rss_kb <"$tmp"
+  read -r wall user system rss_kb <"$tmp"
+  cpu="$(awk -v u="$user" -v s="$system" 'BEGIN { printf "%.2f", u + s }')"
   match="-"
   [[ "$reference" != "-" ]] && { [[ "$patterns" == "$reference" ]] && match=ok || match=DIFF; }
-  printf '%-20s %8s %6s %9s %-5s %7s %8s %7d %9s %8s\n' "$file" "$minsup" \
-    "$count" "$patterns" "$match" "$longest" "$wall" $((rss_kb / 1024)) \
-    "$peer_wall" "$java_rss"
+  printf '%-20s %8s %6s %9s %-5s %7s %8s %7s %7d %9s %8s\n' "$file" \
+    "$minsup" "$count" "$patterns" "$match" "$longest" "$wall" "$cpu" \
+    $((rss_kb / 1024)) "$peer_wall" "$java_rss"
 done <<<"$rows"
 rm -f "$tmp.out"

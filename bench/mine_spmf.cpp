@@ -1,12 +1,17 @@
 // Mines one SPMF sequence file and prints what the benchmark script tabulates:
-//   mine_spmf FILE MINSUP [MAX_ITEMS [THREADS]]
+//   mine_spmf FILE MINSUP [MAX_ITEMS [THREADS [dictionary]]]
 // MINSUP with a decimal point is a fraction of the customers, else a count.
+// THREADS 0 uses every core. With "dictionary" the patterns fill a
+// SequenceDictionary of MAX_ITEMS + 1 levels and its lattice is built, as
+// the model-building host does; otherwise they are only counted.
 // Output, one line: customers min_count patterns longest read_ms mine_ms
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <string>
 
+#include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
@@ -30,8 +35,9 @@ double millisecondsSince(std::chrono::steady_clock::time_point start) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3 || argc > 5) {
-    std::cerr << "usage: mine_spmf FILE MINSUP [MAX_ITEMS [THREADS]]\n";
+  if (argc < 3 || argc > 6) {
+    std::cerr << "usage: mine_spmf FILE MINSUP [MAX_ITEMS [THREADS "
+                 "[dictionary]]]\n";
     return 2;
   }
   try {
@@ -53,9 +59,15 @@ int main(int argc, char** argv) {
     double readMs = millisecondsSince(start);
 
     start = std::chrono::steady_clock::now();
-    CountingSink sink;
-    mining::MiningSummary summary =
-        mining::SequenceMiner(options).mine(db, sink);
+    mining::MiningSummary summary;
+    if (argc > 5 && std::string(argv[5]) == "dictionary") {
+      SEQUENCE_NAMESPACE_800::SequenceDictionary dictionary(options.maxItems +
+                                                            1);
+      summary = mining::mineIntoDictionary(db, options, dictionary);
+    } else {
+      CountingSink sink;
+      summary = mining::SequenceMiner(options).mine(db, sink);
+    }
     double mineMs = millisecondsSince(start);
     std::cout << summary.customers << ' ' << summary.minCount << ' '
               << summary.patterns << ' ' << summary.longestPattern << ' '

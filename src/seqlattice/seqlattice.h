@@ -30,6 +30,7 @@
 
 // rules and predictions
 #include "seqlattice/rules/seqassociationrule.h"
+#include "seqlattice/rules/seqcarmacmp.h"
 #include "seqlattice/rules/seqconsequentdescript.h"
 
 // store

@@ -18,29 +18,4 @@ KvStatus SequenceDictionary::ExportRulesXML(std::ostream&, double, double,
   return KvStatus(60000, false);
 }
 
-// Replaced by current-item prediction.
-KvStatus SequenceDictionary::GetCurrentItems(
-    std::vector<SeqConsequentDescriptor>&, const Sequence*, int) {
-  return KvStatus(60000, false);
-}
-
-// Replaced by future-item prediction.
-KvStatus SequenceDictionary::GetFutureItems(
-    std::vector<SeqConsequentDescriptor>&, const Sequence*, int, bool) {
-  return KvStatus(60000, false);
-}
-
-// Replaced by rule extraction.
-KvStatus SequenceDictionary::GetRules(std::vector<SeqAssociationRule>&, double,
-                                      double, double, double, double, double,
-                                      char, bool) const {
-  return KvStatus(60000, false);
-}
-
-// Replaced by subsequence matching; until then nothing matches.
-KvStatus SequenceDictionary::getSubsequencesInSequence(
-    std::vector<NTSequence*>&, const Sequence*, int) {
-  return KvStatus();
-}
-
 }  // namespace SEQUENCE_NAMESPACE_800

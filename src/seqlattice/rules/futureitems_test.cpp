@@ -1,0 +1,233 @@
+// Future-item prediction on the shop database (counts and adjacency worked
+// out in shopdatabase_test_util.h; N = 10). A candidate x of a matched
+// pattern p comes from an adjacency pair (x, 2s + 1), s being p's number of
+// item sets; confidence = count(p x) / count(p), support = count(p x) / 10,
+// cause = count(p x) / count(x).
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "gtest/gtest.h"
+#include "seqlattice/rules/prediction_test_util.h"
+#include "seqlattice/rules/shopdatabase_test_util.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace {
+
+using testutil::ExpectedPrediction;
+using testutil::expectPredictions;
+using testutil::History;
+
+class FutureItems : public testing::Test {
+ protected:
+  std::vector<SeqConsequentDescriptor> predict(const History& history,
+                                               int maxItems, bool lastSetOnly) {
+    std::vector<SeqConsequentDescriptor> out;
+    const Sequence customer = testutil::toSequence(history);
+    EXPECT_TRUE(
+        dict->GetFutureItems(out, &customer, maxItems, lastSetOnly).IsOK());
+    return out;
+  }
+
+  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
+      testutil::shopDatabase(), testutil::kShopMinCount);
+};
+
+// (1)(2) matches (2) and (1)(2).
+// (2): (3,3) -> (2)(3) 3/8; (4,3) -> (2)(4) 6/8; (5,3) -> (2)(5) 3/8.
+// (1)(2): (4,5) -> (1)(2)(4) 3/4, equal to 6/8 but with the smaller support
+// 0.3, so item 4 keeps support 0.6 and cause 6/8.
+// Items 5 and 3 tie at 3/8: the larger item comes first.
+TEST_F(FutureItems, LastSetOnlyUsesPatternsEndingInTheLastSet) {
+  expectPredictions(
+      predict({{1}, {2}}, 10, true),
+      {{4, 0.75, 0.6, 0.75}, {5, 0.375, 0.3, 0.75}, {3, 0.375, 0.3, 3.0 / 7}});
+}
+
+// Pass 1 drops (2) and excludes item 2: it matches (1), whose pairs give
+// (1)(3) 4/8 (better than 3/8, so item 3 takes support 0.4 and cause 4/7),
+// (1)(4) 5/8 (worse than 0.75) and (1)(5) 3/8 (equal confidence and support:
+// kept). (1)(2) 4/8 would predict item 2, which the customer has acquired
+// since.
+TEST_F(FutureItems, LaterPassesExcludeItemsOfTheSetsLeftOut) {
+  expectPredictions(
+      predict({{1}, {2}}, 10, false),
+      {{4, 0.75, 0.6, 0.75}, {3, 0.5, 0.4, 4.0 / 7}, {5, 0.375, 0.3, 0.75}});
+}
+
+TEST_F(FutureItems, MaxItemsCutsAfterSorting) {
+  expectPredictions(predict({{1}, {2}}, 2, true),
+                    {{4, 0.75, 0.6, 0.75}, {5, 0.375, 0.3, 0.75}});
+  expectPredictions(predict({{1}, {2}}, 1, false), {{4, 0.75, 0.6, 0.75}});
+}
+
+TEST_F(FutureItems, ZeroOrNegativeMaxItemsAppendsNothing) {
+  EXPECT_TRUE(predict({{1}, {2}}, 0, true).empty());
+  EXPECT_TRUE(predict({{1}, {2}}, -3, false).empty());
+}
+
+// (2)(3) matches (3) and (2)(3). (3): (4,3) -> (3)(4) 6/7, (5,3) -> (3)(5)
+// 3/7. (2)(3): (4,5) -> (2)(3)(4) 3/3 = 1.0 beats 6/7 although its support
+// 0.3 is lower; its cause is 3/8.
+TEST_F(FutureItems, GreaterConfidenceWinsOverGreaterSupport) {
+  const std::vector<ExpectedPrediction> expected = {{4, 1.0, 0.3, 0.375},
+                                                    {5, 3.0 / 7, 0.3, 0.75}};
+  expectPredictions(predict({{2}, {3}}, 10, true), expected);
+  // Pass 1 matches (2) with item 3 excluded: (2)(4) 6/8 and (2)(5) 3/8 are
+  // worse than what pass 0 found.
+  expectPredictions(predict({{2}, {3}}, 10, false), expected);
+}
+
+// (1)(2 3) matches (2), (3), (1)(2), (2 3), (1)(3), in that order.
+// Item 4: (2)(4) 6/8, then (3)(4) 6/7, (1)(2)(4) 3/4 (worse), (2 3)(4) 2/2 =
+// 1.0 with support 0.2 and cause 2/8, then (1)(3)(4) 4/4 = 1.0 again with
+// the greater support 0.4, which replaces support and cause (4/8).
+// Item 5: (2)(5) 3/8, then (3)(5) 3/7. Item 3: (2)(3) 3/8; that the last set
+// holds 3 does not keep it out of pass 0.
+TEST_F(FutureItems, EqualConfidenceTakesTheGreaterSupportAndItsCause) {
+  expectPredictions(
+      predict({{1}, {2, 3}}, 10, true),
+      {{4, 1.0, 0.4, 0.5}, {5, 3.0 / 7, 0.3, 0.75}, {3, 0.375, 0.3, 3.0 / 7}});
+}
+
+// Item 9 is not stored, so pass 0 matches nothing; pass 1 matches (3):
+// (3)(4) 6/7 and (3)(5) 3/7.
+TEST_F(FutureItems, UnknownLastSetPredictsOnlyFromLaterPasses) {
+  EXPECT_TRUE(predict({{3}, {9}}, 10, true).empty());
+  expectPredictions(predict({{3}, {9}}, 10, false),
+                    {{4, 6.0 / 7, 0.6, 0.75}, {5, 3.0 / 7, 0.3, 0.75}});
+}
+
+// (1)(3)(4): pass 0 matches (4), (1)(4), (3)(4), (1)(3)(4), none of which has
+// a pair at code 3 (one set) or 5 (two sets), so nothing follows. Pass 1 (item
+// 4 excluded) matches (3) and (1)(3): (3)(5) 3/7. Pass 2 (items 3 and 4
+// excluded) matches (1): (1)(2) 4/8 and (1)(5) 3/8 (worse than 3/7). Three
+// passes run for three sets.
+TEST_F(FutureItems, EveryPassUpToTheFirstSetContributes) {
+  EXPECT_TRUE(predict({{1}, {3}, {4}}, 10, true).empty());
+  expectPredictions(predict({{1}, {3}, {4}}, 10, false),
+                    {{2, 0.5, 0.4, 0.5}, {5, 3.0 / 7, 0.3, 0.75}});
+}
+
+// (1)(5): (5) and (1)(5) have no pair at codes 3 and 5. Pass 1 matches (1):
+// (1)(2) 4/8, (1)(3) 4/8, (1)(4) 5/8; item 5 is excluded. Items 3 and 2 tie
+// at 0.5: the larger item first.
+TEST_F(FutureItems, EqualConfidencePutsTheLargerItemFirst) {
+  expectPredictions(
+      predict({{1}, {5}}, 10, false),
+      {{4, 0.625, 0.5, 0.625}, {3, 0.5, 0.4, 4.0 / 7}, {2, 0.5, 0.4, 0.5}});
+  expectPredictions(predict({{1}, {5}}, 2, false),
+                    {{4, 0.625, 0.5, 0.625}, {3, 0.5, 0.4, 4.0 / 7}});
+}
+
+// The one-item counts over N = 10: 4, 2, 1 at 0.8 (larger items first), 3 at
+// 0.7, 5 at 0.4.
+TEST_F(FutureItems, EmptyHistoryReturnsTheMostFrequentItems) {
+  const std::vector<ExpectedPrediction> expected = {{4, 0.8, 0.8, 1.0},
+                                                    {2, 0.8, 0.8, 1.0},
+                                                    {1, 0.8, 0.8, 1.0},
+                                                    {3, 0.7, 0.7, 1.0}};
+  std::vector<SeqConsequentDescriptor> out;
+  ASSERT_TRUE(dict->GetFutureItems(out, nullptr, 4, true).IsOK());
+  expectPredictions(out, expected);
+  out.clear();
+  const Sequence empty;
+  ASSERT_TRUE(dict->GetFutureItems(out, &empty, 4, false).IsOK());
+  expectPredictions(out, expected);
+  out.clear();
+  ASSERT_TRUE(dict->GetFutureItems(out, nullptr, 0, false).IsOK());
+  EXPECT_TRUE(out.empty());
+}
+
+TEST_F(FutureItems, AppendsAfterWhatThePredictionsHeld) {
+  std::vector<SeqConsequentDescriptor> out;
+  const Sequence customer = testutil::toSequence({{1}, {2}});
+  ASSERT_TRUE(dict->GetFutureItems(out, &customer, 1, true).IsOK());
+  ASSERT_TRUE(dict->GetFutureItems(out, &customer, 2, true).IsOK());
+  expectPredictions(
+      out, {{4, 0.75, 0.6, 0.75}, {4, 0.75, 0.6, 0.75}, {5, 0.375, 0.3, 0.75}});
+}
+
+TEST_F(FutureItems, CancelBeforeTheCallAppendsNothing) {
+  std::vector<SeqConsequentDescriptor> out(1, {7, 0.1, 0.2, 0.3});
+  dict->setCancel();
+  const Sequence customer = testutil::toSequence({{1}, {2}});
+  const KvCommon_850::KvStatus status =
+      dict->GetFutureItems(out, &customer, 10, false);
+  EXPECT_FALSE(status.IsOK());
+  EXPECT_EQ(status.GetCode(), 1);
+  EXPECT_FALSE(status.GetFlag());
+  ASSERT_EQ(out.size(), 1u);
+  EXPECT_EQ(out[0].GetItem(), 7);
+  // A customer without history is answered whatever the flag says.
+  ASSERT_TRUE(dict->GetFutureItems(out, nullptr, 1, false).IsOK());
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_EQ(out[1].GetItem(), 4);
+}
+
+// Customers (1)(1), (1)(1), (1)(2): (1) is stored with count 3, (1)(1) with
+// count 2. The customer's last set holds 1, and 1 is still predicted in pass
+// 0: (1)(1) 2/3, support 2/3, cause 2/3.
+TEST(FutureItemsRepeat, ItemOfTheLastSetCanBePredictedInPassZero) {
+  std::unique_ptr<SequenceDictionary> dict =
+      testutil::buildDictionary({{{1}, {1}}, {{1}, {1}}, {{1}, {2}}}, 2);
+  std::vector<SeqConsequentDescriptor> out;
+  const Sequence customer = testutil::toSequence({{1}});
+  ASSERT_TRUE(dict->GetFutureItems(out, &customer, 5, true).IsOK());
+  expectPredictions(out, {{1, 2.0 / 3, 2.0 / 3, 2.0 / 3}});
+}
+
+// Zero counts make confidence 0/0: such candidates are still returned, after
+// every defined confidence, the larger item first.
+TEST(FutureItemsZeroCounts, UndefinedConfidenceSortsLast) {
+  SequenceDictionary dict(10);
+  int* none[1] = {nullptr};
+  dict.incrementCount(none, 0);  // N = 1
+  testutil::addPattern(dict, {{1}}, 0);
+  testutil::addPattern(dict, {{2}}, 1);
+  testutil::addPattern(dict, {{3}}, 1);
+  testutil::addPattern(dict, {{4}}, 1);
+  testutil::addPattern(dict, {{1}, {2}}, 0);
+  testutil::addPattern(dict, {{1}, {3}}, 0);
+  testutil::addPattern(dict, {{4}, {1}}, 1);
+  ASSERT_TRUE(dict.buildLattice().IsOK());
+  std::vector<SeqConsequentDescriptor> out;
+  const Sequence first = testutil::toSequence({{1}});
+  ASSERT_TRUE(dict.GetFutureItems(out, &first, 10, true).IsOK());
+  ASSERT_EQ(out.size(), 2u);
+  EXPECT_EQ(out[0].GetItem(), 3);
+  EXPECT_EQ(out[1].GetItem(), 2);
+  EXPECT_TRUE(std::isnan(out[0].GetConfidence()));
+  EXPECT_EQ(out[0].GetSupport(), 0.0);
+  EXPECT_EQ(out[0].GetCause(), 0.0);
+  // From (1 4), (4) adds (4)(1) 1/1 for item 1, ahead of the undefined ones.
+  out.clear();
+  const Sequence second = testutil::toSequence({{1, 4}});
+  ASSERT_TRUE(dict.GetFutureItems(out, &second, 10, true).IsOK());
+  ASSERT_EQ(out.size(), 3u);
+  EXPECT_EQ(out[0].GetItem(), 1);
+  EXPECT_EQ(out[0].GetConfidence(), 1.0);
+  EXPECT_EQ(out[1].GetItem(), 3);
+  EXPECT_EQ(out[2].GetItem(), 2);
+}
+
+// Without the empty pattern there is no N: the bulk failure status, and
+// nothing appended.
+TEST_F(FutureItems, MissingCountOfSequencesFails) {
+  NTSequence empty;
+  dict->remove(&empty);
+  std::vector<SeqConsequentDescriptor> out;
+  const Sequence customer = testutil::toSequence({{1}, {2}});
+  for (const Sequence* history :
+       {&customer, static_cast<const Sequence*>(nullptr)}) {
+    const KvCommon_850::KvStatus future =
+        dict->GetFutureItems(out, history, 10, false);
+    EXPECT_EQ(future.GetCode(), 60000);
+    EXPECT_FALSE(future.GetFlag());
+    EXPECT_EQ(dict->GetCurrentItems(out, history, 10).GetCode(), 60000);
+  }
+  EXPECT_TRUE(out.empty());
+}
+
+}  // namespace
+}  // namespace SEQUENCE_NAMESPACE_800
