@@ -16,6 +16,10 @@
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/dictionary/sequencesemilattice.h"
 
+// model export
+#include "seqlattice/export/collectitems.h"
+#include "seqlattice/export/seqxmltags.h"
+
 // mining
 #include "seqlattice/mining/csvreader.h"
 #include "seqlattice/mining/csvrecords.h"

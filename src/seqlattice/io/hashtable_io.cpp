@@ -1,0 +1,128 @@
+// Binary record and XML element of HashtableSQPair: the entry count, then
+// each entry's pattern and counter in iteration order. Reading adds the
+// entries to what the table holds, a later duplicate replacing an earlier one.
+#include <fstream>
+#include <memory>
+
+#include "seqlattice/io/internal/record_io.h"
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/store/hashpairseq.h"
+#include "seqlattice/store/sequencedescriptor.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace {
+
+constexpr char kTag[] = "HT";
+constexpr const char* kElement = "HashtableSQPair";
+constexpr int kDepth = 2;
+const RecordIO::Failure& kFailure = RecordIO::kHashtableFailure;
+
+// Raises the failure when the stream cannot hold `entries` more entries, so
+// that a corrupt count neither allocates nor loops beyond the file.
+void checkEntriesFit(std::istream& in, int entries) {
+  const long left = RecordIO::bytesLeft(in);
+  if (left >= 0 && entries > left / RecordIO::kMinEntryBytes) {
+    RecordIO::raise(kFailure);
+  }
+}
+
+// Reads `entries` entries with readEntry(key, counter), which returns the
+// count of what it read (0 or less is a failure), and stores them. Returns
+// the sum of those counts.
+template <typename ReadEntry>
+long readEntries(HashtableSQPair& table, int entries, ReadEntry readEntry) {
+  long read = 0;
+  for (int i = 0; i < entries; ++i) {
+    auto key = std::make_unique<NTSequence>();
+    auto counter = std::make_unique<SequenceCounter>(0, 0, nullptr);
+    const long entryRead = readEntry(*key, *counter);
+    // A pattern with a negative hash code has no bucket: such a pattern
+    // cannot have been stored, so the file is corrupt.
+    if (entryRead <= 0 || key->getHashCode() < 0) RecordIO::raise(kFailure);
+    table.putOverwrite(key.get(), counter.get());
+    key.release();
+    counter.release();
+    read += entryRead;
+  }
+  return read;
+}
+
+// The counter saved for an entry. Work tables and addSequence with a null
+// counter leave entries without one; they are saved as an all-zero counter
+// so that the file stays readable.
+const SequenceCounter& counterToSave(const ISQCPair& pair) {
+  static const SequenceCounter kNoCounter(0, 0, nullptr);
+  return pair.value != nullptr ? *pair.value : kNoCounter;
+}
+
+}  // namespace
+
+long HashtableSQPair::writeObject(std::fstream& out) const {
+  RecordIO::BinaryWriter writer(out);
+  writer.tag(kTag, false);
+  writer.value(count);
+  writer.finish();
+  long written = 6;
+  // The pairs are taken in batches whose keys and counters are fetched into
+  // the cache before any is written: their cache misses then overlap instead
+  // of stalling the save one after another.
+  constexpr int kBatch = 32;
+  const ISQCPair* batch[kBatch];
+  for (const_iterator it = begin(), last = end(); it != last;) {
+    int n = 0;
+    for (; n < kBatch && it != last; ++it) batch[n++] = &*it;
+    for (int i = 0; i < n; ++i) {
+      __builtin_prefetch(batch[i]->key);
+      __builtin_prefetch(batch[i]->value);
+    }
+    for (int i = 0; i < n; ++i) {
+      written += batch[i]->key->writeObject(out);
+      written += counterToSave(*batch[i]).writeObject(out);
+    }
+  }
+  return written;
+}
+
+long HashtableSQPair::readObject(std::fstream& in) {
+  RecordIO::expectTag(in, kTag, false, kFailure);
+  int entries = 0;
+  RecordIO::readValue(in, &entries);
+  if (entries < 1) return 6;
+  checkEntriesFit(in, entries);
+  return 6 + readEntries(*this, entries,
+                         [&in](NTSequence& key, SequenceCounter& counter) {
+                           const long keyRead = key.readObject(in);
+                           return keyRead + counter.readObject(in);
+                         });
+}
+
+long HashtableSQPair::writeObjectXML(std::ostream& out) const {
+  const KvXML_850::XMLObj obj(kElement, kDepth);
+  obj.StartObj(out);
+  obj.WriteSubElement(out, count);
+  long written = 3;
+  for (const ISQCPair& pair : *this) {
+    written += pair.key->writeObjectXML(out);
+    written += counterToSave(pair).writeObjectXML(out);
+  }
+  obj.EndObj(out);
+  return written;
+}
+
+long HashtableSQPair::readObjectXML(std::ifstream& in) {
+  const KvXML_850::XMLObj obj(kElement, kDepth);
+  if (!obj.ParseStartObj(in)) RecordIO::raise(kFailure);
+  int entries = 0;
+  RecordIO::parseValue(obj, in, &entries, kFailure);
+  if (entries > 0) checkEntriesFit(in, entries);
+  const long read = readEntries(
+      *this, entries, [&in](NTSequence& key, SequenceCounter& counter) {
+        const long keyRead = key.readObjectXML(in);
+        const long counterRead = counter.readObjectXML(in);
+        return keyRead <= 0 || counterRead <= 0 ? 0 : keyRead + counterRead;
+      });
+  if (!obj.ParseEndObj(in)) RecordIO::raise(kFailure);
+  return 3 + read;
+}
+
+}  // namespace SEQUENCE_NAMESPACE_800

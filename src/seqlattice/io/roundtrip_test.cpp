@@ -1,0 +1,155 @@
+// Random dictionaries saved and loaded in both formats come back entry for
+// entry, tables iterating in the order a load gives.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <limits>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "seqlattice/dictionary/dictionary_test_util.h"
+#include "seqlattice/io/io_test_util.h"
+
+namespace {
+
+using dictionary_test::Sets;
+using io_test::Outcome;
+using io_test::ScratchFile;
+using SEQUENCE_NAMESPACE_800::SequenceCounter;
+using SEQUENCE_NAMESPACE_800::SequenceDictionary;
+using SEQUENCE_NAMESPACE_800::StatsBucket;
+
+class RandomDictionary {
+ public:
+  explicit RandomDictionary(unsigned seed) : random_(seed) {}
+
+  // Levels 1 .. nLevels-1 all hold patterns, so that the XML form, which
+  // stops at the last level of the unbroken run from level 1, holds them all.
+  std::unique_ptr<SequenceDictionary> make() {
+    const int levels = 2 + below(6);
+    auto dictionary =
+        std::make_unique<SequenceDictionary>(io_test::smallSettings(levels));
+    for (int i = below(50); i > 0; --i) dictionary->incrementCount(nullptr, 0);
+    for (int size = 1; size < levels; ++size) {
+      for (int i = 1 + below(40); i > 0; --i) {
+        const Sets sets = pattern(size);
+        dictionary_test::addPattern(*dictionary, sets, number(), number(),
+                                    number());
+        decorate(*dictionary_test::counterOf(*dictionary, sets));
+      }
+    }
+    dictionary->setSlidingWindow(real());
+    dictionary->setMinGap(real());
+    dictionary->setMaxGap(real());
+    return dictionary;
+  }
+
+ private:
+  int below(int n) { return static_cast<int>(random_() % n); }
+
+  // Sets of ascending, distinct items from 0 to 29, `size` items in all.
+  Sets pattern(int size) {
+    Sets sets;
+    while (size > 0) {
+      const int n = 1 + below(std::min(size, 4));
+      std::vector<int> set;
+      while (static_cast<int>(set.size()) < n) {
+        const int item = below(30);
+        if (std::find(set.begin(), set.end(), item) == set.end()) {
+          set.push_back(item);
+        }
+      }
+      std::sort(set.begin(), set.end());
+      sets.push_back(set);
+      size -= n;
+    }
+    return sets;
+  }
+
+  int number() {
+    switch (below(8)) {
+      case 0:
+        return INT_MIN;
+      case 1:
+        return INT_MAX;
+      case 2:
+        return -below(100);
+      default:
+        return below(1000);
+    }
+  }
+
+  double real() {
+    switch (below(10)) {
+      case 0:
+        return std::numeric_limits<double>::quiet_NaN();
+      case 1:
+        return -std::numeric_limits<double>::infinity();
+      case 2:
+        return -0.0;
+      case 3:
+        return std::numeric_limits<double>::denorm_min();
+      default:
+        return std::uniform_real_distribution<double>(-1e6, 1e6)(random_);
+    }
+  }
+
+  void decorate(SequenceCounter& counter) {
+    if (below(3) == 0) {
+      for (int i = 1 + below(5); i > 0; --i) {
+        counter.addAdjacentItem(below(30), below(12));
+      }
+    }
+    if (below(4) == 0) {
+      auto* bucket = new StatsBucket();
+      bucket->InitialGap(real());
+      bucket->UpdateGap(real());
+      counter.setStatsBucket(bucket);
+    }
+  }
+
+  std::mt19937 random_;
+};
+
+// Saves the random dictionaries of 25 seeds with `save` and loads each into a
+// fresh dictionary with `load`.
+template <typename Save, typename Load>
+void expectRoundTrips(Save save, Load load) {
+  for (unsigned seed = 1; seed <= 25; ++seed) {
+    SCOPED_TRACE(seed);
+    const std::unique_ptr<SequenceDictionary> saved =
+        RandomDictionary(seed).make();
+    ScratchFile file;
+    file.write(save(*saved));
+    SequenceDictionary loaded;
+    ASSERT_EQ(load(file, loaded), Outcome::kLoaded);
+    io_test::expectLoadedAs(*saved, loaded, saved->getNLevels());
+  }
+}
+
+TEST(RoundTripTest, RandomDictionariesInTheBinaryFormat) {
+  expectRoundTrips(io_test::saveBinary, io_test::loadBinary);
+}
+
+TEST(RoundTripTest, RandomDictionariesInTheXMLFormat) {
+  expectRoundTrips(io_test::saveXML,
+                   [](const ScratchFile& file, SequenceDictionary& dictionary) {
+                     return io_test::loadXML(file, dictionary);
+                   });
+}
+
+TEST(RoundTripTest, ASecondLoadGivesTheSameDictionaryAgain) {
+  const std::unique_ptr<SequenceDictionary> saved = RandomDictionary(99).make();
+  ScratchFile file;
+  file.write(io_test::saveBinary(*saved));
+  SequenceDictionary once;
+  ASSERT_EQ(io_test::loadBinary(file, once), Outcome::kLoaded);
+  file.write(io_test::saveXML(once));
+  SequenceDictionary twice;
+  ASSERT_EQ(io_test::loadXML(file, twice), Outcome::kLoaded);
+  io_test::expectLoadedAs(once, twice, once.getNLevels());
+}
+
+}  // namespace
