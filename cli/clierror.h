@@ -31,11 +31,6 @@ class CliError : public std::runtime_error {
   throw CliError(kExitUsage, message);
 }
 
-// For a command whose library part this build lacks.
-[[noreturn]] inline void failNotAvailable(const std::string& command) {
-  throw CliError(kExitBadInput, command + ": not available in this build");
-}
-
 }  // namespace seqlattice_cli
 
 #endif  // SEQLATTICE_CLI_CLIERROR_H_

@@ -8,8 +8,16 @@ cd "$(dirname "$0")/.."
 seqlattice="$build_dir/cli/seqlattice"
 model="$build_dir/sample.model"
 
+# Prints the command as a person would type it, then runs it.
 show() {
-  echo "\$ seqlattice $*"
+  local line="\$ seqlattice"
+  for arg in "$@"; do
+    case "$arg" in
+      *[\ \;]*) line+=" \"$arg\"" ;;
+      *) line+=" $arg" ;;
+    esac
+  done
+  echo "$line"
   "$seqlattice" "$@"
   echo
 }
