@@ -13,6 +13,7 @@
 #include "progress.h"
 #include "seqlattice/dictionary/dictionarysettings.h"
 #include "seqlattice/mining/dictionaryfiller.h"
+#include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
 
 namespace seqlattice_cli {
@@ -77,6 +78,10 @@ void runMine(const MineOptions& options) {
 
   progress.note("mining " + std::to_string(db.customerCount()) +
                 " customers ...");
+  // The search and the model may use most of what is left once the
+  // database is loaded; a model that would need more is refused with a
+  // message instead of being killed for want of memory.
+  minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
   SeqDictionarySettings settings;
   settings.nLevels = options.maxItems + 1;
   model.dictionary = std::make_unique<SequenceDictionary>(settings);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
@@ -15,8 +16,23 @@ constexpr int kMaxPatternItems = 31;
 
 }  // namespace
 
+std::size_t storedPatternBytes(int items) {
+  return 176 + 52 * static_cast<std::size_t>(items);
+}
+
 void DictionarySink::addPattern(int** sets, int nSets, long count,
                                 long firstCustomer) {
+  int items = 0;
+  for (int k = 0; k < nSets; ++k) items += sets[k][0];
+  bytes_ += storedPatternBytes(items);
+  if (budget_ != 0 && bytes_ > budget_) {
+    throw MiningError(
+        "the model outgrows the memory budget of " + formatMegabytes(budget_) +
+        " after " + std::to_string(patterns_) +
+        " patterns: raise the minimum support or lower the maximum pattern "
+        "size");
+  }
+  ++patterns_;
   CarmaSequenceDescriptor counter(static_cast<int>(firstCustomer), 0,
                                   static_cast<int>(count));
   dictionary_.addSequence(sets, nSets, &counter);
@@ -39,7 +55,7 @@ MiningSummary mineIntoDictionary(const SequenceDatabase& db,
     throw MiningError("the dictionary has no entry for the empty pattern");
   }
   total->setCount(total->getCount() + static_cast<int>(db.customerCount()));
-  DictionarySink sink(dictionary);
+  DictionarySink sink(dictionary, options.memoryBudget);
   MiningSummary summary = SequenceMiner(options).mine(db, sink);
   KvCommon_850::KvStatus status = dictionary.buildLattice();
   if (!status.IsOK()) {

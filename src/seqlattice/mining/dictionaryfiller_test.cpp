@@ -86,6 +86,40 @@ TEST(DictionaryFillerTest, MaxItemsMustStayBelowTheLevelCount) {
   EXPECT_EQ(counterOf(dictionary, {})->getCount(), 0);
 }
 
+TEST(DictionaryFillerTest, RefusesAModelBeyondTheMemoryBudget) {
+  SequenceDatabase db = sampleDatabase();
+  SequenceDictionary dictionary(4);
+  MinerOptions options;
+  options.minSupport = MinSupport::count(2);
+  options.maxItems = 3;
+  // The three items take 3 * 228 bytes, the first two-item pattern 280 more;
+  // the second would pass 1000.
+  options.memoryBudget = 1000;
+  try {
+    mineIntoDictionary(db, options, dictionary);
+    FAIL() << "a model beyond the budget accepted";
+  } catch (const MiningError& e) {
+    EXPECT_EQ(std::string(e.what()),
+              "the model outgrows the memory budget of 1 MB after 4 patterns: "
+              "raise the minimum support or lower the maximum pattern size");
+  }
+  EXPECT_EQ(dictionary.NumberOfSequences(), 1 + 4);
+  EXPECT_FALSE(dictionary.isLatticeBuilt());
+}
+
+TEST(DictionarySinkTest, CountsTheModelBytes) {
+  int set0[] = {2, 4, 7};
+  int set1[] = {1, 9};
+  int* sets[] = {set0, set1};
+  SequenceDictionary dictionary(4);
+  DictionarySink sink(dictionary);
+  EXPECT_EQ(storedPatternBytes(1), 228u);
+  EXPECT_EQ(storedPatternBytes(3), 332u);
+  sink.addPattern(sets, 2, 5, 11);
+  sink.addPattern(sets + 1, 1, 5, 11);
+  EXPECT_EQ(sink.modelBytes(), 332u + 228u);
+}
+
 TEST(DictionarySinkTest, AddsPatternsWithTheirCounters) {
   int set0[] = {2, 4, 7};
   int set1[] = {1, 9};

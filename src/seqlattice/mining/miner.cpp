@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <condition_variable>
 #include <cstdint>
 #include <exception>
 #include <functional>
@@ -12,6 +11,7 @@
 #include <thread>
 #include <utility>
 
+#include "seqlattice/mining/internal/outputqueue.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
 
@@ -47,6 +47,11 @@ long MinSupport::countFor(std::size_t customers) const {
 namespace {
 
 using u32 = std::uint32_t;
+
+// Task outputs pass to the sink in chunks of about this many ints (4 MB) ...
+constexpr std::size_t kChunkInts = std::size_t{1} << 20;
+// ... and workers running ahead of the sink hold at most about this many.
+constexpr std::size_t kBufferedInts = std::size_t{16} << 20;
 
 // The database restricted to frequent items, renumbered 0 .. F-1 in
 // ascending order of their values (so ascending codes are ascending items),
@@ -279,7 +284,12 @@ class Worker {
     levels_.resize(depth);
   }
 
-  void setOutput(std::vector<int>* out) { out_ = out; }
+  // Patterns are appended to *out; when `full` is given it is called each
+  // time out holds kChunkInts or more, to pass the chunk on.
+  void setOutput(std::vector<int>* out, std::function<void()> full = {}) {
+    out_ = out;
+    full_ = std::move(full);
+  }
   void startPattern(u32 item) {
     pattern_.clear();
     newSet_.clear();
@@ -357,6 +367,7 @@ class Worker {
       ++out[sizeAt];
       out.push_back(db_.itemValue[pattern_[k]]);
     }
+    if (full_ && out.size() >= kChunkInts) full_();
   }
 
   // Scratch for a task's own projection, built by joining two roots.
@@ -556,6 +567,7 @@ class Worker {
   std::vector<u32> pattern_;
   std::vector<char> newSet_;
   std::vector<int>* out_ = nullptr;
+  std::function<void()> full_;
 };
 
 // Joins two one-item projections into the projection of a two-item pattern:
@@ -634,47 +646,46 @@ class Emitter {
 };
 
 // Runs tasks 0 .. n-1 on one thread per worker, handing their outputs to the
-// emitter in task order from the calling thread. The first exception of a
-// task or of the emitter stops the remaining tasks and is rethrown.
+// emitter in task order from the calling thread, chunk by chunk as they fill
+// (see OutputQueue). The first exception of a task or of the emitter stops
+// the remaining tasks and is rethrown.
 template <class Task>
 void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
               const Task& task) {
-  std::vector<std::vector<int>> outputs(n);
-  std::vector<char> done(n, 0);
-  std::mutex mutex;
-  std::condition_variable ready;
+  internal::OutputQueue queue(n, kBufferedInts);
   std::atomic<std::size_t> next{0};
-  std::atomic<bool> stop{false};
+  std::mutex mutex;
   std::exception_ptr error;
   // Tasks are claimed in blocks that shrink as the list runs out: the big
   // tasks come first and go one by one, the many small ones at the end
-  // share a claim and a wake-up of the calling thread.
+  // share a claim.
   std::size_t share = workers.size() * 8;
   auto work = [&](Worker& worker) {
-    while (!stop) {
-      std::size_t first = next.load();
-      std::size_t block = 0;
-      do {
-        if (first >= n) return;
-        block = std::min<std::size_t>(
-            std::max<std::size_t>((n - first) / share, 1), 256);
-      } while (!next.compare_exchange_weak(first, first + block));
-      try {
+    std::vector<int> out;
+    try {
+      for (;;) {
+        std::size_t first = next.load();
+        std::size_t block = 0;
+        do {
+          if (first >= n) return;
+          block = std::min<std::size_t>(
+              std::max<std::size_t>((n - first) / share, 1), 256);
+        } while (!next.compare_exchange_weak(first, first + block));
         for (std::size_t k = first; k < first + block; ++k) {
-          worker.setOutput(&outputs[k]);
+          worker.setOutput(&out,
+                           [&queue, &out, k] { queue.put(k, out, false); });
           task(worker, k);
+          queue.put(k, out, true);
         }
-      } catch (...) {
+      }
+    } catch (const internal::OutputQueue::Stopped&) {
+      // Another thread failed; its error is reported.
+    } catch (...) {
+      {
         std::lock_guard<std::mutex> lock(mutex);
         if (!error) error = std::current_exception();
-        stop = true;
-        ready.notify_all();
-        return;
       }
-      std::lock_guard<std::mutex> lock(mutex);
-      std::fill(done.begin() + static_cast<std::ptrdiff_t>(first),
-                done.begin() + static_cast<std::ptrdiff_t>(first + block), 1);
-      ready.notify_all();
+      queue.stop();
     }
   };
   std::vector<std::thread> threads;
@@ -683,18 +694,9 @@ void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
     for (std::thread& t : threads) t.join();
   };
   try {
-    for (std::size_t k = 0; k < n; ++k) {
-      std::vector<int> out;
-      {
-        std::unique_lock<std::mutex> lock(mutex);
-        ready.wait(lock, [&]() { return done[k] || error; });
-        if (error) break;
-        out.swap(outputs[k]);
-      }
-      emitter.emit(out);
-    }
+    queue.drain([&emitter](std::vector<int>& chunk) { emitter.emit(chunk); });
   } catch (...) {
-    stop = true;
+    queue.stop();
     joinAll();
     throw;
   }

@@ -51,7 +51,8 @@ struct MinerOptions {
   int maxItems = 9;  // patterns of 1 .. maxItems items are reported
   int threads = 0;   // worker threads; 0 = the hardware's concurrency
   // Bytes the mining may use beyond the database (0 = no limit); a search
-  // estimated to need more is refused before it starts.
+  // estimated to need more is refused before it starts. mineIntoDictionary
+  // also stops, with a MiningError, when the model it fills would outgrow it.
   std::size_t memoryBudget = 0;
 };
 

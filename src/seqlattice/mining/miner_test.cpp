@@ -313,6 +313,49 @@ TEST(SequenceMinerTest, SinkExceptionStopsTheWorkers) {
   EXPECT_EQ(sink.calls, 5);
 }
 
+// Folds every call, in order, into one FNV-1a hash.
+class OrderHashSink : public PatternSink {
+ public:
+  void addPattern(int** sets, int nSets, long count,
+                  long firstCustomer) override {
+    mix(count);
+    mix(firstCustomer);
+    for (int k = 0; k < nSets; ++k) {
+      for (int i = 0; i <= sets[k][0]; ++i) mix(sets[k][i]);
+    }
+    ++calls;
+  }
+  void mix(long value) {
+    hash = (hash ^ static_cast<unsigned long>(value)) * 1099511628211ul;
+  }
+  unsigned long hash = 14695981039346656037ul;
+  long calls = 0;
+};
+
+// Every customer holds items 1..18 in one order, so every one of the 2^18 - 1
+// subsequences is frequent; the subtree of <1, 2> alone writes more than a
+// chunk of output, which must stream to the sink in the same order as with
+// one thread.
+TEST(SequenceMinerTest, LargeOutputsStreamInTheSameOrderOnAnyThreadCount) {
+  Customer customer;
+  for (int item = 1; item <= 18; ++item) customer.push_back({item});
+  SequenceDatabase db = makeDatabase(std::vector<Customer>(3, customer));
+  MinerOptions options;
+  options.minSupport = MinSupport::count(3);
+  options.maxItems = 18;
+  options.threads = 1;
+  OrderHashSink one;
+  MiningSummary summary = SequenceMiner(options).mine(db, one);
+  EXPECT_EQ(summary.patterns, (1L << 18) - 1);
+  EXPECT_EQ(one.calls, (1L << 18) - 1);
+  EXPECT_EQ(summary.longestPattern, 18);
+  options.threads = 2;
+  OrderHashSink two;
+  SequenceMiner(options).mine(db, two);
+  EXPECT_EQ(two.calls, one.calls);
+  EXPECT_EQ(two.hash, one.hash);
+}
+
 }  // namespace
 }  // namespace mining
 }  // namespace SEQUENCE_NAMESPACE_800
