@@ -150,5 +150,18 @@ TEST(Matching, RepeatedItemIsMatchedAtItsLatestEarlierOccurrence) {
               ElementsAre("(3)", "(1)(3)", "(2)(3)"));
 }
 
+// Two customers (1)(3)(4) and two (1)(2)(5) store the subsequences of each,
+// every one twice ((1) four times). In (1)(2 3)(4 5), (4) sends (3)(4) to the
+// work set of item set 1 before (5) sends (2)(5) there; the work set takes
+// (2)(5) first, being the smaller pattern, so (1)(2)(5) is formed before
+// (1)(3)(4).
+TEST(Matching, EachWorkSetIsTakenSmallestPatternFirst) {
+  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
+      {{{1}, {3}, {4}}, {{1}, {3}, {4}}, {{1}, {2}, {5}}, {{1}, {2}, {5}}}, 2);
+  EXPECT_THAT(matched(*dict, {{1}, {2, 3}, {4, 5}}),
+              ElementsAre("(4)", "(5)", "(1)(4)", "(3)(4)", "(1)(5)", "(2)(5)",
+                          "(1)(2)(5)", "(1)(3)(4)"));
+}
+
 }  // namespace
 }  // namespace SEQUENCE_NAMESPACE_800
