@@ -63,6 +63,18 @@ TEST_F(CurrentItems, LastSetOfUnknownItemsGetsNoPrediction) {
   EXPECT_TRUE(predict({{3}, {9}}, 10).empty());
 }
 
+// Without the one-item pattern (5) (the lattice built before it was removed),
+// (3)(4) still gets 5 from (4)'s pair (5,0), (4 5) 2/8, and better from
+// (3)(4)'s pair (5,2), (3)(4 5) 2/6, with cause 0.0 for want of a count of
+// (5). (3)(4 5) matches the same patterns, 5 being unknown, but the 5 in its
+// current set, known or not, is excluded.
+TEST_F(CurrentItems, ExcludedItemsNeedNotBeKnownAndUnknownItemsHaveNoCause) {
+  const Sequence five = testutil::toSequence({{5}});
+  dict->remove(&five);
+  expectPredictions(predict({{3}, {4}}, 10), {{5, 2.0 / 6, 0.2, 0.0}});
+  EXPECT_TRUE(predict({{3}, {4, 5}}, 10).empty());
+}
+
 TEST_F(CurrentItems, ZeroOrNegativeMaxItemsAppendsNothing) {
   EXPECT_TRUE(predict({{2}}, 0).empty());
   EXPECT_TRUE(predict({{2}}, -1).empty());

@@ -101,18 +101,24 @@ inline void addPattern(SequenceDictionary& dict, const History& pattern,
   dict.addSequence(sets.data(), static_cast<int>(sets.size()), &counter);
 }
 
-// A dictionary of nLevels levels holding every pattern the database contains
-// at least minCount times (of up to nLevels - 1 items), with N = db.size().
+// Fills an empty dictionary with every pattern the database contains at least
+// minCount times (of up to getNLevels() - 1 items), with N = db.size().
+inline void fillDictionary(SequenceDictionary& dict, const CustomerDatabase& db,
+                           int minCount, bool withLattice = true) {
+  int* none[1] = {nullptr};
+  for (size_t c = 0; c < db.size(); ++c) dict.incrementCount(none, 0);
+  for (const auto& entry : countPatterns(db, minCount, dict.getNLevels() - 1)) {
+    addPattern(dict, entry.first, entry.second);
+  }
+  if (withLattice) dict.buildLattice();
+}
+
+// A dictionary of nLevels levels filled as fillDictionary says.
 inline std::unique_ptr<SequenceDictionary> buildDictionary(
     const CustomerDatabase& db, int minCount, int nLevels = 10,
     bool withLattice = true) {
   std::unique_ptr<SequenceDictionary> dict(new SequenceDictionary(nLevels));
-  int* none[1] = {nullptr};
-  for (size_t c = 0; c < db.size(); ++c) dict->incrementCount(none, 0);
-  for (const auto& entry : countPatterns(db, minCount, nLevels - 1)) {
-    addPattern(*dict, entry.first, entry.second);
-  }
-  if (withLattice) dict->buildLattice();
+  fillDictionary(*dict, db, minCount, withLattice);
   return dict;
 }
 

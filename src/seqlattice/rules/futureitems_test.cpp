@@ -165,6 +165,124 @@ TEST_F(FutureItems, CancelBeforeTheCallAppendsNothing) {
   EXPECT_EQ(out[1].GetItem(), 4);
 }
 
+// Without the one-item pattern (5) (the lattice built before it was removed),
+// matching drops 5 from the customer's sets, yet the pass that leaves a set
+// out still excludes its 5. (3)(5): pass 0 keeps nothing of the last set;
+// pass 1 matches (3), whose pairs give (3)(4) 6/7 and (3)(5), item 5 being
+// excluded. (3)(9): pass 1 predicts 5 too, (3)(5) 3/7 with support 0.3, and
+// its cause is 0.0 for want of a count of (5).
+TEST_F(FutureItems, ExcludedItemsNeedNotBeKnownAndUnknownItemsHaveNoCause) {
+  const Sequence five = testutil::toSequence({{5}});
+  dict->remove(&five);
+  expectPredictions(predict({{3}, {5}}, 10, false), {{4, 6.0 / 7, 0.6, 0.75}});
+  expectPredictions(predict({{3}, {9}}, 10, false),
+                    {{4, 6.0 / 7, 0.6, 0.75}, {5, 3.0 / 7, 0.3, 0.0}});
+}
+
+// The shop dictionary, raising its own cancel flag while a chosen pass of a
+// prediction runs. Matching asks for the largest level once in every pass
+// whose last kept item set holds a known item, so the asks count the passes.
+class CancellingDictionary : public SequenceDictionary {
+ public:
+  CancellingDictionary() : SequenceDictionary(10) {
+    testutil::fillDictionary(*this, testutil::shopDatabase(),
+                             testutil::kShopMinCount);
+    asks_ = 0;  // the lattice build asked too
+  }
+
+  // Raises the flag during the matching of pass `pass` (0 for the first).
+  void cancelDuringPass(int pass) { cancelAt_ = pass + 1; }
+  int passesRun() const { return asks_; }
+
+  int LargestSequence() const override {
+    if (++asks_ == cancelAt_) self_->setCancel();
+    return SequenceDictionary::LargestSequence();
+  }
+
+ private:
+  SequenceDictionary* const self_ = this;
+  mutable int asks_ = 0;
+  int cancelAt_ = 0;
+};
+
+struct Outcome {
+  long code;  // 0 for OK
+  std::vector<SeqConsequentDescriptor> appended;
+  int passes;
+};
+
+// Predicts for `history` into a vector that already holds one descriptor
+// (item 7), which must stay first.
+Outcome predictCancelling(const History& history, bool lastSetOnly,
+                          int cancelledPass) {
+  CancellingDictionary dict;
+  dict.cancelDuringPass(cancelledPass);
+  std::vector<SeqConsequentDescriptor> out(1, {7, 0.1, 0.2, 0.3});
+  const Sequence customer = testutil::toSequence(history);
+  const KvCommon_850::KvStatus status =
+      dict.GetFutureItems(out, &customer, 10, lastSetOnly);
+  EXPECT_FALSE(status.GetFlag());
+  EXPECT_EQ(out[0].GetItem(), 7);
+  return {status.GetCode(),
+          std::vector<SeqConsequentDescriptor>(out.begin() + 1, out.end()),
+          dict.passesRun()};
+}
+
+// (1)(3)(4) as in EveryPassUpToTheFirstSetContributes.
+const std::vector<ExpectedPrediction> kThreeSetPrediction = {
+    {2, 0.5, 0.4, 0.5}, {5, 3.0 / 7, 0.3, 0.75}};
+
+TEST(FutureItemsPasses, ThreeItemSetsRunThreePassesOrOne) {
+  Outcome all = predictCancelling({{1}, {3}, {4}}, false, -1);
+  EXPECT_EQ(all.code, 0);
+  EXPECT_EQ(all.passes, 3);
+  expectPredictions(all.appended, kThreeSetPrediction);
+  Outcome last = predictCancelling({{1}, {3}, {4}}, true, -1);
+  EXPECT_EQ(last.code, 0);
+  EXPECT_EQ(last.passes, 1);
+  EXPECT_TRUE(last.appended.empty());
+}
+
+// The flag is read after each pass that another could follow: raised in pass
+// 0 or 1 of three, it stops the passes with code 1 and what the passes found
+// is dropped.
+TEST(FutureItemsPasses, CancelBetweenPassesStopsAndAppendsNothing) {
+  for (int pass : {0, 1}) {
+    SCOPED_TRACE(pass);
+    Outcome outcome = predictCancelling({{1}, {3}, {4}}, false, pass);
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.passes, pass + 1);
+    EXPECT_TRUE(outcome.appended.empty());
+  }
+}
+
+// Pass 0 of (1)(2) finds item 4 and others; the flag raised in it is read
+// before lastSetOnly ends the passes.
+TEST(FutureItemsPasses, CancelIsReadBeforeLastSetOnlyEndsThePasses) {
+  Outcome outcome = predictCancelling({{1}, {2}}, true, 0);
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_EQ(outcome.passes, 1);
+  EXPECT_TRUE(outcome.appended.empty());
+}
+
+// After the pass that leaves out all but the first item set no pass can
+// follow, and the flag raised in it is not read.
+TEST(FutureItemsPasses, CancelInTheLastPossiblePassIsNotRead) {
+  Outcome three = predictCancelling({{1}, {3}, {4}}, false, 2);
+  EXPECT_EQ(three.code, 0);
+  EXPECT_EQ(three.passes, 3);
+  expectPredictions(three.appended, kThreeSetPrediction);
+  // (2): (2)(4) 6/8, (2)(5) 3/8, (2)(3) 3/8.
+  for (bool lastSetOnly : {true, false}) {
+    Outcome one = predictCancelling({{2}}, lastSetOnly, 0);
+    EXPECT_EQ(one.code, 0);
+    EXPECT_EQ(one.passes, 1);
+    expectPredictions(one.appended, {{4, 0.75, 0.6, 0.75},
+                                     {5, 0.375, 0.3, 0.75},
+                                     {3, 0.375, 0.3, 3.0 / 7}});
+  }
+}
+
 // Customers (1)(1), (1)(1), (1)(2): (1) is stored with count 3, (1)(1) with
 // count 2. The customer's last set holds 1, and 1 is still predicted in pass
 // 0: (1)(1) 2/3, support 2/3, cause 2/3.

@@ -225,6 +225,18 @@ TEST(RulesOfSmallDictionaries, NoLevelTwoMeansNoRules) {
   EXPECT_TRUE(out.empty());
 }
 
+// The flag is looked at before each level from 2 on, so with no such level
+// a raised flag goes unread.
+TEST(RulesOfSmallDictionaries, CancelIsNotReadWithoutALevelTwo) {
+  std::unique_ptr<SequenceDictionary> singles =
+      testutil::buildDictionary({{{1}}, {{1}}, {{2}, {1}}}, 2);
+  singles->setCancel();
+  std::vector<SeqAssociationRule> out;
+  EXPECT_TRUE(
+      singles->GetRules(out, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 'S', false).IsOK());
+  EXPECT_TRUE(out.empty());
+}
+
 TEST(RulesOfSmallDictionaries, OneSetPatternsGiveNoRules) {
   // (1 2) is stored at level 2 (count 2) but has one item set.
   std::unique_ptr<SequenceDictionary> dict =

@@ -150,5 +150,42 @@ TEST(Matching, RepeatedItemIsMatchedAtItsLatestEarlierOccurrence) {
               ElementsAre("(3)", "(1)(3)", "(2)(3)"));
 }
 
+// Two customers (1)(3)(4) and two (1)(2)(5) store the subsequences of each,
+// every one twice ((1) four times). In (1)(2 3)(4 5), (4) sends (3)(4) to the
+// work set of item set 1 before (5) sends (2)(5) there; the work set takes
+// (2)(5) first, being the smaller pattern, so (1)(2)(5) is formed before
+// (1)(3)(4).
+TEST(Matching, EachWorkSetIsTakenSmallestPatternFirst) {
+  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
+      {{{1}, {3}, {4}}, {{1}, {3}, {4}}, {{1}, {2}, {5}}, {{1}, {2}, {5}}}, 2);
+  EXPECT_THAT(matched(*dict, {{1}, {2, 3}, {4, 5}}),
+              ElementsAre("(4)", "(5)", "(1)(4)", "(3)(4)", "(1)(5)", "(2)(5)",
+                          "(1)(2)(5)", "(1)(3)(4)"));
+}
+
+// An item set may hold more than 100 known items. Items 1 .. 150 are stored,
+// and (7)(150) and (3)(7)(150); the last set of (3)(7)(1 .. 150) gives its
+// 150 one-item patterns, and its 150th item still grows into both.
+TEST(Matching, ItemSetsOfMoreThanAHundredItems) {
+  SequenceDictionary dict(10);
+  int* none[1] = {nullptr};
+  dict.incrementCount(none, 0);
+  dict.incrementCount(none, 0);
+  History customer = {{3}, {7}, {}};
+  for (int item = 1; item <= 150; ++item) {
+    testutil::addPattern(dict, {{item}}, 2);
+    customer.back().push_back(item);
+  }
+  testutil::addPattern(dict, {{7}, {150}}, 2);
+  testutil::addPattern(dict, {{3}, {7}, {150}}, 2);
+  ASSERT_TRUE(dict.buildLattice().IsOK());
+  const std::vector<std::string> found = matched(dict, customer);
+  ASSERT_EQ(found.size(), 152u);
+  EXPECT_EQ(found[0], "(1)");
+  EXPECT_EQ(found[149], "(150)");
+  EXPECT_EQ(found[150], "(7)(150)");
+  EXPECT_EQ(found[151], "(3)(7)(150)");
+}
+
 }  // namespace
 }  // namespace SEQUENCE_NAMESPACE_800
