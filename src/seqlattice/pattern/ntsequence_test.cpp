@@ -199,6 +199,20 @@ TEST(NTSequenceTest, CachedHashMatchesComputeHashAfterConstruction) {
   }
 }
 
+// 39 items is the most the 40-entry table serves: the last step reads the
+// large last entry, A = F[39]*F[38]*39 + 2A = 737279*9887*39 + 2A. Worked out
+// by the same recurrence as above over the items 1 .. 39 in one set (pattern
+// 1): the low 32 bits of A are 8133783.
+TEST(NTSequenceTest, HashOfTheLongestPatternTheTableServes) {
+  std::vector<int> set(40);
+  set[0] = 39;
+  for (int i = 1; i <= 39; ++i) set[i] = i;
+  int* sets[] = {set.data()};
+  const NTSequence p(sets, 1);
+  EXPECT_EQ(p.size(), 39);
+  EXPECT_EQ(p.getHashCode(), 8133783);
+}
+
 TEST(NTSequenceTest, HashOfTooLongPatternIsRefused) {
   std::vector<int> set(41);
   set[0] = 40;

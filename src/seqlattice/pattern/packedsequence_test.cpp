@@ -148,6 +148,21 @@ TEST(PackedSequenceHashTest, FourItems) {
   EXPECT_EQ(MakeTimed({{2}, {4, 6}, {8}}).getHashCode(), 1713773772);
 }
 
+// 31 items is the most the 32-entry table serves; the last step reads
+// G[31]*G[30] = 737279*9887. Over the items 1 .. 31 in one set (pattern 1)
+// the recurrence leaves -994716449 in the low 32 bits of A, read as signed;
+// its absolute value is the hash.
+TEST(PackedSequenceHashTest, LongestPatternTheTableServes) {
+  std::vector<int> set(32);
+  set[0] = 31;
+  for (int i = 1; i <= 31; ++i) set[i] = i;
+  int* sets[] = {set.data()};
+  const double times[] = {0};
+  const PackedSequence p(sets, times, 1);
+  EXPECT_EQ(p.size(), 31);
+  EXPECT_EQ(p.getHashCode(), 994716449);
+}
+
 TEST(PackedSequenceHashTest, PatternTooLongForTheTableIsRefused) {
   std::vector<int> set(33);
   set[0] = 32;  // the 32-entry table serves at most 31 items

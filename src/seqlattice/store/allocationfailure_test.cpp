@@ -18,13 +18,21 @@ namespace {
 
 // Number of allocations still allowed to succeed; negative: no limit.
 long allocationsLeft = -1;
+// Blocks allocated and not yet released, to see what an operation frees.
+long liveBlocks = 0;
 
 void* allocate(std::size_t size) {
   if (allocationsLeft == 0) throw std::bad_alloc();
   if (allocationsLeft > 0) --allocationsLeft;
   void* p = std::malloc(size == 0 ? 1 : size);
   if (p == nullptr) throw std::bad_alloc();
+  ++liveBlocks;
   return p;
+}
+
+void release(void* p) {
+  if (p != nullptr) --liveBlocks;
+  std::free(p);
 }
 
 // Arms the failure for the lifetime of the object.
@@ -38,10 +46,10 @@ class FailingAllocations {
 
 void* operator new(std::size_t size) { return allocate(size); }
 void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept { release(p); }
+void operator delete[](void* p) noexcept { release(p); }
+void operator delete(void* p, std::size_t) noexcept { release(p); }
+void operator delete[](void* p, std::size_t) noexcept { release(p); }
 
 namespace {
 
@@ -76,6 +84,30 @@ TEST(AllocationFailureTest, InsertingIntoTheSetThrowsDictionaryFailure) {
   EXPECT_EQ(counter.getNAdjacent(), 1);
   counter.addAdjacentItem(2, 1);
   EXPECT_EQ(counter.getNAdjacent(), 2);
+}
+
+// The replaced adjacency set goes with all its pairs: one block for the set
+// and one per pair.
+TEST(AllocationFailureTest, ReplacedAdjacencySetIsReleased) {
+  SequenceCounter counter(0, 0, nullptr);
+  for (int item = 1; item <= 3; ++item) counter.addAdjacentItem(item, 1);
+  SequenceCounter::AdjacencySet* fresh = new SequenceCounter::AdjacencySet();
+  // The counts are read right after each call, before any assertion runs.
+  const long before = liveBlocks;
+  counter.setAdjacentItems(fresh);
+  const long afterReplacing = liveBlocks;
+  counter.setAdjacentItems(fresh);  // the held set again: nothing freed
+  const long afterSameSet = liveBlocks;
+  counter.addAdjacentItem(5, 2);
+  const long withOnePair = liveBlocks;
+  counter.setAdjacentItems(nullptr);
+  const long afterNull = liveBlocks;
+
+  EXPECT_EQ(afterReplacing, before - 4);
+  EXPECT_EQ(afterSameSet, afterReplacing);
+  EXPECT_EQ(withOnePair, afterSameSet + 1);
+  EXPECT_EQ(afterNull, withOnePair - 2);
+  EXPECT_EQ(counter.getAdjacentItems(), nullptr);
 }
 
 // A failed insertion leaves the table as it was and the objects with the

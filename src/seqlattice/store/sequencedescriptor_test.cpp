@@ -4,13 +4,17 @@
 
 #include <iostream>
 #include <sstream>
+#include <string>
 #include <utility>
+
+#include "seqlattice/sequence/sequence_test_util.h"
 
 namespace {
 
 using SEQUENCE_NAMESPACE_800::CarmaSequenceDescriptor;
 using SEQUENCE_NAMESPACE_800::SequenceCounter;
 using SEQUENCE_NAMESPACE_800::StatsBucket;
+using SEQUENCE_NAMESPACE_800::testing_util::CoutFormatGuard;
 typedef SequenceCounter::AdjacencySet AdjacencySet;
 
 TEST(SequenceCounterTest, ConstructorTakesOrdinalBeforeCount) {
@@ -51,18 +55,35 @@ TEST(SequenceCounterTest, SettersStoreValues) {
   EXPECT_EQ(counter.getMaxMissed(), 8);
 }
 
-// The replaced bucket is released (LeakSanitizer would report it otherwise);
-// setting the held bucket again must not delete it.
-TEST(SequenceCounterTest, SetStatsBucketReleasesTheReplacedOne) {
-  SequenceCounter counter(0, 0, new StatsBucket());
-  StatsBucket* second = new StatsBucket();
-  second->InitialGap(3.0);
-  counter.setStatsBucket(second);
-  EXPECT_EQ(counter.getStatsBucket(), second);
-  counter.setStatsBucket(second);
-  EXPECT_EQ(counter.getStatsBucket()->GetSumOfGaps(), 3.0);
-  counter.setStatsBucket(nullptr);
-  EXPECT_EQ(counter.getStatsBucket(), nullptr);
+// Counts its own destructions, so that a release shows without a leak
+// checker.
+struct CountedBucket : StatsBucket {
+  explicit CountedBucket(int* destroyed) : destroyed(destroyed) {}
+  ~CountedBucket() override { ++*destroyed; }
+  int* destroyed;
+};
+
+TEST(SequenceCounterTest, ReplacedBucketIsDestroyedExactlyOnce) {
+  int firstDestroyed = 0;
+  int secondDestroyed = 0;
+  int thirdDestroyed = 0;
+  {
+    SequenceCounter counter(0, 0, new CountedBucket(&firstDestroyed));
+    StatsBucket* second = new CountedBucket(&secondDestroyed);
+    counter.setStatsBucket(second);
+    EXPECT_EQ(firstDestroyed, 1);
+    EXPECT_EQ(secondDestroyed, 0);
+    counter.setStatsBucket(second);  // the held bucket again: kept
+    EXPECT_EQ(secondDestroyed, 0);
+    EXPECT_EQ(counter.getStatsBucket(), second);
+    counter.setStatsBucket(nullptr);
+    EXPECT_EQ(secondDestroyed, 1);
+    EXPECT_EQ(counter.getStatsBucket(), nullptr);
+    counter.setStatsBucket(new CountedBucket(&thirdDestroyed));
+  }
+  EXPECT_EQ(firstDestroyed, 1);
+  EXPECT_EQ(secondDestroyed, 1);
+  EXPECT_EQ(thirdDestroyed, 1);  // the counter's destructor took it
 }
 
 TEST(SequenceCounterTest, SameAdjacentPairTwiceIsStoredOnce) {
@@ -194,6 +215,74 @@ TEST(SequenceCounterDisplayTest, BucketAndAdjacencyTogether) {
             " max 1.50\n"
             "Adjacent list {(item 3 position 2)\n"
             "}End Adjacent list \n");
+}
+
+// Shows the counter on std::cout, starting from the default number format,
+// then prints 0.5 there, so that the result shows the format the display
+// left behind (which stays on std::cout for the caller to check).
+std::string displayedOnCout(const SequenceCounter& counter, bool showAdjacent) {
+  std::cout.precision(6);
+  std::cout.unsetf(std::ios::floatfield);
+  testing::internal::CaptureStdout();
+  counter.display(std::cout, showAdjacent);
+  std::cout << 0.5;
+  return testing::internal::GetCapturedStdout();
+}
+
+bool coutIsFixedWithPrecisionTwo() {
+  return std::cout.precision() == 2 &&
+         (std::cout.flags() & std::ios::floatfield) == std::ios::fixed;
+}
+
+// On std::cout the same text, character for character, and the format that
+// the bucket and the adjacency list set stays on std::cout.
+TEST(SequenceCounterDisplayTest, OnCoutWithBucketAndAdjacency) {
+  CoutFormatGuard guard;
+  StatsBucket* bucket = new StatsBucket();
+  bucket->InitialGap(4.0);
+  bucket->UpdateGap(0.5);
+  SequenceCounter counter(3, 10, bucket);
+  counter.setMaxMissed(7);
+  counter.addAdjacentItem(8, 5);
+  counter.addAdjacentItem(2, 4);
+  // mean (4 + 0.5) / 2 = 2.25
+  EXPECT_EQ(displayedOnCout(counter, true),
+            " count 10 ordinalOfEntry 3 max missed 7\n"
+            " Occurrences 2.00\n"
+            " mean 2.25\n"
+            " min 0.50\n"
+            " max 4.00\n"
+            "Adjacent list {(item 2 position 4)\n"
+            "(item 8 position 5)\n"
+            "}End Adjacent list \n"
+            "0.50");
+  EXPECT_TRUE(coutIsFixedWithPrecisionTwo());
+}
+
+TEST(SequenceCounterDisplayTest, OnCoutWithoutBucketOrAdjacency) {
+  CoutFormatGuard guard;
+  const SequenceCounter counter(0, 42, nullptr);
+  EXPECT_EQ(displayedOnCout(counter, true),
+            " count 42 ordinalOfEntry 0 max missed 0\n0.5");
+  EXPECT_EQ(std::cout.precision(), 6);
+  EXPECT_EQ(std::cout.flags() & std::ios::floatfield, std::ios::fmtflags{});
+}
+
+// Only the adjacency list is there: it switches the format when shown, and
+// only then.
+TEST(SequenceCounterDisplayTest, OnCoutAdjacencyWithoutBucket) {
+  CoutFormatGuard guard;
+  SequenceCounter counter(1, 1, nullptr);
+  counter.addAdjacentItem(-3, 1);
+  EXPECT_EQ(displayedOnCout(counter, false),
+            " count 1 ordinalOfEntry 1 max missed 0\n0.5");
+  EXPECT_FALSE(coutIsFixedWithPrecisionTwo());
+  EXPECT_EQ(displayedOnCout(counter, true),
+            " count 1 ordinalOfEntry 1 max missed 0\n"
+            "Adjacent list {(item -3 position 1)\n"
+            "}End Adjacent list \n"
+            "0.50");
+  EXPECT_TRUE(coutIsFixedWithPrecisionTwo());
 }
 
 // The display goes to the stream it is given and leaves later numbers on
