@@ -221,6 +221,25 @@ TEST(LatticeMemoryTest, ARebuildReleasesTheSetsItReplaces) {
   EXPECT_EQ(adjacencyOf(d, {{1}}), (Adjacency{{2, 0}, {2, 3}}));
 }
 
+TEST(LatticeMemoryTest, APatternAboveMaxCountIsNotMadeIntoASequence) {
+  SequenceDictionary d(3);
+  addPattern(d, {{1}}, 5);
+  ASSERT_TRUE(d.buildLattice().IsOK());
+  std::unique_ptr<Sequence> start = makeSequence({{1}});
+  std::set<Sequence*> out;
+  const long reported =
+      allocationsOf([&] { d.FindSequences(start.get(), out, 1, 10); });
+  ASSERT_EQ(out.size(), 1u);
+  delete *out.begin();
+  out.clear();
+  const long skipped =
+      allocationsOf([&] { d.FindSequences(start.get(), out, 1, 4); });
+  EXPECT_TRUE(out.empty());
+  // Reporting costs the set's node and the Sequence, which takes more than
+  // one allocation; skipping costs neither.
+  EXPECT_GT(reported - skipped, 2);
+}
+
 TEST(AllocationFailureTest, AddSequenceThrowsDictionaryFailure) {
   SequenceDictionary d(4);
   PatternArrays p(Sets{{1, 2}, {3}});
