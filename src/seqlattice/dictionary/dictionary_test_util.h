@@ -67,6 +67,15 @@ inline void addPattern(SequenceDictionary& dictionary, const Sets& sets,
   dictionary.addSequence(arrays.sets(), arrays.nSets(), &counter);
 }
 
+// Stores (1) and (2) with count 3, and (1 2) and (1)(2) with count 2: item 2
+// extends (1) both by joining its set and by following it.
+inline void addPairPatterns(SequenceDictionary& dictionary) {
+  addPattern(dictionary, {{1}}, 3);
+  addPattern(dictionary, {{2}}, 3);
+  addPattern(dictionary, {{1, 2}}, 2);
+  addPattern(dictionary, {{1}, {2}}, 2);
+}
+
 inline SequenceCounter* counterOf(SequenceDictionary& dictionary,
                                   const Sets& sets) {
   PatternArrays arrays(sets);

@@ -28,10 +28,7 @@ TEST(LatticeBuildTest, SingleItemsHangFromTheEmptyPattern) {
 
 TEST(LatticeBuildTest, CodesTellJoiningASetFromFormingOne) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 3);
-  addPattern(d, {{2}}, 3);
-  addPattern(d, {{1, 2}}, 2);
-  addPattern(d, {{1}, {2}}, 2);
+  dictionary_test::addPairPatterns(d);
   ASSERT_TRUE(d.buildLattice().IsOK());
   EXPECT_EQ(adjacencyOf(d, {{1}}), (Adjacency{{2, 0}, {2, 3}}));
   EXPECT_EQ(adjacencyOf(d, {{2}}), (Adjacency{{1, 0}, {1, 1}}));
@@ -128,6 +125,25 @@ TEST(LatticeBuildTest, ARebuildAfterPruningDropsLinksToPrunedPatterns) {
   ASSERT_TRUE(d.buildLattice().IsOK());
   EXPECT_EQ(adjacencyOf(d, {{1}}), (Adjacency{{2, 3}}));
   EXPECT_EQ(adjacencyOf(d, {{2}}), (Adjacency{{1, 1}}));
+}
+
+// A dictionary that reports no pattern above one item.
+class SingleItemsOnly : public SequenceDictionary {
+ public:
+  using SequenceDictionary::SequenceDictionary;
+  int LargestSequence() const override { return 1; }
+};
+
+TEST(LatticeBuildTest, TheBuildAsksForTheLargestSequenceThroughItsSlot) {
+  SingleItemsOnly d(4);
+  addPattern(d, {{1}}, 3);
+  addPattern(d, {{2}}, 3);
+  addPattern(d, {{1}, {2}}, 2);
+  ASSERT_TRUE(d.buildLattice().IsOK());
+  EXPECT_EQ(adjacencyOf(d, {}), (Adjacency{{1, 1}, {2, 1}}));
+  // Level 2 is not visited, so (1) learns nothing from (1)(2).
+  EXPECT_EQ(adjacencyOf(d, {{1}}), Adjacency{});
+  EXPECT_EQ(counterOf(d, {{1}, {2}})->getAdjacentItems(), nullptr);
 }
 
 TEST(LatticeBuildTest, MissingLevelZeroEntryFailsTheBuild) {
