@@ -206,6 +206,26 @@ TEST(BinaryPatternTest, ShortItemListCountsTheItemsReadWhole) {
   EXPECT_EQ(read.size(), 3);
 }
 
+// A stream that ends after the pattern word: the item count cannot be read,
+// so the pattern keeps its items and set count; only the word is new.
+TEST(BinaryPatternTest, UnreadableItemCountKeepsTheItems) {
+  PatternArrays arrays({{4}, {7, 9}});
+  const NTSequence original(arrays.sets(), arrays.nSets());
+  NTSequence read(original);
+  long consumed = 0;
+  EXPECT_EQ(readBinary(Bytes().text("NT:\0", 4).i64(6).str(), read, &consumed),
+            16);
+  EXPECT_EQ(consumed, 12);
+  EXPECT_EQ(read.getPattern(), 6);
+  EXPECT_EQ(read.size(), 3);
+  EXPECT_EQ(read.getNSets(), 2);
+  EXPECT_EQ(read.getHashCode(), read.computeHash());
+  EXPECT_FALSE(read == original);
+  EXPECT_EQ(read.getItemIndex(4), 0);
+  EXPECT_EQ(read.getItemIndex(7), 1);
+  EXPECT_EQ(read.getItemIndex(9), 2);
+}
+
 TEST(BinaryPatternTest, TimedRecordKeepsTimesWhole) {
   PatternArrays arrays({{1, 2}, {5}});
   const double start[] = {1.25, -3.5};

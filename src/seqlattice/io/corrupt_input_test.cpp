@@ -114,8 +114,9 @@ TEST(CorruptTableTest, MoreEntriesThanTheStreamHoldsFail) {
   EXPECT_EQ(xmlPrinted.err, "Error reading HashtableSQPair!\n");
 }
 
-TEST(CorruptTableTest, PatternWithoutABucketFails) {
-  // A one-item pattern hashes to its item: a negative item has no bucket.
+TEST(CorruptTableTest, PatternOfANegativeItemIsNoCorruption) {
+  // A one-item pattern hashes to its item; a negative item is still a
+  // pattern that a table holds.
   const std::string bytes =
       Bytes()
           .text("HT", 2)
@@ -128,9 +129,13 @@ TEST(CorruptTableTest, PatternWithoutABucketFails) {
           .append(Bytes().text("SD\0", 3).i32(1).i32(0).i32(0).i32(0).i32(0))
           .str();
   HashtableSQPair table(3);
-  const Printed printed = expectIOException([&] { readBinary(bytes, table); });
-  EXPECT_EQ(printed.err, "Error reading HashtableSQPair!\n");
-  EXPECT_EQ(table.getCount(), 0);
+  EXPECT_EQ(readBinary(bytes, table), 6 + 20 + 23);
+  EXPECT_EQ(table.getCount(), 1);
+  int item[] = {1, -3};
+  const NTSequence key(item);
+  EXPECT_EQ(key.getHashCode(), -3);
+  ASSERT_NE(table.get(&key), nullptr);
+  EXPECT_EQ(table.get(&key)->value->getCount(), 1);
 }
 
 SeqDictionarySettings withSize(int level, int size, int levels) {

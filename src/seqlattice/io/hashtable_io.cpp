@@ -35,10 +35,10 @@ long readEntries(HashtableSQPair& table, int entries, ReadEntry readEntry) {
   for (int i = 0; i < entries; ++i) {
     auto key = std::make_unique<NTSequence>();
     auto counter = std::make_unique<SequenceCounter>(0, 0, nullptr);
+    // A negative hash code (a one-item pattern of a negative item) is no
+    // failure: the table places it in range like every other code.
     const long entryRead = readEntry(*key, *counter);
-    // A pattern with a negative hash code has no bucket: such a pattern
-    // cannot have been stored, so the file is corrupt.
-    if (entryRead <= 0 || key->getHashCode() < 0) RecordIO::raise(kFailure);
+    if (entryRead <= 0) RecordIO::raise(kFailure);
     table.putOverwrite(key.get(), counter.get());
     key.release();
     counter.release();

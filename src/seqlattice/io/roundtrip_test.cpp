@@ -49,14 +49,16 @@ class RandomDictionary {
  private:
   int below(int n) { return static_cast<int>(random_() % n); }
 
-  // Sets of ascending, distinct items from 0 to 29, `size` items in all.
+  // Sets of ascending, distinct items from -10 to 29, `size` items in all.
+  // Items are the host's signed codes: a one-item pattern of a negative item
+  // has a negative hash code, which the tables take like any other.
   Sets pattern(int size) {
     Sets sets;
     while (size > 0) {
       const int n = 1 + below(std::min(size, 4));
       std::vector<int> set;
       while (static_cast<int>(set.size()) < n) {
-        const int item = below(30);
+        const int item = below(40) - 10;
         if (std::find(set.begin(), set.end(), item) == set.end()) {
           set.push_back(item);
         }
@@ -138,6 +140,37 @@ TEST(RoundTripTest, RandomDictionariesInTheXMLFormat) {
                    [](const ScratchFile& file, SequenceDictionary& dictionary) {
                      return io_test::loadXML(file, dictionary);
                    });
+}
+
+// Patterns whose hash codes are negative: the one-item pattern of a negative
+// item hashes to the item itself, INT_MIN included.
+std::unique_ptr<SequenceDictionary> negativeItemDictionary() {
+  auto dictionary =
+      std::make_unique<SequenceDictionary>(io_test::smallSettings(3));
+  dictionary_test::addPattern(*dictionary, {{-3}}, 4);
+  dictionary_test::addPattern(*dictionary, {{INT_MIN}}, 2);
+  dictionary_test::addPattern(*dictionary, {{7}}, 3);
+  dictionary_test::addPattern(*dictionary, {{-3}, {7}}, 2);
+  dictionary_test::addPattern(*dictionary, {{INT_MIN, -3}}, 1);
+  return dictionary;
+}
+
+TEST(RoundTripTest, PatternsOfNegativeItemsComeBackInBothFormats) {
+  const std::unique_ptr<SequenceDictionary> saved = negativeItemDictionary();
+  ScratchFile file;
+  file.write(io_test::saveBinary(*saved));
+  SequenceDictionary fromBinary;
+  ASSERT_EQ(io_test::loadBinary(file, fromBinary), Outcome::kLoaded);
+  io_test::expectLoadedAs(*saved, fromBinary, 3);
+  ASSERT_NE(dictionary_test::counterOf(fromBinary, {{INT_MIN}}), nullptr);
+  EXPECT_EQ(dictionary_test::counterOf(fromBinary, {{INT_MIN}})->getCount(), 2);
+
+  file.write(io_test::saveXML(*saved));
+  SequenceDictionary fromXML;
+  ASSERT_EQ(io_test::loadXML(file, fromXML), Outcome::kLoaded);
+  io_test::expectLoadedAs(*saved, fromXML, 3);
+  ASSERT_NE(dictionary_test::counterOf(fromXML, {{-3}}), nullptr);
+  EXPECT_EQ(dictionary_test::counterOf(fromXML, {{-3}})->getCount(), 4);
 }
 
 TEST(RoundTripTest, ASecondLoadGivesTheSameDictionaryAgain) {
