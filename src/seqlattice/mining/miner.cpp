@@ -48,10 +48,10 @@ namespace {
 
 using u32 = std::uint32_t;
 
-// Task outputs pass to the sink in chunks of about this many ints (4 MB) ...
-constexpr std::size_t kChunkInts = std::size_t{1} << 20;
+// Task outputs pass to the sink in chunks of about this many ints (1 MB) ...
+constexpr std::size_t kChunkInts = std::size_t{1} << 18;
 // ... and workers running ahead of the sink hold at most about this many.
-constexpr std::size_t kBufferedInts = std::size_t{16} << 20;
+constexpr std::size_t kBufferedInts = std::size_t{4} << 20;
 
 // The database restricted to frequent items, renumbered 0 .. F-1 in
 // ascending order of their values (so ascending codes are ascending items),
@@ -662,6 +662,7 @@ void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
   std::size_t share = workers.size() * 8;
   auto work = [&](Worker& worker) {
     std::vector<int> out;
+    out.reserve(kChunkInts + 64);
     try {
       for (;;) {
         std::size_t first = next.load();

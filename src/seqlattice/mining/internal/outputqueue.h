@@ -18,7 +18,6 @@
 
 #include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -73,7 +72,7 @@ class OutputQueue {
     for (std::size_t task = 0; task < chunks_.size(); ++task) {
       bool finished = false;
       while (!finished) {
-        std::deque<std::vector<int>> taken;
+        std::vector<std::vector<int>> taken;
         {
           std::unique_lock<std::mutex> lock(mutex_);
           if (head_ != task) {
@@ -98,7 +97,9 @@ class OutputQueue {
   std::mutex mutex_;
   std::condition_variable ready_;  // a chunk arrived or a task finished
   std::condition_variable room_;   // chunks were taken or the head moved
-  std::vector<std::deque<std::vector<int>>> chunks_;
+  // Per task; an empty vector allocates nothing, and there may be a task
+  // for each of millions of two-item patterns.
+  std::vector<std::vector<std::vector<int>>> chunks_;
   std::vector<char> done_;
   std::size_t head_ = 0;
   std::size_t buffered_ = 0;
