@@ -1,5 +1,9 @@
 // The lattice build: every stored pattern learns the (item, position code)
 // pairs that extend it to a stored pattern one level up.
+#include <deque>
+#include <utility>
+#include <vector>
+
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/store/hashpairseq.h"
@@ -9,33 +13,90 @@ namespace SEQUENCE_NAMESPACE_800 {
 
 namespace {
 
+// The sub-patterns of the patterns of one level, looked up in the level below
+// in batches: the tables are far larger than the caches, so one lookup at a
+// time would wait for its bucket, node, key and counter in turn, while a
+// batch lets those waits overlap (HashtableSQPair::getAll).
+class SubPatternBatch {
+ public:
+  explicit SubPatternBatch(const HashtableSQPair& below) : below_(below) {}
+
+  // Queues the sub-pattern of `pattern` without its item at flat index pos,
+  // which links to `pattern` by (item, code).
+  void add(NTSequence* pattern, int pos, int s, int j) {
+    if (n_ == static_cast<int>(scratch_.size())) {
+      scratch_.emplace_back();
+      keys_.push_back(nullptr);
+      links_.emplace_back();
+      found_.push_back(nullptr);
+    }
+    NTSequence& sub = scratch_[n_];
+    // The scratch array has 32 slots; longer patterns cannot be keys, but
+    // a copy makes room rather than rely on it.
+    if (pattern->size() > 32) sub = *pattern;
+    const bool setGone = sub.removeItem(pos, pattern) == 1;
+    keys_[n_] = &sub;
+    links_[n_] = {pattern->getItemInSet(j, s), setGone ? 2 * s + 1 : 2 * s};
+    ++n_;
+  }
+
+  bool full() const { return n_ >= kBatch; }
+
+  // Adds the queued links to the sub-patterns that are stored with a counter;
+  // pruned sub-patterns learn nothing.
+  void flush() {
+    below_.getAll(keys_.data(), n_, found_.data());
+    for (int i = 0; i < n_; ++i) {
+      if (found_[i] != nullptr && found_[i]->value != nullptr) {
+        __builtin_prefetch(found_[i]->value);
+      }
+    }
+    for (int i = 0; i < n_; ++i) {
+      if (found_[i] != nullptr && found_[i]->value != nullptr) {
+        __builtin_prefetch(found_[i]->value->getAdjacentItems());
+      }
+    }
+    for (int i = 0; i < n_; ++i) {
+      if (found_[i] != nullptr && found_[i]->value != nullptr) {
+        found_[i]->value->addAdjacentItem(links_[i].first, links_[i].second);
+      }
+    }
+    n_ = 0;
+  }
+
+ private:
+  static constexpr int kBatch = 64;
+  const HashtableSQPair& below_;
+  std::deque<NTSequence> scratch_;  // grows without moving its keys
+  std::vector<const NTSequence*> keys_;
+  std::vector<std::pair<int, int>> links_;
+  std::vector<ISQCPair*> found_;
+  int n_ = 0;
+};
+
 // Gives every counter of `level` a new empty adjacency set, then adds to each
 // stored pattern of `below` the pair that leads from it to a pattern of
 // `level`: for every item of a pattern P, the sub-pattern without it learns
 // (item, 2s+1) when the item was alone in set s of P, (item, 2s) otherwise.
-// Sub-patterns that are not stored (pruned) learn nothing.
+// Every counter of `level` is renewed before its own level is linked to, so
+// the order of the additions within a level does not matter.
 void linkToLevelBelow(HashtableSQPair& level, const HashtableSQPair& below) {
+  SubPatternBatch batch(below);
   for (HashtableSQPair::iterator it = level.begin(); it != level.end();) {
     const ISQCPair entry = *it++;
     if (entry.value != nullptr) {
       entry.value->setAdjacentItems(new SequenceCounter::AdjacencySet());
     }
     NTSequence* pattern = entry.key;
-    // Refilled by removeItem for every item, so the lookups allocate nothing.
-    NTSequence parent(*pattern);
     int pos = 0;
     for (int s = 0; s < pattern->getNSets(); ++s) {
       for (int j = 0; j < pattern->getSizeOfSet(s); ++j) {
-        const bool setGone = parent.removeItem(pos, pattern) == 1;
-        ++pos;
-        ISQCPair* stored = below.get(&parent);
-        if (stored != nullptr && stored->value != nullptr) {
-          stored->value->addAdjacentItem(pattern->getItemInSet(j, s),
-                                         setGone ? 2 * s + 1 : 2 * s);
-        }
+        batch.add(pattern, pos++, s, j);
       }
     }
+    if (batch.full()) batch.flush();
   }
+  batch.flush();
 }
 
 }  // namespace

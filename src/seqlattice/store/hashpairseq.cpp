@@ -134,6 +134,39 @@ ISQCPair* HashtableSQPair::get(const NTSequence* key) const {
   return node == nullptr ? nullptr : &node->pair;
 }
 
+void HashtableSQPair::getAll(const NTSequence* const* keys, int n,
+                             ISQCPair** found) const {
+  constexpr int kStage = 32;
+  int bucket[kStage];
+  SQCPairNode* node[kStage];
+  for (int from = 0; from < n; from += kStage) {
+    const int m = n - from < kStage ? n - from : kStage;
+    const NTSequence* const* key = keys + from;
+    for (int i = 0; i < m; ++i) {
+      bucket[i] = bucketOf(key[i]->getHashCode(), capacity);
+      __builtin_prefetch(&buckets[bucket[i]]);
+    }
+    for (int i = 0; i < m; ++i) {
+      node[i] = buckets[bucket[i]];
+      if (node[i] != nullptr) __builtin_prefetch(node[i]);
+    }
+    // The first node with the key's hash code is nearly always the match.
+    for (int i = 0; i < m; ++i) {
+      const int hashCode = key[i]->getHashCode();
+      while (node[i] != nullptr && node[i]->hashCode != hashCode) {
+        node[i] = node[i]->next;
+      }
+      if (node[i] != nullptr) __builtin_prefetch(node[i]->pair.key);
+    }
+    for (int i = 0; i < m; ++i) {
+      SQCPairNode* match = node[i] != nullptr && *node[i]->pair.key == *key[i]
+                               ? node[i]
+                               : findInBucket(key[i], bucket[i]);
+      found[from + i] = match == nullptr ? nullptr : &match->pair;
+    }
+  }
+}
+
 bool HashtableSQPair::containsKey(const NTSequence* key) const {
   return get(key) != nullptr;
 }

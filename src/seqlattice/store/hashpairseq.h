@@ -131,6 +131,11 @@ class HashtableSQPair {
   // The stored pair whose key equals key, or null. The pair stays the table's;
   // its counter may be changed in place.
   ISQCPair* get(const NTSequence* key) const;
+  // found[i] = get(keys[i]) for i < n. The reads of the n lookups are made
+  // in stages (bucket slots, chain heads, keys) so that their cache misses
+  // overlap rather than follow one another: for callers that know many
+  // lookups in advance, such as the lattice build.
+  void getAll(const NTSequence* const* keys, int n, ISQCPair** found) const;
   bool containsKey(const NTSequence* key) const;
   // Deletes the stored key equal to key and its counter; nothing when absent.
   // key itself is deleted only when it is the stored object.

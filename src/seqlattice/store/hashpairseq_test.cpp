@@ -508,4 +508,39 @@ TEST_F(HashtableSQPairTest, NullCountersAreAllowed) {
   EXPECT_EQ(table.getCount(), 0);
 }
 
+// getAll answers as get does, across its stages of 32 lookups, for stored and
+// absent keys, and for keys whose hash code is shared: (0)(0), (0 0),
+// (9817 -9829) and (1) all hash to 1, so the first node of bucket 1 with
+// that code is not always the match.
+TEST(HashtableSQPairGetAllTest, AnswersAsGetDoes) {
+  HashtableSQPair table(7);
+  table.put(makePattern({{0}, {0}}), new SequenceCounter(0, 1, nullptr));
+  table.put(makePattern({{0, 0}}), new SequenceCounter(0, 2, nullptr));
+  table.put(makeItem(1), new SequenceCounter(0, 3, nullptr));
+  for (int item = 10; item < 50; item += 2) {
+    table.put(makeItem(item), new SequenceCounter(0, item, nullptr));
+  }
+  std::vector<std::unique_ptr<NTSequence>> owned;
+  owned.emplace_back(makePattern({{0, 0}}));
+  owned.emplace_back(makePattern({{9817, -9829}}));
+  owned.emplace_back(makeItem(1));
+  owned.emplace_back(makePattern({{0}, {0}}));
+  for (int item = 10; item < 50; ++item) owned.emplace_back(makeItem(item));
+  std::vector<const NTSequence*> keys;
+  for (const auto& key : owned) keys.push_back(key.get());
+  std::vector<ISQCPair*> found(keys.size(), nullptr);
+  table.getAll(keys.data(), static_cast<int>(keys.size()), found.data());
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    EXPECT_EQ(found[i], table.get(keys[i])) << "key " << i;
+  }
+  ASSERT_NE(found[0], nullptr);
+  EXPECT_EQ(found[0]->value->getCount(), 2);
+  EXPECT_EQ(found[1], nullptr);
+  EXPECT_EQ(found[2]->value->getCount(), 3);
+  EXPECT_EQ(found[3]->value->getCount(), 1);
+  EXPECT_EQ(found[4]->value->getCount(), 10);
+  EXPECT_EQ(found[5], nullptr);
+  table.getAll(keys.data(), 0, found.data());  // nothing to look up
+}
+
 }  // namespace
