@@ -11,20 +11,47 @@
 #        MAX_ITEMS  longest pattern mined (default 31, the pattern key limit)
 #        TIMEOUT    seconds per row (default 120)
 #        ROWS       a grep pattern selecting rows, e.g. ROWS=SIGN
-#        FILL=1     also fill a dictionary and build its lattice (the model)
+#        MODE       what is timed:
+#                   cli  (default) the whole `seqlattice mine` run: reading,
+#                        mining, filling the dictionary, building the
+#                        lattice and saving the model
+#                   fill the mine_spmf driver mining into a dictionary and
+#                        building its lattice (no saving)
+#                   mine the mine_spmf driver counting patterns only
 set -euo pipefail
 
 repo="$(cd "$(dirname "$0")/.." && pwd)"
 build="${1:-$repo/build/release}"
-miner="$build/bench/mine_spmf"
+mode="${MODE:-cli}"
+case "$mode" in
+  cli) program="$build/cli/seqlattice" target=seqlattice_cli ;;
+  fill | mine) program="$build/bench/mine_spmf" target=mine_spmf ;;
+  *) echo "mine_datasets: MODE must be cli, fill or mine" >&2; exit 2 ;;
+esac
 data="${DATA_DIR:-$repo/../shared/data}"
 max_items="${MAX_ITEMS:-31}"
 limit="${TIMEOUT:-120}"
 
-if [[ ! -x "$miner" ]]; then
-  echo "mine_datasets: $miner not built (cmake --build $build --target mine_spmf)" >&2
+if [[ ! -x "$program" ]]; then
+  echo "mine_datasets: $program not built (cmake --build $build --target $target)" >&2
   exit 1
 fi
+
+# Runs one row; prints "customers min_count patterns longest" on stdout.
+run_row() {
+  local file="$1" minsup="$2"
+  if [[ "$mode" == cli ]]; then
+    "$program" mine "$file" --format spmf --min-support "$minsup" \
+      --max-items "$max_items" -o "$tmp.model" >"$tmp.cli" || return
+    awk '/^customers/ { c = $2 } /^min support/ { m = $5 }
+         /^patterns/ { p = $2 } /^  [0-9]+ items?/ { l = $1 }
+         END { print c, m, p, l }' "$tmp.cli"
+  else
+    local fill=()
+    [[ "$mode" == fill ]] && fill=(dictionary)
+    "$program" "$file" "$minsup" "$max_items" 0 "${fill[@]}"
+  fi
+}
 
 # database  min-support  reference-patterns  fastest-peer-wall-s  java-rss-mb
 # ("-": no published figure; the last rows are those no peer finished).
@@ -62,7 +89,7 @@ kosarak10k_seq.txt 0.001 - - -
 printf '%-20s %8s %6s %9s %-5s %7s %8s %7s %7s %9s %8s\n' database minsup \
   count patterns match longest wall_s cpu_s rss_mb peer_wall java_rss
 tmp="$(mktemp)"
-trap 'rm -f "$tmp"' EXIT
+trap 'rm -f "$tmp" "$tmp.out" "$tmp.cli" "$tmp.model"' EXIT
 while read -r file minsup reference peer_wall java_rss; do
   [[ -z "$file" ]] && continue
   if [[ -n "${ROWS:-}" ]] && ! grep -q -- "$ROWS" <<<"$file $minsup"; then
@@ -73,8 +100,10 @@ while read -r file minsup reference peer_wall java_rss; do
     continue
   fi
   status=0
+  export -f run_row
+  export mode program max_items tmp
   timeout "$limit" /usr/bin/time -f '%e %U %S %M' -o "$tmp" \
-    "$miner" "$data/$file" "$minsup" "$max_items" 0 ${FILL:+dictionary} \
+    bash -c 'run_row "$0" "$1"' "$data/$file" "$minsup" \
     >"$tmp.out" 2>&1 || status=$?
   if [[ $status -eq 124 ]]; then
     printf '%-20s %8s  did not finish within %s s\n' "$file" "$minsup" "$limit"

@@ -103,9 +103,9 @@ int readPatternHead(std::istream& in, const char (&tag)[4],
   if (count < 0) return 0;
   renewItems(fields, count);
   if (count == 0) return 0;
-  readRaw(in, fields.items, sizeof(int) * static_cast<std::size_t>(count));
-  return static_cast<int>(in.gcount() /
-                          static_cast<std::streamsize>(sizeof(int)));
+  return static_cast<int>(
+      readRaw(in, fields.items, sizeof(int) * static_cast<std::size_t>(count)) /
+      sizeof(int));
 }
 
 int readSetCount(std::istream& in, const Failure& failure) {
