@@ -1,6 +1,8 @@
 // The lattice build: every stored pattern learns the (item, position code)
 // pairs that extend it to a stored pattern one level up.
+#include <algorithm>
 #include <deque>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -15,8 +17,11 @@ namespace {
 
 // The sub-patterns of the patterns of one level, looked up in the level below
 // in batches: the tables are far larger than the caches, so one lookup at a
-// time would wait for its bucket, node, key and counter in turn, while a
-// batch lets those waits overlap (HashtableSQPair::getAll).
+// time would wait for its bucket, node and key in turn, while a batch lets
+// those waits overlap (HashtableSQPair::getAll). The links found are kept
+// until the level is done and then added parent by parent, in pair order:
+// each adjacency set is then filled at its end, without a search, and its
+// nodes lie together in memory for whoever walks it later (saving, queries).
 class SubPatternBatch {
  public:
   explicit SubPatternBatch(const HashtableSQPair& below) : below_(below) {}
@@ -27,7 +32,7 @@ class SubPatternBatch {
     if (n_ == static_cast<int>(scratch_.size())) {
       scratch_.emplace_back();
       keys_.push_back(nullptr);
-      links_.emplace_back();
+      pairs_.emplace_back();
       found_.push_back(nullptr);
     }
     NTSequence& sub = scratch_[n_];
@@ -36,42 +41,58 @@ class SubPatternBatch {
     if (pattern->size() > 32) sub = *pattern;
     const bool setGone = sub.removeItem(pos, pattern) == 1;
     keys_[n_] = &sub;
-    links_[n_] = {pattern->getItemInSet(j, s), setGone ? 2 * s + 1 : 2 * s};
+    pairs_[n_] = {pattern->getItemInSet(j, s), setGone ? 2 * s + 1 : 2 * s};
     ++n_;
   }
 
   bool full() const { return n_ >= kBatch; }
 
-  // Adds the queued links to the sub-patterns that are stored with a counter;
-  // pruned sub-patterns learn nothing.
+  // Looks the queued sub-patterns up and keeps the links of those stored
+  // with a counter; pruned sub-patterns learn nothing.
   void flush() {
     below_.getAll(keys_.data(), n_, found_.data());
     for (int i = 0; i < n_; ++i) {
       if (found_[i] != nullptr && found_[i]->value != nullptr) {
-        __builtin_prefetch(found_[i]->value);
-      }
-    }
-    for (int i = 0; i < n_; ++i) {
-      if (found_[i] != nullptr && found_[i]->value != nullptr) {
-        __builtin_prefetch(found_[i]->value->getAdjacentItems());
-      }
-    }
-    for (int i = 0; i < n_; ++i) {
-      if (found_[i] != nullptr && found_[i]->value != nullptr) {
-        found_[i]->value->addAdjacentItem(links_[i].first, links_[i].second);
+        links_.push_back(Link{found_[i]->value, pairs_[i]});
       }
     }
     n_ = 0;
   }
 
+  // Adds every link kept so far to its counter.
+  void link() {
+    flush();
+    std::sort(links_.begin(), links_.end(), [](const Link& a, const Link& b) {
+      if (a.counter != b.counter) {
+        return std::less<SequenceCounter*>()(a.counter, b.counter);
+      }
+      return a.pair < b.pair;
+    });
+    for (const Link& l : links_) {
+      SequenceCounter::AdjacencySet* set = l.counter->getAdjacentItems();
+      if (set != nullptr) {
+        set->emplace_hint(set->end(), l.pair);
+      } else {
+        l.counter->addAdjacentItem(l.pair.first, l.pair.second);
+      }
+    }
+    links_.clear();
+  }
+
  private:
+  struct Link {
+    SequenceCounter* counter;
+    std::pair<int, int> pair;
+  };
+
   static constexpr int kBatch = 64;
   const HashtableSQPair& below_;
   std::deque<NTSequence> scratch_;  // grows without moving its keys
   std::vector<const NTSequence*> keys_;
-  std::vector<std::pair<int, int>> links_;
+  std::vector<std::pair<int, int>> pairs_;
   std::vector<ISQCPair*> found_;
   int n_ = 0;
+  std::vector<Link> links_;
 };
 
 // Gives every counter of `level` a new empty adjacency set, then adds to each
@@ -96,7 +117,7 @@ void linkToLevelBelow(HashtableSQPair& level, const HashtableSQPair& below) {
     }
     if (batch.full()) batch.flush();
   }
-  batch.flush();
+  batch.link();
 }
 
 }  // namespace
