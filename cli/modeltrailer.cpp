@@ -178,20 +178,38 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
   }
 }
 
+// Eight bytes a step with eight tables ("slicing by 8"): the byte-wise loop
+// took a tenth of saving a large model.
 std::uint32_t crc32(const std::string& bytes) {
-  static const auto kTable = [] {
-    std::array<std::uint32_t, 256> table{};
+  static const auto kTables = [] {
+    std::array<std::array<std::uint32_t, 256>, 8> tables{};
     for (std::uint32_t n = 0; n < 256; ++n) {
       std::uint32_t c = n;
       for (int k = 0; k < 8; ++k) c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
-      table[n] = c;
+      tables[0][n] = c;
     }
-    return table;
+    for (std::uint32_t n = 0; n < 256; ++n) {
+      for (int t = 1; t < 8; ++t) {
+        const std::uint32_t previous = tables[t - 1][n];
+        tables[t][n] = tables[0][previous & 0xFF] ^ (previous >> 8);
+      }
+    }
+    return tables;
   }();
+  const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
+  std::size_t n = bytes.size();
   std::uint32_t crc = 0xFFFFFFFFu;
-  for (unsigned char byte : bytes) {
-    crc = kTable[(crc ^ byte) & 0xFF] ^ (crc >> 8);
+  for (; n >= 8; n -= 8, p += 8) {
+    const std::uint32_t low = crc ^ (static_cast<std::uint32_t>(p[0]) |
+                                     static_cast<std::uint32_t>(p[1]) << 8 |
+                                     static_cast<std::uint32_t>(p[2]) << 16 |
+                                     static_cast<std::uint32_t>(p[3]) << 24);
+    crc = kTables[7][low & 0xFF] ^ kTables[6][(low >> 8) & 0xFF] ^
+          kTables[5][(low >> 16) & 0xFF] ^ kTables[4][low >> 24] ^
+          kTables[3][p[4]] ^ kTables[2][p[5]] ^ kTables[1][p[6]] ^
+          kTables[0][p[7]];
   }
+  for (; n > 0; --n, ++p) crc = kTables[0][(crc ^ *p) & 0xFF] ^ (crc >> 8);
   return crc ^ 0xFFFFFFFFu;
 }
 
