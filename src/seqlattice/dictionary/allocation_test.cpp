@@ -3,20 +3,16 @@
 // the sets it replaces, and running out of memory is reported the way each
 // operation promises (single-pattern operations throw DictionaryFailure, bulk
 // ones return KvStatus(60000, false), the Find walks let std::bad_alloc pass).
-//
-// This file replaces the global allocation functions for the whole test
-// program, every variant on malloc/free so that allocations and releases
-// always pair up. They count while `counting` is set and fail once the budget
-// armed by FailingAllocations is spent.
+// The allocation functions are replaced by the test program
+// (allocation_hook.h).
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <new>
 #include <ostream>
 #include <set>
 #include <vector>
 
+#include "allocation_hook.h"
 #include "seqlattice/dictionary/dictionary_test_util.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/pattern/ntsequence.h"
@@ -26,36 +22,9 @@
 
 namespace {
 
-std::atomic<bool> counting{false};
-std::atomic<long> allocations{0};
-std::atomic<long> releases{0};
-// Number of allocations still allowed to succeed; negative: no limit.
-std::atomic<long> allocationsLeft{-1};
-
-void* allocate(std::size_t size) {
-  if (allocationsLeft == 0) throw std::bad_alloc();
-  if (allocationsLeft > 0) --allocationsLeft;
-  if (counting) ++allocations;
-  if (void* p = std::malloc(size != 0 ? size : 1)) return p;
-  throw std::bad_alloc();
-}
-
-void release(void* p) {
-  if (p != nullptr && counting) ++releases;
-  std::free(p);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* p) noexcept { release(p); }
-void operator delete[](void* p) noexcept { release(p); }
-void operator delete(void* p, std::size_t) noexcept { release(p); }
-void operator delete[](void* p, std::size_t) noexcept { release(p); }
-
-namespace {
-
+using allocation_hook::allocationsOf;
+using allocation_hook::FailingAllocations;
+using allocation_hook::netAllocationsOf;
 using dictionary_test::addPattern;
 using dictionary_test::Adjacency;
 using dictionary_test::adjacencyOf;
@@ -69,31 +38,6 @@ using SEQUENCE_NAMESPACE_800::Sequence;
 using SEQUENCE_NAMESPACE_800::SequenceCounter;
 using SEQUENCE_NAMESPACE_800::SequenceDictionary;
 using SEQUENCE_NAMESPACE_800::SeqExceptions::DictionaryFailure;
-
-// Allocations made by `work`, run with counting on.
-template <class Work>
-long allocationsOf(Work work) {
-  allocations = 0;
-  counting = true;
-  work();
-  counting = false;
-  return allocations;
-}
-
-// Allocations minus releases over `work`.
-template <class Work>
-long netAllocationsOf(Work work) {
-  releases = 0;
-  const long made = allocationsOf(work);
-  return made - releases;
-}
-
-// Arms the failure for the lifetime of the object.
-class FailingAllocations {
- public:
-  explicit FailingAllocations(long succeeding) { allocationsLeft = succeeding; }
-  ~FailingAllocations() { allocationsLeft = -1; }
-};
 
 // How an attempt under a limited allocation budget ended.
 enum class Outcome { kDone, kFailedStatus, kDictionaryFailure, kBadAlloc };

@@ -1,13 +1,11 @@
-// Makes the global allocation functions fail on demand, to check how the store
-// reports running out of memory. Every variant the tests' code may reach is
-// replaced, all on malloc/free, so that allocations and releases always pair
-// up (also under AddressSanitizer, whose own versions are displaced).
+// How the store reports running out of memory and what it releases, with the
+// allocation functions replaced by the test program (allocation_hook.h).
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
 #include <vector>
 
+#include "allocation_hook.h"
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
@@ -16,43 +14,8 @@
 
 namespace {
 
-// Number of allocations still allowed to succeed; negative: no limit.
-long allocationsLeft = -1;
-// Blocks allocated and not yet released, to see what an operation frees.
-long liveBlocks = 0;
-
-void* allocate(std::size_t size) {
-  if (allocationsLeft == 0) throw std::bad_alloc();
-  if (allocationsLeft > 0) --allocationsLeft;
-  void* p = std::malloc(size == 0 ? 1 : size);
-  if (p == nullptr) throw std::bad_alloc();
-  ++liveBlocks;
-  return p;
-}
-
-void release(void* p) {
-  if (p != nullptr) --liveBlocks;
-  std::free(p);
-}
-
-// Arms the failure for the lifetime of the object.
-class FailingAllocations {
- public:
-  explicit FailingAllocations(long succeeding) { allocationsLeft = succeeding; }
-  ~FailingAllocations() { allocationsLeft = -1; }
-};
-
-}  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* p) noexcept { release(p); }
-void operator delete[](void* p) noexcept { release(p); }
-void operator delete(void* p, std::size_t) noexcept { release(p); }
-void operator delete[](void* p, std::size_t) noexcept { release(p); }
-
-namespace {
-
+using allocation_hook::FailingAllocations;
+using allocation_hook::liveBlocks;
 using SEQUENCE_NAMESPACE_800::HashtableSQPair;
 using SEQUENCE_NAMESPACE_800::NTSequence;
 using SEQUENCE_NAMESPACE_800::SequenceCounter;
@@ -93,15 +56,15 @@ TEST(AllocationFailureTest, ReplacedAdjacencySetIsReleased) {
   for (int item = 1; item <= 3; ++item) counter.addAdjacentItem(item, 1);
   SequenceCounter::AdjacencySet* fresh = new SequenceCounter::AdjacencySet();
   // The counts are read right after each call, before any assertion runs.
-  const long before = liveBlocks;
+  const long before = liveBlocks();
   counter.setAdjacentItems(fresh);
-  const long afterReplacing = liveBlocks;
+  const long afterReplacing = liveBlocks();
   counter.setAdjacentItems(fresh);  // the held set again: nothing freed
-  const long afterSameSet = liveBlocks;
+  const long afterSameSet = liveBlocks();
   counter.addAdjacentItem(5, 2);
-  const long withOnePair = liveBlocks;
+  const long withOnePair = liveBlocks();
   counter.setAdjacentItems(nullptr);
-  const long afterNull = liveBlocks;
+  const long afterNull = liveBlocks();
 
   EXPECT_EQ(afterReplacing, before - 4);
   EXPECT_EQ(afterSameSet, afterReplacing);
