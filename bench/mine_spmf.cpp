@@ -11,12 +11,14 @@
 #include <string>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/input/inputerror.h"
+#include "seqlattice/input/spmfreader.h"
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
-#include "seqlattice/mining/spmfreader.h"
 
+namespace input = SEQUENCE_NAMESPACE_800::input;
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
 
 namespace {
@@ -55,7 +57,7 @@ int main(int argc, char** argv) {
     auto start = std::chrono::steady_clock::now();
     mining::SequenceDatabase db;
     db.setMemoryLimit(available / 3);
-    mining::readSpmfFile(argv[1], db);
+    input::readSpmfFile(argv[1], db);
     double readMs = millisecondsSince(start);
 
     start = std::chrono::steady_clock::now();
@@ -73,6 +75,9 @@ int main(int argc, char** argv) {
               << summary.patterns << ' ' << summary.longestPattern << ' '
               << static_cast<long>(readMs) << ' ' << static_cast<long>(mineMs)
               << '\n';
+  } catch (const input::InputError& e) {
+    std::cerr << "mine_spmf: " << e.what() << '\n';
+    return 1;
   } catch (const mining::MiningError& e) {
     std::cerr << "mine_spmf: " << e.what() << '\n';
     return 1;

@@ -48,7 +48,7 @@ std::string escaped(const std::string& text) {
 
 std::vector<Node> mostFrequent(
     SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
-    const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels, int top) {
+    const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels, int top) {
   std::vector<Node> nodes;
   std::vector<const Sequence*> patterns;
   for (int k = 1; k <= dict.LargestSequence(); ++k) {
@@ -76,7 +76,7 @@ std::vector<Node> mostFrequent(
 
 void writeDotGraph(std::ostream& out,
                    SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
-                   const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels,
+                   const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels,
                    int top) {
   std::vector<Node> nodes = mostFrequent(dict, labels, top);
   std::map<Key, std::size_t> index;

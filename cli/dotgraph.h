@@ -9,13 +9,13 @@
 #include <ostream>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
-#include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/input/itemlabels.h"
 
 namespace seqlattice_cli {
 
 void writeDotGraph(std::ostream& out,
                    SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
-                   const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels,
+                   const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels,
                    int top);
 
 }  // namespace seqlattice_cli

@@ -1,12 +1,13 @@
 #include "inputlog.h"
 
+#include "seqlattice/input/spmfreader.h"
 #include "seqlattice/mining/memorybudget.h"
-#include "seqlattice/mining/spmfreader.h"
 
 namespace seqlattice_cli {
 
 namespace {
 
+namespace input = SEQUENCE_NAMESPACE_800::input;
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
 
 bool endsWith(const std::string& text, const std::string& suffix) {
@@ -68,28 +69,28 @@ std::string inputFormat(const std::string& path, const InputOptions& options) {
   return endsWith(path, ".txt") || endsWith(path, ".spmf") ? "spmf" : "csv";
 }
 
-mining::LabelledDatabase loadInput(
+input::LabelledDatabase loadInput(
     const std::string& path, const InputOptions& options,
     const std::function<int(const std::string&)>& itemCode) {
   // A database that does not fit is refused with a message, not killed.
   std::size_t memoryLimit = mining::availableMemoryBytes() / 2;
   if (inputFormat(path, options) == "spmf") {
-    mining::LabelledDatabase result;
+    input::LabelledDatabase result;
     result.database.setMemoryLimit(memoryLimit);
-    mining::readSpmfFile(path, result.database);
+    input::readSpmfFile(path, result.database);
     for (std::size_t c = 0; c < result.database.customerCount(); ++c) {
       result.customers.push_back(std::to_string(c + 1));
     }
     return result;
   }
-  mining::CsvOptions csv;
+  input::CsvOptions csv;
   csv.customerColumn = options.customerColumn;
   csv.timeColumn = options.timeColumn;
   csv.itemColumn = options.itemColumn;
   csv.delimiter = delimiterFor(path, options);
   csv.memoryLimit = memoryLimit;
   csv.itemCode = itemCode;
-  return mining::readCsvFile(path, csv);
+  return input::readCsvFile(path, csv);
 }
 
 }  // namespace seqlattice_cli

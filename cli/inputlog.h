@@ -12,7 +12,7 @@
 #include <functional>
 #include <string>
 
-#include "seqlattice/mining/csvreader.h"
+#include "seqlattice/input/csvreader.h"
 
 namespace seqlattice_cli {
 
@@ -34,7 +34,7 @@ std::string inputFormat(const std::string& path, const InputOptions& options);
 
 // Reads the file. itemCode, when set, codes CSV item labels (see
 // CsvOptions::itemCode); SPMF items are their own codes.
-SEQUENCE_NAMESPACE_800::mining::LabelledDatabase loadInput(
+SEQUENCE_NAMESPACE_800::input::LabelledDatabase loadInput(
     const std::string& path, const InputOptions& options,
     const std::function<int(const std::string&)>& itemCode = {});
 

@@ -8,6 +8,7 @@
 
 #include "clierror.h"
 #include "command.h"
+#include "seqlattice/input/inputerror.h"
 #include "seqlattice/mining/miningerror.h"
 
 namespace {
@@ -82,6 +83,9 @@ int main(int argc, char** argv) {
       std::cerr << "Run with --help for more information.\n";
     }
     return e.exitCode();
+  } catch (const SEQUENCE_NAMESPACE_800::input::InputError& e) {
+    std::cerr << "seqlattice: " << e.what() << "\n";
+    return seqlattice_cli::kExitBadInput;
   } catch (const SEQUENCE_NAMESPACE_800::mining::MiningError& e) {
     std::cerr << "seqlattice: " << e.what() << "\n";
     return seqlattice_cli::kExitBadInput;

@@ -69,7 +69,8 @@ void runMine(const MineOptions& options) {
 
   Progress progress;
   progress.note("reading " + options.input + " ...");
-  mining::LabelledDatabase log = loadInput(options.input, options.inputOptions);
+  SEQUENCE_NAMESPACE_800::input::LabelledDatabase log =
+      loadInput(options.input, options.inputOptions);
   const mining::SequenceDatabase& db = log.database;
   if (db.customerCount() == 0) failInput(options.input + ": no customers");
   describeDatabase(db, &parameters);

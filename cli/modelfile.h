@@ -18,7 +18,7 @@
 #include <string>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
-#include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/input/itemlabels.h"
 
 namespace seqlattice_cli {
 
@@ -44,7 +44,7 @@ struct MiningParameters {
 
 struct Model {
   std::unique_ptr<SEQUENCE_NAMESPACE_800::SequenceDictionary> dictionary;
-  SEQUENCE_NAMESPACE_800::mining::ItemLabels items;
+  SEQUENCE_NAMESPACE_800::input::ItemLabels items;
   MiningParameters mining;
   bool xml = false;  // the form it was loaded from
 };

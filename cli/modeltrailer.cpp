@@ -169,7 +169,7 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
     }
     if (!r.atEnd()) throw std::runtime_error("extra bytes");
     model->items =
-        SEQUENCE_NAMESPACE_800::mining::ItemLabels::fromStringLabels(labels);
+        SEQUENCE_NAMESPACE_800::input::ItemLabels::fromStringLabels(labels);
     return checksum;
   } catch (const CliError&) {
     throw;

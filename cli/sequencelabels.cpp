@@ -26,7 +26,7 @@ int unknownItemCode(const SEQUENCE_NAMESPACE_800::SequenceDictionary& dict) {
 }
 
 Sequence makeSequence(const LabelSets& sets,
-                      const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels,
+                      const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels,
                       int unknownCode, std::vector<std::string>* unknown) {
   Sequence sequence(static_cast<int>(sets.size()));
   double time = 0;
@@ -43,7 +43,7 @@ Sequence makeSequence(const LabelSets& sets,
 }
 
 Json sequenceCell(const Sequence& sequence,
-                  const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels) {
+                  const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels) {
   Json sets = Json::array();
   for (int s = 0; s < sequence.Length(); ++s) {
     Json set = Json::array();

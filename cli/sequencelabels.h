@@ -13,7 +13,7 @@
 #include "itemsyntax.h"
 #include "output.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
-#include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/input/itemlabels.h"
 #include "seqlattice/sequence/sequence.h"
 
 namespace seqlattice_cli {
@@ -24,12 +24,12 @@ int unknownItemCode(const SEQUENCE_NAMESPACE_800::SequenceDictionary& dict);
 // code become unknownCode and are appended to *unknown when it is not null.
 SEQUENCE_NAMESPACE_800::Sequence makeSequence(
     const LabelSets& sets,
-    const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels, int unknownCode,
+    const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels, int unknownCode,
     std::vector<std::string>* unknown);
 
 // The sequence's item sets as arrays of labels, for a result table.
 Json sequenceCell(const SEQUENCE_NAMESPACE_800::Sequence& sequence,
-                  const SEQUENCE_NAMESPACE_800::mining::ItemLabels& labels);
+                  const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels);
 
 }  // namespace seqlattice_cli
 

@@ -20,17 +20,20 @@
 #include "seqlattice/export/collectitems.h"
 #include "seqlattice/export/seqxmltags.h"
 
+// reading transaction logs
+#include "seqlattice/input/csvreader.h"
+#include "seqlattice/input/csvrecords.h"
+#include "seqlattice/input/inputerror.h"
+#include "seqlattice/input/itemlabels.h"
+#include "seqlattice/input/spmfreader.h"
+#include "seqlattice/input/timeparse.h"
+
 // mining
-#include "seqlattice/mining/csvreader.h"
-#include "seqlattice/mining/csvrecords.h"
 #include "seqlattice/mining/dictionaryfiller.h"
-#include "seqlattice/mining/itemlabels.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/sequencedatabase.h"
-#include "seqlattice/mining/spmfreader.h"
-#include "seqlattice/mining/timeparse.h"
 
 // rules and predictions
 #include "seqlattice/rules/seqassociationrule.h"

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "seqlattice/input/spmfreader.h"
 #include "seqlattice/mining/miningerror.h"
-#include "seqlattice/mining/spmfreader.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
@@ -272,7 +272,7 @@ TEST(SequenceMinerTest, EmptyDatabaseHasNoPatterns) {
 
 TEST(SequenceMinerTest, FixtureAtHalfSupport) {
   SequenceDatabase db;
-  readSpmfFile(SEQLATTICE_SOURCE_DIR "/tests/data/mining/small.txt", db);
+  input::readSpmfFile(SEQLATTICE_SOURCE_DIR "/tests/data/mining/small.txt", db);
   std::vector<Customer> customers;
   for (std::size_t c = 0; c < db.customerCount(); ++c) {
     Customer customer;

@@ -1,7 +1,8 @@
 // MiningError is the one exception type of the mining subsystem: a database
-// that breaks the builder's rules, a malformed input line, or a database or
-// search that would not fit in the memory budget. what() is a complete,
-// human-readable message; readers prefix it with "file:line: ".
+// built against the builder's rules, options the miner cannot use, or a
+// database, search or model that would not fit in the memory budget. what()
+// is a complete, human-readable message. Text that breaks a file's format is
+// the input subsystem's InputError, never a MiningError.
 #ifndef SEQLATTICE_MINING_MININGERROR_H_
 #define SEQLATTICE_MINING_MININGERROR_H_
 

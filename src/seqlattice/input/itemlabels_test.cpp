@@ -1,4 +1,4 @@
-#include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/input/itemlabels.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,10 @@
 #include <utility>
 #include <vector>
 
+namespace SEQUENCE_NAMESPACE_800 {
+namespace input {
 namespace {
 
-using SEQUENCE_NAMESPACE_800::mining::ItemLabels;
 using Pairs = std::vector<std::pair<int, std::string>>;
 
 TEST(ItemLabelsTest, NumericLabelsKeepTheirValue) {
@@ -93,3 +94,5 @@ TEST(ItemLabelsTest, RejectsInconsistentStringLabels) {
 }
 
 }  // namespace
+}  // namespace input
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -1,13 +1,13 @@
-#include "seqlattice/mining/timeparse.h"
+#include "seqlattice/input/timeparse.h"
 
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
 
+namespace SEQUENCE_NAMESPACE_800 {
+namespace input {
 namespace {
-
-using SEQUENCE_NAMESPACE_800::mining::parseTransactionTime;
 
 double value(const std::string& text) {
   auto time = parseTransactionTime(text);
@@ -81,3 +81,5 @@ TEST(TimeParseTest, RejectsMalformedTimes) {
 }
 
 }  // namespace
+}  // namespace input
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -10,8 +10,8 @@
 //
 // Only string labels are stored; the label of any other code is its decimal
 // text. An ItemLabels is a plain value, not safe to modify from two threads.
-#ifndef SEQLATTICE_MINING_ITEMLABELS_H_
-#define SEQLATTICE_MINING_ITEMLABELS_H_
+#ifndef SEQLATTICE_INPUT_ITEMLABELS_H_
+#define SEQLATTICE_INPUT_ITEMLABELS_H_
 
 #include <map>
 #include <optional>
@@ -21,7 +21,7 @@
 #include <vector>
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 class ItemLabels {
  public:
@@ -56,7 +56,7 @@ class ItemLabels {
   std::map<std::string, int, std::less<>> codeByLabel_;
 };
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800
 
-#endif  // SEQLATTICE_MINING_ITEMLABELS_H_
+#endif  // SEQLATTICE_INPUT_ITEMLABELS_H_

@@ -4,14 +4,14 @@
 // and date-time rows of one file compare correctly; numbers stay as they are.
 // A file mixing numbers and dates cannot be ordered, so the kind is returned
 // for the reader to check.
-#ifndef SEQLATTICE_MINING_TIMEPARSE_H_
-#define SEQLATTICE_MINING_TIMEPARSE_H_
+#ifndef SEQLATTICE_INPUT_TIMEPARSE_H_
+#define SEQLATTICE_INPUT_TIMEPARSE_H_
 
 #include <optional>
 #include <string_view>
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 struct TransactionTime {
   double value;  // the number, or seconds since the epoch for a date
@@ -25,7 +25,7 @@ struct TransactionTime {
 // including impossible dates such as 2023-02-29.
 std::optional<TransactionTime> parseTransactionTime(std::string_view text);
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800
 
-#endif  // SEQLATTICE_MINING_TIMEPARSE_H_
+#endif  // SEQLATTICE_INPUT_TIMEPARSE_H_

@@ -1,4 +1,4 @@
-#include "seqlattice/mining/csvrecords.h"
+#include "seqlattice/input/csvrecords.h"
 
 #include <gtest/gtest.h>
 
@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/input/inputerror.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+namespace input {
 namespace {
 
-using SEQUENCE_NAMESPACE_800::mining::CsvRecords;
-using SEQUENCE_NAMESPACE_800::mining::MiningError;
 using Records = std::vector<std::vector<std::string>>;
 
 // All records of text, each with the line it starts on.
@@ -31,7 +31,7 @@ Records readAll(const std::string& text, char delimiter = ',',
 std::string errorOf(const std::string& text) {
   try {
     readAll(text);
-  } catch (const MiningError& error) {
+  } catch (const InputError& error) {
     return error.what();
   }
   return "no error";
@@ -105,3 +105,5 @@ TEST(CsvRecordsTest, EmptyInputHasNoRecords) {
 }
 
 }  // namespace
+}  // namespace input
+}  // namespace SEQUENCE_NAMESPACE_800

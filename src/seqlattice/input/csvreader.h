@@ -9,10 +9,11 @@
 // (timeparse.h), not both in one file. Item labels become codes as ItemLabels
 // assigns them. The record syntax is CsvRecords'.
 //
-// Bad input throws MiningError with a message naming the file, the line and
-// the problem, as in "orders.csv:17: expected 3 columns, found 2".
-#ifndef SEQLATTICE_MINING_CSVREADER_H_
-#define SEQLATTICE_MINING_CSVREADER_H_
+// Bad input throws InputError naming the file, the line and the problem, as
+// in "orders.csv:17: expected 3 columns, found 2". A database that outgrows
+// CsvOptions::memoryLimit throws the database's mining::MiningError.
+#ifndef SEQLATTICE_INPUT_CSVREADER_H_
+#define SEQLATTICE_INPUT_CSVREADER_H_
 
 #include <cstddef>
 #include <functional>
@@ -20,11 +21,11 @@
 #include <string>
 #include <vector>
 
-#include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/input/itemlabels.h"
 #include "seqlattice/mining/sequencedatabase.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 struct CsvOptions {
   std::string customerColumn = "customer";
@@ -40,7 +41,7 @@ struct CsvOptions {
 
 // A customer database with the labels of its customers and items.
 struct LabelledDatabase {
-  SequenceDatabase database;
+  mining::SequenceDatabase database;
   std::vector<std::string> customers;  // label of customer c of database
   ItemLabels items;
 };
@@ -54,7 +55,7 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
 LabelledDatabase readCsvFile(const std::string& path,
                              const CsvOptions& options);
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800
 
-#endif  // SEQLATTICE_MINING_CSVREADER_H_
+#endif  // SEQLATTICE_INPUT_CSVREADER_H_

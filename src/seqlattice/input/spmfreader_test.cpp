@@ -1,4 +1,4 @@
-#include "seqlattice/mining/spmfreader.h"
+#include "seqlattice/input/spmfreader.h"
 
 #include <gtest/gtest.h>
 
@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/input/inputerror.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 namespace {
 
 // Each customer as "t:items;t:items" for compact comparisons.
-std::string describe(const SequenceDatabase& db) {
+std::string describe(const mining::SequenceDatabase& db) {
   std::ostringstream out;
   for (std::size_t c = 0; c < db.customerCount(); ++c) {
     if (c > 0) out << " | ";
@@ -30,19 +30,19 @@ std::string describe(const SequenceDatabase& db) {
   return out.str();
 }
 
-SequenceDatabase read(const std::string& text) {
+mining::SequenceDatabase read(const std::string& text) {
   std::istringstream in(text);
-  SequenceDatabase db;
+  mining::SequenceDatabase db;
   readSpmf(in, "data.txt", db);
   return db;
 }
 
-// The message of the MiningError that reading throws, or "no error".
+// The message of the InputError that reading throws, or "no error".
 template <class Read>
 std::string errorFrom(const Read& readIt) {
   try {
     readIt();
-  } catch (const MiningError& e) {
+  } catch (const InputError& e) {
     return e.what();
   }
   return "no error";
@@ -53,14 +53,14 @@ std::string errorOf(const std::string& text) {
 }
 
 TEST(SpmfReaderTest, ReadsItemSetsInOrderWithIndexTimes) {
-  SequenceDatabase db = read("1 -1 3 2 3 -1 -2\n7 -1 -2\n");
+  mining::SequenceDatabase db = read("1 -1 3 2 3 -1 -2\n7 -1 -2\n");
   EXPECT_EQ(describe(db), "0:1;1:2,3 | 0:7");
   EXPECT_EQ(db.customerCount(), 2u);
   EXPECT_EQ(db.transactionCount(), 3u);
 }
 
 TEST(SpmfReaderTest, SkipsCommentsBlankLinesAndCarriageReturns) {
-  SequenceDatabase db = read(
+  mining::SequenceDatabase db = read(
       "@CONVERTED_FROM_TEXT\r\n# comment\n% other comment\n\n   \t\n"
       "1 -1 2 -1 -2\r\n\t5  6 -1 -2   \r\n-2\n");
   EXPECT_EQ(describe(db), "0:1;1:2 | 0:5,6 | ");
@@ -92,7 +92,7 @@ TEST(SpmfReaderTest, ReadsAFileAndNamesItInErrors) {
     std::ofstream out(path);
     out << "1 2 -1 3 -1 -2\n2 -1 -2\n3 -1 x\n";
   }
-  SequenceDatabase db;
+  mining::SequenceDatabase db;
   EXPECT_EQ(errorFrom([&]() { readSpmfFile(path, db); }),
             path + ":3: expected an item, -1 or -2, found 'x'");
   EXPECT_EQ(db.customerCount(), 2u);
@@ -100,13 +100,13 @@ TEST(SpmfReaderTest, ReadsAFileAndNamesItInErrors) {
 }
 
 TEST(SpmfReaderTest, MissingFileIsReported) {
-  SequenceDatabase db;
+  mining::SequenceDatabase db;
   EXPECT_EQ(errorFrom([&]() { readSpmfFile("/nonexistent/seq.txt", db); }),
             "/nonexistent/seq.txt: cannot open file");
 }
 
 TEST(SpmfReaderTest, FixtureFileMinesAsExpected) {
-  SequenceDatabase db;
+  mining::SequenceDatabase db;
   readSpmfFile(SEQLATTICE_SOURCE_DIR "/tests/data/mining/small.txt", db);
   EXPECT_EQ(db.customerCount(), 4u);
   EXPECT_EQ(describe(db),
@@ -115,5 +115,5 @@ TEST(SpmfReaderTest, FixtureFileMinesAsExpected) {
 }
 
 }  // namespace
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800

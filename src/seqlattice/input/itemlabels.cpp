@@ -1,11 +1,11 @@
-#include "seqlattice/mining/itemlabels.h"
+#include "seqlattice/input/itemlabels.h"
 
 #include <climits>
 #include <set>
 #include <stdexcept>
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 bool ItemLabels::parseNumeric(std::string_view text, int* value) {
   bool negative = !text.empty() && text.front() == '-';
@@ -91,5 +91,5 @@ std::vector<std::pair<int, std::string>> ItemLabels::stringLabels() const {
   return {labelByCode_.begin(), labelByCode_.end()};
 }
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800

@@ -1,4 +1,4 @@
-#include "seqlattice/mining/csvreader.h"
+#include "seqlattice/input/csvreader.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -8,19 +8,18 @@
 #include <unordered_map>
 #include <utility>
 
-#include "seqlattice/mining/csvrecords.h"
-#include "seqlattice/mining/miningerror.h"
-#include "seqlattice/mining/timeparse.h"
+#include "seqlattice/input/csvrecords.h"
+#include "seqlattice/input/inputerror.h"
+#include "seqlattice/input/timeparse.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 namespace {
 
 [[noreturn]] void fail(const std::string& file, long line,
                        const std::string& problem) {
-  throw MiningError(file + (line > 0 ? ":" + std::to_string(line) : "") + ": " +
-                    problem);
+  throw InputError(file, line, problem);
 }
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
@@ -154,7 +153,7 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
     order[fill[rows[r].customer]++] = static_cast<std::uint32_t>(r);
   }
 
-  SequenceDatabase& database = result.database;
+  mining::SequenceDatabase& database = result.database;
   database.setMemoryLimit(options.memoryLimit);
   for (std::size_t c = 0; c < customerCount; ++c) {
     database.beginCustomer();
@@ -175,5 +174,5 @@ LabelledDatabase readCsvFile(const std::string& path,
   return readCsv(in, path, options);
 }
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800

@@ -1,4 +1,4 @@
-#include "seqlattice/mining/spmfreader.h"
+#include "seqlattice/input/spmfreader.h"
 
 #include <cerrno>
 #include <climits>
@@ -6,10 +6,10 @@
 #include <fstream>
 #include <vector>
 
-#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/input/inputerror.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 namespace {
 
@@ -18,7 +18,8 @@ bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 // Parses one sequence line into the database as one customer.
 class LineParser {
  public:
-  LineParser(const std::string& name, long lineNumber, SequenceDatabase& db)
+  LineParser(const std::string& name, long lineNumber,
+             mining::SequenceDatabase& db)
       : name_(name), lineNumber_(lineNumber), db_(db) {}
 
   void parse(const std::string& line) {
@@ -66,13 +67,12 @@ class LineParser {
   }
 
   [[noreturn]] void fail(const std::string& problem) const {
-    throw MiningError(name_ + ":" + std::to_string(lineNumber_) + ": " +
-                      problem);
+    throw InputError(name_, lineNumber_, problem);
   }
 
   const std::string& name_;
   long lineNumber_;
-  SequenceDatabase& db_;
+  mining::SequenceDatabase& db_;
   std::vector<int> itemSet_;
   long setIndex_ = 0;
 };
@@ -87,7 +87,8 @@ bool isSkipped(const std::string& line) {
 
 }  // namespace
 
-void readSpmf(std::istream& in, const std::string& name, SequenceDatabase& db) {
+void readSpmf(std::istream& in, const std::string& name,
+              mining::SequenceDatabase& db) {
   std::string line;
   long lineNumber = 0;
   while (std::getline(in, line)) {
@@ -95,14 +96,14 @@ void readSpmf(std::istream& in, const std::string& name, SequenceDatabase& db) {
     if (isSkipped(line)) continue;
     LineParser(name, lineNumber, db).parse(line);
   }
-  if (in.bad()) throw MiningError(name + ": read error");
+  if (in.bad()) throw InputError(name, 0, "read error");
 }
 
-void readSpmfFile(const std::string& path, SequenceDatabase& db) {
+void readSpmfFile(const std::string& path, mining::SequenceDatabase& db) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw MiningError(path + ": cannot open file");
+  if (!in) throw InputError(path, 0, "cannot open file");
   readSpmf(in, path, db);
 }
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800

@@ -4,12 +4,13 @@
 // line as their time. Blank lines and lines starting with '@' (metadata), '#'
 // or '%' (comments) are skipped; a CR before the line end is ignored.
 //
-// A malformed line throws MiningError naming the source and the line:
+// A malformed line throws InputError naming the source and the line:
 // "data.txt:17: expected -2 at end of sequence". The database is then left
 // with the customers read before that line (and the failing one still open),
-// so a caller should discard it.
-#ifndef SEQLATTICE_MINING_SPMFREADER_H_
-#define SEQLATTICE_MINING_SPMFREADER_H_
+// so a caller should discard it. A database that outgrows its memory limit
+// throws its mining::MiningError.
+#ifndef SEQLATTICE_INPUT_SPMFREADER_H_
+#define SEQLATTICE_INPUT_SPMFREADER_H_
 
 #include <istream>
 #include <string>
@@ -17,16 +18,17 @@
 #include "seqlattice/mining/sequencedatabase.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 // Appends every sequence of `in` to `db`; `name` prefixes error messages.
-void readSpmf(std::istream& in, const std::string& name, SequenceDatabase& db);
+void readSpmf(std::istream& in, const std::string& name,
+              mining::SequenceDatabase& db);
 
 // Opens `path` ("path: cannot open file" when it cannot) and reads it, with
 // the path as the name in messages.
-void readSpmfFile(const std::string& path, SequenceDatabase& db);
+void readSpmfFile(const std::string& path, mining::SequenceDatabase& db);
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800
 
-#endif  // SEQLATTICE_MINING_SPMFREADER_H_
+#endif  // SEQLATTICE_INPUT_SPMFREADER_H_

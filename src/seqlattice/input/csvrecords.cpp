@@ -1,11 +1,11 @@
-#include "seqlattice/mining/csvrecords.h"
+#include "seqlattice/input/csvrecords.h"
 
 #include <utility>
 
-#include "seqlattice/mining/miningerror.h"
+#include "seqlattice/input/inputerror.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 namespace {
 
@@ -26,7 +26,7 @@ CsvRecords::CsvRecords(std::istream& in, std::string fileName, char delimiter)
     : in_(in), fileName_(std::move(fileName)), delimiter_(delimiter) {}
 
 void CsvRecords::fail(long line, const std::string& problem) const {
-  throw MiningError(fileName_ + ":" + std::to_string(line) + ": " + problem);
+  throw InputError(fileName_, line, problem);
 }
 
 bool CsvRecords::readLine() {
@@ -91,5 +91,5 @@ bool CsvRecords::next(std::vector<std::string>& fields) {
   }
 }
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800

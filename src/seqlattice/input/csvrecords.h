@@ -8,23 +8,23 @@
 // and blank lines are skipped wherever they are.
 //
 // The reader borrows the stream, which must outlive it. Not thread-safe.
-#ifndef SEQLATTICE_MINING_CSVRECORDS_H_
-#define SEQLATTICE_MINING_CSVRECORDS_H_
+#ifndef SEQLATTICE_INPUT_CSVRECORDS_H_
+#define SEQLATTICE_INPUT_CSVRECORDS_H_
 
 #include <istream>
 #include <string>
 #include <vector>
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 class CsvRecords {
  public:
-  // fileName only labels the messages of the MiningError it throws.
+  // fileName only labels the messages of the InputError it throws.
   CsvRecords(std::istream& in, std::string fileName, char delimiter);
 
   // Reads the next record into fields (replacing what they held); false at
-  // the end of the input. Throws MiningError for an unterminated quote or
+  // the end of the input. Throws InputError for an unterminated quote or
   // text after a closing quote, and when the stream fails to read.
   bool next(std::vector<std::string>& fields);
 
@@ -45,7 +45,7 @@ class CsvRecords {
   long recordLine_ = 0;
 };
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800
 
-#endif  // SEQLATTICE_MINING_CSVRECORDS_H_
+#endif  // SEQLATTICE_INPUT_CSVRECORDS_H_

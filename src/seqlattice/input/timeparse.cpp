@@ -1,11 +1,11 @@
-#include "seqlattice/mining/timeparse.h"
+#include "seqlattice/input/timeparse.h"
 
 #include <cmath>
 #include <cstdlib>
 #include <string>
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace mining {
+namespace input {
 
 namespace {
 
@@ -132,5 +132,5 @@ std::optional<TransactionTime> parseTransactionTime(std::string_view text) {
   return std::nullopt;
 }
 
-}  // namespace mining
+}  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800
