@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "seqlattice/mining/mining_test_util.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
@@ -14,17 +15,8 @@ namespace {
 
 // Customers 0..3: <(1 2), 3>, <1, 3>, <2>, <(1 2), 3, 1>.
 SequenceDatabase sampleDatabase() {
-  SequenceDatabase db;
-  std::vector<std::vector<std::vector<int>>> customers = {
-      {{1, 2}, {3}}, {{1}, {3}}, {{2}}, {{1, 2}, {3}, {1}}};
-  for (const auto& customer : customers) {
-    db.beginCustomer();
-    for (std::size_t t = 0; t < customer.size(); ++t) {
-      db.addTransaction(static_cast<double>(t), customer[t]);
-    }
-    db.endCustomer();
-  }
-  return db;
+  return test::makeDatabase(
+      {{{1, 2}, {3}}, {{1}, {3}}, {{2}}, {{1, 2}, {3}, {1}}});
 }
 
 SequenceCounter* counterOf(SequenceDictionary& dictionary,

@@ -1,19 +1,40 @@
 #include "seqlattice/mining/miner.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <cstdint>
-#include <exception>
 #include <functional>
 #include <iterator>
-#include <mutex>
 #include <thread>
 #include <utility>
 
-#include "seqlattice/mining/internal/outputqueue.h"
+#include "seqlattice/mining/internal/orderedtasks.h"
+#include "seqlattice/mining/internal/patternemitter.h"
+#include "seqlattice/mining/internal/workdatabase.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
+
+// A map of the search (miner.h says what it finds):
+//
+//   work database   internal::buildWorkDatabase keeps the frequent items,
+//                   renumbered, and each customer's last occurrences
+//   roots           buildRoots: per item the projection of every
+//                   transaction holding it (ProjectionStore)
+//   1 item          emitted straight from the work database
+//   2 items         a task per item: Worker::expand counts its extensions
+//                   without descending; they are the only candidates of
+//                   the deeper patterns that begin with the item
+//   3 items and up  a task per frequent two-item pattern, most frequent
+//                   first: Worker::expandPair joins the two roots'
+//                   projections (joinRoots), then Worker::expand goes depth
+//                   first: count -> collect -> emit -> build -> recurse
+//   output          workers append pattern records (PatternEmitter's form)
+//                   to their buffer; internal::runOrderedTasks hands the
+//                   buffers, in task order, to the calling thread, where
+//                   PatternEmitter feeds the sink
+//
+// The kernel (projections, counting, the Worker) is here; the task driver,
+// the emitter and the work database are in internal/.
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
@@ -47,110 +68,6 @@ long MinSupport::countFor(std::size_t customers) const {
 namespace {
 
 using u32 = std::uint32_t;
-
-// Task outputs pass to the sink in chunks of about this many ints (1 MB) ...
-constexpr std::size_t kChunkInts = std::size_t{1} << 18;
-// ... and workers running ahead of the sink hold at most about this many.
-constexpr std::size_t kBufferedInts = std::size_t{4} << 20;
-
-// The database restricted to frequent items, renumbered 0 .. F-1 in
-// ascending order of their values (so ascending codes are ascending items),
-// without empty transactions and without customers left empty.
-struct WorkDatabase {
-  std::vector<u32> items;
-  std::vector<u32> transactionStart{0};
-  std::vector<u32> customerStart{0};
-  std::vector<u32> customerId;  // original customer index
-  std::vector<int> itemValue;   // code -> item
-  std::vector<u32> support;     // per code
-  std::vector<u32> firstCustomer;
-  std::size_t longestCustomer = 0;  // most items of one customer
-  bool multiItemSets = false;       // some transaction has two items
-  // Per customer its distinct items by last occurrence, latest first: the
-  // items after transaction f are the prefix with lastTransaction > f.
-  std::vector<u32> lastStart{0};
-  std::vector<u32> lastTransaction, lastItem;
-
-  std::size_t itemCount() const { return itemValue.size(); }
-};
-
-void buildLastOccurrences(WorkDatabase& work) {
-  std::vector<u32> seen(work.itemCount(), UINT32_MAX);
-  for (u32 c = 0; c + 1 < work.customerStart.size(); ++c) {
-    for (u32 t = work.customerStart[c + 1]; t-- > work.customerStart[c];) {
-      u32 begin = work.transactionStart[t], end = work.transactionStart[t + 1];
-      if (end - begin > 1) work.multiItemSets = true;
-      for (u32 k = begin; k < end; ++k) {
-        u32 x = work.items[k];
-        if (seen[x] == c) continue;
-        seen[x] = c;
-        work.lastTransaction.push_back(t);
-        work.lastItem.push_back(x);
-      }
-    }
-    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
-  }
-}
-
-WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
-  const std::vector<int>& raw = db.items();
-  std::vector<int> values(raw);
-  std::sort(values.begin(), values.end());
-  values.erase(std::unique(values.begin(), values.end()), values.end());
-  std::vector<u32> code(raw.size());
-  for (std::size_t k = 0; k < raw.size(); ++k) {
-    code[k] = static_cast<u32>(
-        std::lower_bound(values.begin(), values.end(), raw[k]) -
-        values.begin());
-  }
-  std::vector<u32> support(values.size(), 0);
-  std::vector<u32> first(values.size(), 0);
-  std::vector<u32> seen(values.size(), UINT32_MAX);
-  for (std::size_t c = 0; c < db.customerCount(); ++c) {
-    std::size_t from = db.itemStarts()[db.firstTransaction(c)];
-    std::size_t to = db.itemStarts()[db.endTransaction(c)];
-    for (std::size_t k = from; k < to; ++k) {
-      u32 v = code[k];
-      if (seen[v] == c) continue;
-      seen[v] = static_cast<u32>(c);
-      if (support[v]++ == 0) first[v] = static_cast<u32>(c);
-    }
-  }
-  WorkDatabase work;
-  std::vector<u32> dense(values.size(), UINT32_MAX);
-  for (std::size_t v = 0; v < values.size(); ++v) {
-    if (support[v] < static_cast<u32>(minCount)) continue;
-    dense[v] = static_cast<u32>(work.itemValue.size());
-    work.itemValue.push_back(values[v]);
-    work.support.push_back(support[v]);
-    work.firstCustomer.push_back(first[v]);
-  }
-  for (std::size_t c = 0; c < db.customerCount(); ++c) {
-    std::size_t customerBegin = work.items.size();
-    for (u32 t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
-      std::size_t before = work.items.size();
-      for (u32 k = db.itemStarts()[t]; k < db.itemStarts()[t + 1]; ++k) {
-        if (dense[code[k]] != UINT32_MAX) work.items.push_back(dense[code[k]]);
-      }
-      if (work.items.size() > before) {
-        work.transactionStart.push_back(static_cast<u32>(work.items.size()));
-      }
-    }
-    if (work.items.size() == customerBegin) continue;
-    work.longestCustomer =
-        std::max(work.longestCustomer, work.items.size() - customerBegin);
-    work.customerStart.push_back(
-        static_cast<u32>(work.transactionStart.size() - 1));
-    work.customerId.push_back(static_cast<u32>(c));
-  }
-  for (u32& f : work.firstCustomer) {
-    f = static_cast<u32>(
-        std::lower_bound(work.customerId.begin(), work.customerId.end(), f) -
-        work.customerId.begin());
-  }
-  buildLastOccurrences(work);
-  return work;
-}
 
 // A pseudo-projected database: for n customers (ascending work indexes) the
 // transactions where the pattern's last item set can end, ascending. The
@@ -214,7 +131,7 @@ class ProjectionStore {
 };
 
 // The one-item patterns' projections: every occurrence of every item.
-void buildRoots(const WorkDatabase& db, ProjectionStore& roots) {
+void buildRoots(const internal::WorkDatabase& db, ProjectionStore& roots) {
   std::vector<std::pair<u32, u32>> sizes(db.itemCount(), {0, 0});
   for (std::size_t x = 0; x < db.itemCount(); ++x)
     sizes[x].first = db.support[x];
@@ -252,6 +169,44 @@ inline u32 gallop(const u32* values, u32 at, u32 end, u32 key) {
                           values);
 }
 
+// Joins two one-item projections into the projection of a two-item pattern:
+// root's item followed by x in a later set, or both in one set.
+void joinRoots(const Projection& root, const Projection& x, bool sameSet,
+               std::vector<u32>& cust, std::vector<u32>& start,
+               std::vector<u32>& pos) {
+  cust.clear();
+  start.clear();
+  pos.clear();
+  u32 a = 0, b = 0;
+  while (a < root.n && b < x.n) {
+    if (root.cust[a] < x.cust[b]) {
+      a = gallop(root.cust, a, root.n, x.cust[b]);
+      continue;
+    }
+    if (root.cust[a] > x.cust[b]) {
+      b = gallop(x.cust, b, x.n, root.cust[a]);
+      continue;
+    }
+    const u32* p = root.pos + root.start[a];
+    const u32* pEnd = root.pos + root.start[a + 1];
+    const u32* q = x.pos + x.start[b];
+    const u32* qEnd = x.pos + x.start[b + 1];
+    std::size_t before = pos.size();
+    if (sameSet) {
+      std::set_intersection(p, pEnd, q, qEnd, std::back_inserter(pos));
+    } else {
+      pos.insert(pos.end(), std::upper_bound(q, qEnd, *p), qEnd);
+    }
+    if (pos.size() > before) {
+      cust.push_back(root.cust[a]);
+      start.push_back(static_cast<u32>(before));
+    }
+    ++a;
+    ++b;
+  }
+  start.push_back(static_cast<u32>(pos.size()));
+}
+
 // A frequent extension found at a node.
 struct Extension {
   u32 item;
@@ -266,7 +221,7 @@ struct Extension {
 // pattern on the current search path.
 class Worker {
  public:
-  Worker(const WorkDatabase& db, long minCount, int maxItems)
+  Worker(const internal::WorkDatabase& db, long minCount, int maxItems)
       : db_(db), minCount_(static_cast<u32>(minCount)), maxItems_(maxItems) {
     std::size_t f = db.itemCount();
     for (Counters* c : {&s_, &i_}) {
@@ -295,15 +250,6 @@ class Worker {
     newSet_.clear();
     push(item, false);
   }
-  void push(u32 item, bool sameSet) {
-    pattern_.push_back(item);
-    newSet_.push_back(!sameSet);
-  }
-  void pop() {
-    pattern_.pop_back();
-    newSet_.pop_back();
-  }
-
   // Counts the extensions of the current pattern (whose projection is proj
   // and whose last item is last) among the candidates, reports the frequent
   // ones and, when `descend`, expands them in turn. Returns the frequent
@@ -351,6 +297,24 @@ class Worker {
     return level.extensions;
   }
 
+  // Expands the two-item pattern of root's item followed by `item` (in the
+  // same set when sameSet), whose projection is the join of the two items'
+  // root projections, down to maxItems.
+  void expandPair(u32 root, const Projection& rootProjection, u32 item,
+                  const Projection& itemProjection, bool sameSet,
+                  const u32* sCand, std::size_t nS, const u32* iCand,
+                  std::size_t nI) {
+    joinRoots(rootProjection, itemProjection, sameSet, pairCust_, pairStart_,
+              pairPos_);
+    Projection proj{pairCust_.data(), pairStart_.data(), pairPos_.data(),
+                    static_cast<u32>(pairCust_.size())};
+    startPattern(root);
+    push(item, sameSet);
+    expand(proj, item, sCand, nS, iCand, nI, true);
+  }
+
+  // Appends the current pattern, found in `support` customers, to the output
+  // as a PatternEmitter record.
   void emit(u32 support, u32 firstWorkCustomer) {
     std::vector<int>& out = *out_;
     out.push_back(static_cast<int>(support));
@@ -367,11 +331,8 @@ class Worker {
       ++out[sizeAt];
       out.push_back(db_.itemValue[pattern_[k]]);
     }
-    if (full_ && out.size() >= kChunkInts) full_();
+    if (full_ && out.size() >= internal::kChunkInts) full_();
   }
-
-  // Scratch for a task's own projection, built by joining two roots.
-  std::vector<u32> taskCust, taskStart, taskPos;
 
  private:
   struct Counters {
@@ -396,6 +357,15 @@ class Worker {
     ProjectionStore store;
     std::vector<std::pair<u32, u32>> sizes;
   };
+
+  void push(u32 item, bool sameSet) {
+    pattern_.push_back(item);
+    newSet_.push_back(!sameSet);
+  }
+  void pop() {
+    pattern_.pop_back();
+    newSet_.pop_back();
+  }
 
   // Sequence extensions: each distinct item after the first transaction
   // counts once per customer, read from the last-occurrence list. Item set
@@ -558,7 +528,7 @@ class Worker {
     }
   }
 
-  const WorkDatabase& db_;
+  const internal::WorkDatabase& db_;
   u32 minCount_;
   int maxItems_;
   Counters s_, i_;
@@ -568,142 +538,9 @@ class Worker {
   std::vector<char> newSet_;
   std::vector<int>* out_ = nullptr;
   std::function<void()> full_;
+  // The projection of the two-item pattern expandPair works on.
+  std::vector<u32> pairCust_, pairStart_, pairPos_;
 };
-
-// Joins two one-item projections into the projection of a two-item pattern:
-// root's item followed by x in a later set, or both in one set.
-void joinRoots(const Projection& root, const Projection& x, bool sameSet,
-               std::vector<u32>& cust, std::vector<u32>& start,
-               std::vector<u32>& pos) {
-  cust.clear();
-  start.clear();
-  pos.clear();
-  u32 a = 0, b = 0;
-  while (a < root.n && b < x.n) {
-    if (root.cust[a] < x.cust[b]) {
-      a = gallop(root.cust, a, root.n, x.cust[b]);
-      continue;
-    }
-    if (root.cust[a] > x.cust[b]) {
-      b = gallop(x.cust, b, x.n, root.cust[a]);
-      continue;
-    }
-    const u32* p = root.pos + root.start[a];
-    const u32* pEnd = root.pos + root.start[a + 1];
-    const u32* q = x.pos + x.start[b];
-    const u32* qEnd = x.pos + x.start[b + 1];
-    std::size_t before = pos.size();
-    if (sameSet) {
-      std::set_intersection(p, pEnd, q, qEnd, std::back_inserter(pos));
-    } else {
-      pos.insert(pos.end(), std::upper_bound(q, qEnd, *p), qEnd);
-    }
-    if (pos.size() > before) {
-      cust.push_back(root.cust[a]);
-      start.push_back(static_cast<u32>(before));
-    }
-    ++a;
-    ++b;
-  }
-  start.push_back(static_cast<u32>(pos.size()));
-}
-
-// Hands buffered patterns to the sink and keeps the summary.
-class Emitter {
- public:
-  Emitter(PatternSink& sink, MiningSummary& summary)
-      : sink_(sink), summary_(summary) {}
-
-  void emit(std::vector<int>& buffer) {
-    std::size_t at = 0;
-    while (at < buffer.size()) {
-      long count = buffer[at];
-      long first = buffer[at + 1];
-      int nSets = buffer[at + 2];
-      at += 3;
-      sets_.clear();
-      std::size_t items = 0;
-      for (int k = 0; k < nSets; ++k) {
-        sets_.push_back(&buffer[at]);
-        items += static_cast<std::size_t>(buffer[at]);
-        at += static_cast<std::size_t>(buffer[at]) + 1;
-      }
-      if (summary_.patternsPerSize.size() <= items) {
-        summary_.patternsPerSize.resize(items + 1, 0);
-      }
-      ++summary_.patternsPerSize[items];
-      ++summary_.patterns;
-      summary_.longestPattern =
-          std::max(summary_.longestPattern, static_cast<int>(items));
-      sink_.addPattern(sets_.data(), nSets, count, first);
-    }
-  }
-
- private:
-  PatternSink& sink_;
-  MiningSummary& summary_;
-  std::vector<int*> sets_;
-};
-
-// Runs tasks 0 .. n-1 on one thread per worker, handing their outputs to the
-// emitter in task order from the calling thread, chunk by chunk as they fill
-// (see OutputQueue). The first exception of a task or of the emitter stops
-// the remaining tasks and is rethrown.
-template <class Task>
-void runTasks(std::size_t n, std::vector<Worker>& workers, Emitter& emitter,
-              const Task& task) {
-  internal::OutputQueue queue(n, kBufferedInts);
-  std::atomic<std::size_t> next{0};
-  std::mutex mutex;
-  std::exception_ptr error;
-  // Tasks are claimed in blocks that shrink as the list runs out: the big
-  // tasks come first and go one by one, the many small ones at the end
-  // share a claim.
-  std::size_t share = workers.size() * 8;
-  auto work = [&](Worker& worker) {
-    std::vector<int> out;
-    out.reserve(kChunkInts + 64);
-    try {
-      for (;;) {
-        std::size_t first = next.load();
-        std::size_t block = 0;
-        do {
-          if (first >= n) return;
-          block = std::min<std::size_t>(
-              std::max<std::size_t>((n - first) / share, 1), 256);
-        } while (!next.compare_exchange_weak(first, first + block));
-        for (std::size_t k = first; k < first + block; ++k) {
-          worker.setOutput(&out,
-                           [&queue, &out, k] { queue.put(k, out, false); });
-          task(worker, k);
-          queue.put(k, out, true);
-        }
-      }
-    } catch (const internal::OutputQueue::Stopped&) {
-      // Another thread failed; its error is reported.
-    } catch (...) {
-      {
-        std::lock_guard<std::mutex> lock(mutex);
-        if (!error) error = std::current_exception();
-      }
-      queue.stop();
-    }
-  };
-  std::vector<std::thread> threads;
-  for (Worker& worker : workers) threads.emplace_back(work, std::ref(worker));
-  auto joinAll = [&]() {
-    for (std::thread& t : threads) t.join();
-  };
-  try {
-    queue.drain([&emitter](std::vector<int>& chunk) { emitter.emit(chunk); });
-  } catch (...) {
-    queue.stop();
-    joinAll();
-    throw;
-  }
-  joinAll();
-  if (error) std::rethrow_exception(error);
-}
 
 // Rough upper bound of the search's own memory: the renumbered database, the
 // one-item projections (a position per occurrence and two words per
@@ -748,9 +585,10 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
                       formatMegabytes(options_.memoryBudget));
   }
   long minCount = std::min<long>(summary.minCount, summary.customers + 1);
-  WorkDatabase work = buildWorkDatabase(db, minCount);
+  internal::WorkDatabase work = internal::buildWorkDatabase(db, minCount);
   u32 f = static_cast<u32>(work.itemCount());
-  Emitter emitter(sink, summary);
+  internal::PatternEmitter emitter(sink, summary);
+  auto emit = [&emitter](std::vector<int>& chunk) { emitter.emit(chunk); };
   std::vector<Worker> workers;
   for (std::size_t k = 0; k < threads; ++k) {
     workers.emplace_back(work, minCount, options_.maxItems);
@@ -771,15 +609,18 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
   // Frequent extensions of each item, split into sequence and item set ones.
   std::vector<std::vector<u32>> rootS(f), rootI(f);
   std::vector<std::vector<Extension>> rootExtensions(f);
-  runTasks(f, workers, emitter, [&](Worker& w, std::size_t k) {
-    u32 r = static_cast<u32>(k);
-    w.startPattern(r);
-    rootExtensions[r] = w.expand(roots.view(r), r, all.data(), f,
-                                 all.data() + r + 1, f - r - 1, false);
-    for (const Extension& x : rootExtensions[r]) {
-      (x.sameSet ? rootI[r] : rootS[r]).push_back(x.item);
-    }
-  });
+  internal::runOrderedTasks(
+      f, workers,
+      [&](Worker& w, std::size_t k) {
+        u32 r = static_cast<u32>(k);
+        w.startPattern(r);
+        rootExtensions[r] = w.expand(roots.view(r), r, all.data(), f,
+                                     all.data() + r + 1, f - r - 1, false);
+        for (const Extension& x : rootExtensions[r]) {
+          (x.sameSet ? rootI[r] : rootS[r]).push_back(x.item);
+        }
+      },
+      emit);
   if (options_.maxItems < 3) return summary;
 
   // One task per frequent two-item pattern, the most frequent first.
@@ -796,21 +637,19 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
   std::stable_sort(
       tasks.begin(), tasks.end(),
       [](const Task& a, const Task& b) { return a.support > b.support; });
-  runTasks(tasks.size(), workers, emitter, [&](Worker& w, std::size_t k) {
-    const Task& t = tasks[k];
-    joinRoots(roots.view(t.root), roots.view(t.item), t.sameSet, w.taskCust,
-              w.taskStart, w.taskPos);
-    Projection proj{w.taskCust.data(), w.taskStart.data(), w.taskPos.data(),
-                    static_cast<u32>(w.taskCust.size())};
-    const std::vector<u32>& s = rootS[t.root];
-    const std::vector<u32>& i = t.sameSet ? rootI[t.root] : s;
-    std::size_t after = static_cast<std::size_t>(
-        std::upper_bound(i.begin(), i.end(), t.item) - i.begin());
-    w.startPattern(t.root);
-    w.push(t.item, t.sameSet);
-    w.expand(proj, t.item, s.data(), s.size(), i.data() + after,
-             i.size() - after, true);
-  });
+  internal::runOrderedTasks(
+      tasks.size(), workers,
+      [&](Worker& w, std::size_t k) {
+        const Task& t = tasks[k];
+        const std::vector<u32>& s = rootS[t.root];
+        const std::vector<u32>& i = t.sameSet ? rootI[t.root] : s;
+        std::size_t after = static_cast<std::size_t>(
+            std::upper_bound(i.begin(), i.end(), t.item) - i.begin());
+        w.expandPair(t.root, roots.view(t.root), t.item, roots.view(t.item),
+                     t.sameSet, s.data(), s.size(), i.data() + after,
+                     i.size() - after);
+      },
+      emit);
   return summary;
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "seqlattice/input/spmfreader.h"
+#include "seqlattice/mining/mining_test_util.h"
 #include "seqlattice/mining/miningerror.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -16,7 +17,6 @@ namespace mining {
 namespace {
 
 using Pattern = std::vector<std::vector<int>>;
-using Customer = std::vector<std::vector<int>>;
 
 struct Found {
   long count;
@@ -41,21 +41,9 @@ class CollectingSink : public PatternSink {
   Result result;
 };
 
-SequenceDatabase makeDatabase(const std::vector<Customer>& customers) {
-  SequenceDatabase db;
-  for (const Customer& c : customers) {
-    db.beginCustomer();
-    for (std::size_t t = 0; t < c.size(); ++t) {
-      db.addTransaction(static_cast<double>(t), c[t]);
-    }
-    db.endCustomer();
-  }
-  return db;
-}
-
 // Earliest-match containment: each pattern set in the first later
 // transaction that holds it. Taking the earliest never loses a match.
-bool contains(const Customer& c, const Pattern& p) {
+bool contains(const test::Customer& c, const Pattern& p) {
   std::size_t t = 0;
   for (const std::vector<int>& set : p) {
     while (t < c.size() &&
@@ -70,7 +58,7 @@ bool contains(const Customer& c, const Pattern& p) {
 
 // Every pattern of up to maxItems items occurring in some customer, chosen as
 // a subset of each transaction of a chosen list of transactions.
-void subPatterns(const Customer& c, std::size_t from, Pattern& current,
+void subPatterns(const test::Customer& c, std::size_t from, Pattern& current,
                  int items, int maxItems, std::set<Pattern>& out) {
   if (!current.empty()) out.insert(current);
   for (std::size_t t = from; t < c.size(); ++t) {
@@ -89,10 +77,10 @@ void subPatterns(const Customer& c, std::size_t from, Pattern& current,
   }
 }
 
-Result bruteForce(const std::vector<Customer>& customers, long minCount,
+Result bruteForce(const std::vector<test::Customer>& customers, long minCount,
                   int maxItems) {
   std::set<Pattern> candidates;
-  for (const Customer& c : customers) {
+  for (const test::Customer& c : customers) {
     Pattern current;
     subPatterns(c, 0, current, 0, maxItems, candidates);
   }
@@ -110,14 +98,15 @@ Result bruteForce(const std::vector<Customer>& customers, long minCount,
 }
 
 // Customers as the database holds them: sets ascending, duplicate-free.
-std::vector<Customer> randomCustomers(std::mt19937& random, int maxSetSize) {
+std::vector<test::Customer> randomCustomers(std::mt19937& random,
+                                            int maxSetSize) {
   auto pick = [&random](int lo, int hi) {
     return std::uniform_int_distribution<int>(lo, hi)(random);
   };
   int alphabet = pick(2, 6);
   int offset = pick(0, 1) == 0 ? 0 : -3;
-  std::vector<Customer> customers(static_cast<std::size_t>(pick(1, 12)));
-  for (Customer& c : customers) {
+  std::vector<test::Customer> customers(static_cast<std::size_t>(pick(1, 12)));
+  for (test::Customer& c : customers) {
     int transactions = pick(0, 6);
     for (int t = 0; t < transactions; ++t) {
       std::set<int> set;
@@ -129,9 +118,9 @@ std::vector<Customer> randomCustomers(std::mt19937& random, int maxSetSize) {
   return customers;
 }
 
-Result mine(const std::vector<Customer>& customers, const MinerOptions& options,
-            MiningSummary* summary = nullptr) {
-  SequenceDatabase db = makeDatabase(customers);
+Result mine(const std::vector<test::Customer>& customers,
+            const MinerOptions& options, MiningSummary* summary = nullptr) {
+  SequenceDatabase db = test::makeDatabase(customers);
   CollectingSink sink;
   MiningSummary s = SequenceMiner(options).mine(db, sink);
   if (summary) *summary = s;
@@ -145,7 +134,7 @@ long compareWithBruteForce(int maxSetSize) {
   long patterns = 0;
   for (unsigned seed = 1; seed <= 400; ++seed) {
     std::mt19937 random(seed);
-    std::vector<Customer> customers = randomCustomers(random, maxSetSize);
+    std::vector<test::Customer> customers = randomCustomers(random, maxSetSize);
     MinerOptions options;
     long minCount = std::uniform_int_distribution<long>(1, 4)(random);
     options.minSupport = MinSupport::count(minCount);
@@ -174,7 +163,7 @@ TEST(SequenceMinerTest, CountsEachCustomerOnceAndReportsFirstCustomer) {
   // Customer 0 lacks 2; customers 1 and 2 hold <1, 2>, <(1 2)>, <2, 2> and
   // <(1 2), 2>; only customer 2 holds <(1 2), 1>. Customer 2 holds 1 four
   // times and counts once.
-  std::vector<Customer> customers = {
+  std::vector<test::Customer> customers = {
       {{1}, {1}},
       {{1, 2}, {2}},
       {{1, 2}, {1, 2}},
@@ -191,7 +180,7 @@ TEST(SequenceMinerTest, CountsEachCustomerOnceAndReportsFirstCustomer) {
 }
 
 TEST(SequenceMinerTest, MaxItemsLimitsPatternSize) {
-  std::vector<Customer> customers = {{{1, 2}, {3}}, {{1, 2}, {3}}};
+  std::vector<test::Customer> customers = {{{1, 2}, {3}}, {{1, 2}, {3}}};
   MinerOptions options;
   options.maxItems = 2;
   MiningSummary summary;
@@ -222,7 +211,7 @@ TEST(SequenceMinerTest, FractionRoundsUpToACount) {
 }
 
 TEST(SequenceMinerTest, FractionSelectsThePatternsOfItsCount) {
-  std::vector<Customer> customers = {{{1}}, {{1}}, {{2}}, {{2}}, {{2}}};
+  std::vector<test::Customer> customers = {{{1}}, {{1}}, {{2}}, {{2}}, {{2}}};
   MinerOptions options;
   options.minSupport = MinSupport::fraction(0.5);  // ceil(2.5) = 3
   MiningSummary summary;
@@ -248,7 +237,7 @@ TEST(SequenceMinerTest, RejectsBadParameters) {
 }
 
 TEST(SequenceMinerTest, RefusesASearchBeyondTheMemoryBudget) {
-  std::vector<Customer> customers(100, Customer{{1, 2, 3}, {4, 5}});
+  std::vector<test::Customer> customers(100, test::Customer{{1, 2, 3}, {4, 5}});
   MinerOptions options;
   options.memoryBudget = 1000;
   options.threads = 2;
@@ -273,9 +262,9 @@ TEST(SequenceMinerTest, EmptyDatabaseHasNoPatterns) {
 TEST(SequenceMinerTest, FixtureAtHalfSupport) {
   SequenceDatabase db;
   input::readSpmfFile(SEQLATTICE_SOURCE_DIR "/tests/data/mining/small.txt", db);
-  std::vector<Customer> customers;
+  std::vector<test::Customer> customers;
   for (std::size_t c = 0; c < db.customerCount(); ++c) {
-    Customer customer;
+    test::Customer customer;
     for (std::size_t t = db.firstTransaction(c); t < db.endTransaction(c);
          ++t) {
       customer.emplace_back(db.itemsBegin(t), db.itemsEnd(t));
@@ -304,8 +293,9 @@ class ThrowingSink : public PatternSink {
 };
 
 TEST(SequenceMinerTest, SinkExceptionStopsTheWorkers) {
-  std::vector<Customer> customers(20, Customer{{1, 2, 3}, {4, 5}, {1, 6}});
-  SequenceDatabase db = makeDatabase(customers);
+  std::vector<test::Customer> customers(
+      20, test::Customer{{1, 2, 3}, {4, 5}, {1, 6}});
+  SequenceDatabase db = test::makeDatabase(customers);
   ThrowingSink sink;
   MinerOptions options;
   options.threads = 2;
@@ -337,9 +327,10 @@ class OrderHashSink : public PatternSink {
 // chunk of output, which must stream to the sink in the same order as with
 // one thread.
 TEST(SequenceMinerTest, LargeOutputsStreamInTheSameOrderOnAnyThreadCount) {
-  Customer customer;
+  test::Customer customer;
   for (int item = 1; item <= 18; ++item) customer.push_back({item});
-  SequenceDatabase db = makeDatabase(std::vector<Customer>(3, customer));
+  SequenceDatabase db =
+      test::makeDatabase(std::vector<test::Customer>(3, customer));
   MinerOptions options;
   options.minSupport = MinSupport::count(3);
   options.maxItems = 18;

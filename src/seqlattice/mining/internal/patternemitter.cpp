@@ -1,0 +1,37 @@
+#include "seqlattice/mining/internal/patternemitter.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace mining {
+namespace internal {
+
+void PatternEmitter::emit(std::vector<int>& buffer) {
+  std::size_t at = 0;
+  while (at < buffer.size()) {
+    long count = buffer[at];
+    long first = buffer[at + 1];
+    int nSets = buffer[at + 2];
+    at += 3;
+    sets_.clear();
+    std::size_t items = 0;
+    for (int k = 0; k < nSets; ++k) {
+      sets_.push_back(&buffer[at]);
+      items += static_cast<std::size_t>(buffer[at]);
+      at += static_cast<std::size_t>(buffer[at]) + 1;
+    }
+    if (summary_.patternsPerSize.size() <= items) {
+      summary_.patternsPerSize.resize(items + 1, 0);
+    }
+    ++summary_.patternsPerSize[items];
+    ++summary_.patterns;
+    summary_.longestPattern =
+        std::max(summary_.longestPattern, static_cast<int>(items));
+    sink_.addPattern(sets_.data(), nSets, count, first);
+  }
+}
+
+}  // namespace internal
+}  // namespace mining
+}  // namespace SEQUENCE_NAMESPACE_800

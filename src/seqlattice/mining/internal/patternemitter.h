@@ -1,0 +1,43 @@
+// PatternEmitter turns the patterns that the miner's workers buffer as ints
+// back into PatternSink calls, and keeps the run's summary as it goes.
+//
+// The buffer holds one record a pattern:
+//   count, first customer, number of sets n, then n sets, each as its item
+//   count followed by its items (ascending)
+// so <(1 2), 3> found in 5 customers, first in customer 0, is
+// 5 0 2 2 1 2 1 3. A set record is already the sink's int* set array, so the
+// sink gets pointers into the buffer, not copies.
+//
+// Used from one thread, the one that called SequenceMiner::mine.
+#ifndef SEQLATTICE_MINING_INTERNAL_PATTERNEMITTER_H_
+#define SEQLATTICE_MINING_INTERNAL_PATTERNEMITTER_H_
+
+#include <vector>
+
+#include "seqlattice/mining/miner.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace mining {
+namespace internal {
+
+class PatternEmitter {
+ public:
+  // Both stay the caller's and must outlive the emitter.
+  PatternEmitter(PatternSink& sink, MiningSummary& summary)
+      : sink_(sink), summary_(summary) {}
+
+  // Passes every record of buffer to the sink, in order, and counts it in
+  // the summary. The sink may modify the sets it is given.
+  void emit(std::vector<int>& buffer);
+
+ private:
+  PatternSink& sink_;
+  MiningSummary& summary_;
+  std::vector<int*> sets_;
+};
+
+}  // namespace internal
+}  // namespace mining
+}  // namespace SEQUENCE_NAMESPACE_800
+
+#endif  // SEQLATTICE_MINING_INTERNAL_PATTERNEMITTER_H_

@@ -1,0 +1,95 @@
+#include "seqlattice/mining/internal/workdatabase.h"
+
+#include <algorithm>
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace mining {
+namespace internal {
+
+namespace {
+
+using u32 = std::uint32_t;
+
+void buildLastOccurrences(WorkDatabase& work) {
+  std::vector<u32> seen(work.itemCount(), UINT32_MAX);
+  for (u32 c = 0; c + 1 < work.customerStart.size(); ++c) {
+    for (u32 t = work.customerStart[c + 1]; t-- > work.customerStart[c];) {
+      u32 begin = work.transactionStart[t], end = work.transactionStart[t + 1];
+      if (end - begin > 1) work.multiItemSets = true;
+      for (u32 k = begin; k < end; ++k) {
+        u32 x = work.items[k];
+        if (seen[x] == c) continue;
+        seen[x] = c;
+        work.lastTransaction.push_back(t);
+        work.lastItem.push_back(x);
+      }
+    }
+    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
+  }
+}
+
+}  // namespace
+
+WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
+  const std::vector<int>& raw = db.items();
+  std::vector<int> values(raw);
+  std::sort(values.begin(), values.end());
+  values.erase(std::unique(values.begin(), values.end()), values.end());
+  std::vector<u32> code(raw.size());
+  for (std::size_t k = 0; k < raw.size(); ++k) {
+    code[k] = static_cast<u32>(
+        std::lower_bound(values.begin(), values.end(), raw[k]) -
+        values.begin());
+  }
+  std::vector<u32> support(values.size(), 0);
+  std::vector<u32> first(values.size(), 0);
+  std::vector<u32> seen(values.size(), UINT32_MAX);
+  for (std::size_t c = 0; c < db.customerCount(); ++c) {
+    std::size_t from = db.itemStarts()[db.firstTransaction(c)];
+    std::size_t to = db.itemStarts()[db.endTransaction(c)];
+    for (std::size_t k = from; k < to; ++k) {
+      u32 v = code[k];
+      if (seen[v] == c) continue;
+      seen[v] = static_cast<u32>(c);
+      if (support[v]++ == 0) first[v] = static_cast<u32>(c);
+    }
+  }
+  WorkDatabase work;
+  std::vector<u32> dense(values.size(), UINT32_MAX);
+  for (std::size_t v = 0; v < values.size(); ++v) {
+    if (support[v] < static_cast<u32>(minCount)) continue;
+    dense[v] = static_cast<u32>(work.itemValue.size());
+    work.itemValue.push_back(values[v]);
+    work.support.push_back(support[v]);
+    work.firstCustomer.push_back(first[v]);
+  }
+  for (std::size_t c = 0; c < db.customerCount(); ++c) {
+    std::size_t customerBegin = work.items.size();
+    for (u32 t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
+      std::size_t before = work.items.size();
+      for (u32 k = db.itemStarts()[t]; k < db.itemStarts()[t + 1]; ++k) {
+        if (dense[code[k]] != UINT32_MAX) work.items.push_back(dense[code[k]]);
+      }
+      if (work.items.size() > before) {
+        work.transactionStart.push_back(static_cast<u32>(work.items.size()));
+      }
+    }
+    if (work.items.size() == customerBegin) continue;
+    work.longestCustomer =
+        std::max(work.longestCustomer, work.items.size() - customerBegin);
+    work.customerStart.push_back(
+        static_cast<u32>(work.transactionStart.size() - 1));
+    work.customerId.push_back(static_cast<u32>(c));
+  }
+  for (u32& f : work.firstCustomer) {
+    f = static_cast<u32>(
+        std::lower_bound(work.customerId.begin(), work.customerId.end(), f) -
+        work.customerId.begin());
+  }
+  buildLastOccurrences(work);
+  return work;
+}
+
+}  // namespace internal
+}  // namespace mining
+}  // namespace SEQUENCE_NAMESPACE_800
