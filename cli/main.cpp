@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "clierror.h"
-#include "command.h"
+#include "commands/commands.h"
 #include "seqlattice/input/inputerror.h"
 #include "seqlattice/mining/miningerror.h"
+#include "support/clierror.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "modelfile.h"
+#include "support/modelfile.h"
 
 namespace {
 

@@ -1,0 +1,44 @@
+// Transaction files as mine and predict --input read them: CSV/TSV with a
+// header (csvreader.h) or the SPMF sequence format (spmfreader.h), with the
+// options that choose the format, the columns and the delimiter.
+//
+// With the format "auto", files named *.txt or *.spmf are SPMF and all others
+// CSV; the delimiter defaults to a tab for *.tsv and *.tab and to ',' else.
+// SPMF customers are labelled by their position, from 1.
+#ifndef SEQLATTICE_CLI_SUPPORT_INPUTLOG_H_
+#define SEQLATTICE_CLI_SUPPORT_INPUTLOG_H_
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+#include "seqlattice/input/csvreader.h"
+#include "support/parsedoption.h"
+
+namespace seqlattice_cli {
+
+struct InputOptions {
+  std::string format = "auto";
+  std::string customerColumn = "customer";
+  std::string timeColumn = "time";
+  std::string itemColumn = "item";
+  Parsed<char> delimiter;  // '\0': by the file name
+};
+
+// Adds the format option (named formatOption: "--format" for mine,
+// "--input-format" for predict), --customer, --time, --item and --delimiter.
+void addInputOptions(CLI::App* command, InputOptions* options,
+                     const std::string& formatOption);
+
+// "csv" or "spmf" for this path and options.
+std::string inputFormat(const std::string& path, const InputOptions& options);
+
+// Reads the file. itemCode, when set, codes CSV item labels (see
+// CsvOptions::itemCode); SPMF items are their own codes.
+SEQUENCE_NAMESPACE_800::input::LabelledDatabase loadInput(
+    const std::string& path, const InputOptions& options,
+    const std::function<int(const std::string&)>& itemCode = {});
+
+}  // namespace seqlattice_cli
+
+#endif  // SEQLATTICE_CLI_SUPPORT_INPUTLOG_H_

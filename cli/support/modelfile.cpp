@@ -1,0 +1,213 @@
+#include "support/modelfile.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <new>
+#include <sstream>
+
+#include "seqlattice/support/seqexceptions.h"
+#include "support/atomicfile.h"
+#include "support/clierror.h"
+
+namespace seqlattice_cli {
+
+namespace {
+
+using SEQUENCE_NAMESPACE_800::SequenceDictionary;
+using SEQUENCE_NAMESPACE_800::SeqExceptions::IOException;
+
+const std::string kEndMark = "SQLMODL1";
+const std::string kXmlTrailerStart = "<!-- seqlattice model trailer: ";
+const std::string kXmlTrailerEnd = " -->\n";
+const char kBase64[] =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+std::string base64Encode(const std::string& bytes) {
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    std::uint32_t n = static_cast<unsigned char>(bytes[i]) << 16;
+    if (i + 1 < bytes.size())
+      n |= static_cast<unsigned char>(bytes[i + 1]) << 8;
+    if (i + 2 < bytes.size()) n |= static_cast<unsigned char>(bytes[i + 2]);
+    text += kBase64[(n >> 18) & 63];
+    text += kBase64[(n >> 12) & 63];
+    text += i + 1 < bytes.size() ? kBase64[(n >> 6) & 63] : '=';
+    text += i + 2 < bytes.size() ? kBase64[n & 63] : '=';
+  }
+  return text;
+}
+
+// False when text is not base64.
+bool base64Decode(const std::string& text, std::string* bytes) {
+  if (text.size() % 4 != 0) return false;
+  for (std::size_t i = 0; i < text.size(); i += 4) {
+    int padding = 0;
+    if (i + 4 == text.size() && text[i + 3] == '=') {
+      padding = text[i + 2] == '=' ? 2 : 1;
+    }
+    std::uint32_t n = 0;
+    for (int k = 0; k < 4; ++k) {
+      n <<= 6;
+      if (k >= 4 - padding) continue;
+      char c = text[i + static_cast<std::size_t>(k)];
+      const char* at = c == '\0' ? nullptr : std::strchr(kBase64, c);
+      if (at == nullptr) return false;
+      n |= static_cast<std::uint32_t>(at - kBase64);
+    }
+    *bytes += static_cast<char>((n >> 16) & 0xFF);
+    if (padding < 2) *bytes += static_cast<char>((n >> 8) & 0xFF);
+    if (padding < 1) *bytes += static_cast<char>(n & 0xFF);
+  }
+  return true;
+}
+
+std::string readAll(std::istream& in) {
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+[[noreturn]] void damaged(const std::string& path, const std::string& why) {
+  failInput(path + ": damaged dictionary record (" + why + ")");
+}
+
+[[noreturn]] void notAModel(const std::string& path, const std::string& why) {
+  failInput(path + ": not a seqlattice model file (" + why + ")");
+}
+
+// Runs a reader of the library, turning its failures into CliError.
+template <typename Read>
+void readDictionary(const std::string& path, Read read) {
+  try {
+    if (!read()) damaged(path, "unreadable");
+  } catch (IOException* e) {
+    delete e;
+    damaged(path, "unreadable");
+  } catch (const std::bad_alloc&) {
+    damaged(path, "too large to load");
+  } catch (const SEQUENCE_NAMESPACE_800::SeqExceptions::DictionaryFailure&) {
+    damaged(path, "unreadable");
+  }
+}
+
+void loadBinary(const std::string& path, std::fstream& in, std::streamoff size,
+                Model* model) {
+  in.seekg(size - 16);
+  char tail[16];
+  in.read(tail, 16);
+  std::uint64_t trailerSize = 0;
+  for (int i = 7; i >= 0; --i) {
+    trailerSize = (trailerSize << 8) | static_cast<unsigned char>(tail[i]);
+  }
+  if (std::string(tail + 8, 8) != kEndMark) notAModel(path, "no end mark");
+  if (trailerSize > static_cast<std::uint64_t>(size - 16)) {
+    notAModel(path, "bad trailer length");
+  }
+  std::streamoff recordSize =
+      size - 16 - static_cast<std::streamoff>(trailerSize);
+  in.seekg(recordSize);
+  std::string trailer(trailerSize, '\0');
+  in.read(&trailer[0], static_cast<std::streamsize>(trailerSize));
+  std::uint32_t checksum = decodeTrailer(trailer, path, model);
+
+  in.seekg(0);
+  std::string record(static_cast<std::size_t>(recordSize), '\0');
+  in.read(&record[0], recordSize);
+  if (!in || crc32(record) != checksum) damaged(path, "checksum mismatch");
+  in.seekg(0);
+  readDictionary(path, [&] {
+    model->dictionary->readObject(in);
+    return in.good() && in.tellg() == recordSize;
+  });
+}
+
+void loadXml(const std::string& path, std::streamoff size, Model* model) {
+  std::ifstream in(path, std::ios::binary);
+  std::string text = readAll(in);
+  std::string::size_type start = text.rfind(kXmlTrailerStart);
+  if (start == std::string::npos ||
+      text.compare(text.size() - kXmlTrailerEnd.size(), kXmlTrailerEnd.size(),
+                   kXmlTrailerEnd) != 0) {
+    notAModel(path, "no model trailer");
+  }
+  std::string::size_type from = start + kXmlTrailerStart.size();
+  std::string trailer;
+  if (!base64Decode(text.substr(from, static_cast<std::size_t>(size) -
+                                          kXmlTrailerEnd.size() - from),
+                    &trailer)) {
+    notAModel(path, "damaged model trailer");
+  }
+  std::uint32_t checksum = decodeTrailer(trailer, path, model);
+  // The dictionary element ends before the line break that opens the
+  // trailer's line.
+  if (start == 0 || crc32(text.substr(0, start - 1)) != checksum) {
+    damaged(path, "checksum mismatch");
+  }
+  in.clear();
+  in.seekg(0);
+  readDictionary(path, [&] {
+    return model->dictionary->readObjectXML(in) != 0 &&
+           in.tellg() <= static_cast<std::streamoff>(start);
+  });
+}
+
+}  // namespace
+
+Model loadModel(const std::string& path) {
+  std::fstream in(path, std::ios::in | std::ios::binary);
+  if (!in) failInput(path + ": cannot open: " + std::strerror(errno));
+  in.seekg(0, std::ios::end);
+  std::streamoff size = in.tellg();
+  in.seekg(0);
+  if (size < 16) notAModel(path, "too short");
+  Model model;
+  model.dictionary = std::make_unique<SequenceDictionary>();
+  char first = static_cast<char>(in.peek());
+  model.xml = first == '<';
+  if (model.xml) {
+    loadXml(path, size, &model);
+  } else {
+    loadBinary(path, in, size, &model);
+  }
+  if (!model.dictionary->isLatticeBuilt()) {
+    failInput(path + ": the model's lattice is not built");
+  }
+  return model;
+}
+
+void saveModel(const Model& model, const std::string& path, bool xml) {
+  AtomicFile file(path);
+  std::fstream& out = file.stream();
+  try {
+    if (xml) {
+      model.dictionary->writeObjectXML(out);
+    } else {
+      model.dictionary->writeObject(out);
+    }
+  } catch (IOException* e) {
+    delete e;
+    failInput(path + ": cannot write the model");
+  }
+  // The checksum covers the dictionary part as it went to the file.
+  out.flush();
+  std::streamoff recordSize = out.tellp();
+  std::string record(static_cast<std::size_t>(recordSize), '\0');
+  out.seekg(0);
+  out.read(&record[0], recordSize);
+  out.seekp(recordSize);
+  std::string trailer = encodeTrailer(model, crc32(record));
+  if (xml) {
+    out << "\n" << kXmlTrailerStart << base64Encode(trailer) << kXmlTrailerEnd;
+  } else {
+    std::string tail;
+    for (int i = 0; i < 8; ++i) {
+      tail += static_cast<char>((trailer.size() >> (8 * i)) & 0xFF);
+    }
+    out << trailer << tail << kEndMark;
+  }
+  file.commit();
+}
+
+}  // namespace seqlattice_cli

@@ -1,0 +1,45 @@
+// Options whose text the tool turns into a value (a minimum support, a
+// delimiter, an item sequence) are parsed once, at parse time, by the
+// option's validator, which keeps the value beside the text; the command
+// then uses the value. A bad value is a usage error reported by the parser
+// before any file is read, and no command parses the text a second time,
+// where the two parses could drift apart.
+#ifndef SEQLATTICE_CLI_SUPPORT_PARSEDOPTION_H_
+#define SEQLATTICE_CLI_SUPPORT_PARSEDOPTION_H_
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+namespace seqlattice_cli {
+
+template <class T>
+struct Parsed {
+  std::string text;  // as given, or the default
+  T value{};         // the parse of text once the option was given
+};
+
+// Parses text into *value; returns "" or what is wrong with the text.
+template <class T>
+using Parser = std::function<std::string(const std::string& text, T* value)>;
+
+// Adds the option `name` to command, parsed into *target by parse.
+// validatorName is shown after the type in the help ("TEXT:SEQ"). An option
+// with a default takes it with ->default_val(text), which parses it too.
+// target must outlive the command line's parsing.
+template <class T>
+CLI::Option* addParsedOption(CLI::App* command, const std::string& name,
+                             Parsed<T>* target, Parser<T> parse,
+                             const std::string& validatorName,
+                             const std::string& description) {
+  return command->add_option(name, target->text, description)
+      ->check(CLI::Validator(
+          [target, parse](std::string& text) {
+            return parse(text, &target->value);
+          },
+          validatorName));
+}
+
+}  // namespace seqlattice_cli
+
+#endif  // SEQLATTICE_CLI_SUPPORT_PARSEDOPTION_H_

@@ -1,0 +1,37 @@
+#include "support/rulebounds.h"
+
+namespace seqlattice_cli {
+
+void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds) {
+  struct Bound {
+    const char* name;
+    double* value;
+    const char* help;
+  };
+  for (const Bound& bound :
+       {Bound{"--min-support", &bounds->minSupport, "Least rule support"},
+        Bound{"--max-support", &bounds->maxSupport, "Largest rule support"},
+        Bound{"--min-confidence", &bounds->minConfidence, "Least confidence"},
+        Bound{"--max-confidence", &bounds->maxConfidence, "Largest confidence"},
+        Bound{"--min-cause", &bounds->minCause, "Least cause"},
+        Bound{"--max-cause", &bounds->maxCause, "Largest cause"}}) {
+    command->add_option(bound.name, *bound.value, bound.help)
+        ->check(CLI::Range(0.0, 1.0))
+        ->capture_default_str();
+  }
+  command
+      ->add_option_function<std::string>(
+          "--sort",
+          [bounds](const std::string& name) {
+            bounds->sortLetter = name == "support" ? 'S'
+                                 : name == "cause" ? 'A'
+                                                   : 'C';
+          },
+          "Order rules by support, confidence or cause (decreasing)")
+      ->check(CLI::IsMember({"support", "confidence", "cause"}))
+      ->default_str("confidence");
+  command->add_flag("--maximal", bounds->maximal,
+                    "Only rules of patterns that no longer pattern extends");
+}
+
+}  // namespace seqlattice_cli

@@ -1,0 +1,29 @@
+// The rule selection shared by "rules" and "export pmml": bounds on support,
+// confidence and cause (fractions, inclusive), the measure that orders the
+// rules, and whether only maximal patterns yield rules.
+#ifndef SEQLATTICE_CLI_SUPPORT_RULEBOUNDS_H_
+#define SEQLATTICE_CLI_SUPPORT_RULEBOUNDS_H_
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace seqlattice_cli {
+
+struct RuleBounds {
+  double minSupport = 0.0;
+  double maxSupport = 1.0;
+  double minConfidence = 0.0;
+  double maxConfidence = 1.0;
+  double minCause = 0.0;
+  double maxCause = 1.0;
+  // The library's letter of the ordering measure: 'S'upport, 'C'onfidence
+  // or cause ('A').
+  char sortLetter = 'C';
+  bool maximal = false;
+};
+
+void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds);
+
+}  // namespace seqlattice_cli
+
+#endif  // SEQLATTICE_CLI_SUPPORT_RULEBOUNDS_H_
