@@ -12,15 +12,17 @@ export ASAN_OPTIONS  ?= detect_leaks=1:abort_on_error=0:halt_on_error=1:strict_s
 export UBSAN_OPTIONS ?= print_stacktrace=1:halt_on_error=1
 export LSAN_OPTIONS  ?= report_objects=0
 
-.PHONY: all deps build release asan test test-release test-asan run format clean
+.PHONY: all deps configure build release asan test test-release test-asan run format clean
 
 all: build
 
 deps:
 	@./tools/install-deps.sh
 
-build release: deps
+configure: deps
 	cmake -S . -B $(RELEASE_DIR) $(CMAKE_COMMON) -DCMAKE_BUILD_TYPE=Release
+
+build release: configure
 	cmake --build $(RELEASE_DIR) -j $(JOBS)
 
 asan: deps
@@ -37,7 +39,9 @@ test-asan: asan
 # The whole suite, plain and under AddressSanitizer + UBSan + LeakSanitizer.
 test: test-release test-asan
 
-run: release
+# Only the library and the tool: a newcomer sees the first result quickly.
+run: configure
+	cmake --build $(RELEASE_DIR) -j $(JOBS) --target seqlattice_cli
 	./tools/run-main-job.sh $(RELEASE_DIR)
 
 format:

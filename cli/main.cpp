@@ -1,6 +1,7 @@
 // seqlattice: mine transaction logs into sequential pattern models and use
 // them (rules, predictions, pattern queries, documents) from the shell.
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <iostream>
 #include <new>
 #include <string>
@@ -91,6 +92,11 @@ int main(int argc, char** argv) {
     return seqlattice_cli::kExitBadInput;
   } catch (const std::bad_alloc&) {
     std::cerr << "seqlattice: out of memory\n";
+    return seqlattice_cli::kExitBadInput;
+  } catch (const std::exception& e) {
+    // Anything else is a fault of the tool, not of the input; still end with
+    // a message rather than an abort.
+    std::cerr << "seqlattice: internal error: " << e.what() << "\n";
     return seqlattice_cli::kExitBadInput;
   }
 }

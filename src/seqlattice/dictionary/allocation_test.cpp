@@ -2,9 +2,9 @@
 // dictionary's scratch key instead of allocating, a rebuilt lattice releases
 // the sets it replaces, and running out of memory is reported the way each
 // operation promises (single-pattern operations throw DictionaryFailure, bulk
-// ones return KvStatus(60000, false), the Find walks let std::bad_alloc pass).
-// The allocation functions are replaced by the test program
-// (allocation_hook.h).
+// ones return KvStatus(kStatusFailure, false), the Find walks let
+// std::bad_alloc pass). The allocation functions are replaced by the test
+// program (allocation_hook.h).
 #include <gtest/gtest.h>
 
 #include <new>
@@ -47,7 +47,7 @@ std::ostream& operator<<(std::ostream& os, Outcome outcome) {
     case Outcome::kDone:
       return os << "done";
     case Outcome::kFailedStatus:
-      return os << "KvStatus(60000, false)";
+      return os << "KvStatus(kStatusFailure, false)";
     case Outcome::kDictionaryFailure:
       return os << "DictionaryFailure";
     case Outcome::kBadAlloc:
@@ -72,7 +72,8 @@ std::vector<Outcome> failuresBeforeSuccess(Work work) {
         const KvStatus status = work();
         if (!status.IsOK()) {
           outcome = Outcome::kFailedStatus;
-          unexpected = status.GetCode() != 60000 || status.GetFlag();
+          unexpected = status.GetCode() != KvCommon_850::kStatusFailure ||
+                       status.GetFlag();
         }
       } catch (const DictionaryFailure&) {
         outcome = Outcome::kDictionaryFailure;
@@ -269,7 +270,7 @@ TEST(AllocationFailureTest, BuildLatticeReturnsAFailedStatus) {
     // Enough for the level-0 set only: it stays, the build does not count.
     FailingAllocations failing(1);
     const KvStatus status = d.buildLattice();
-    EXPECT_EQ(status.GetCode(), 60000);
+    EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
     EXPECT_FALSE(status.GetFlag());
   }
   EXPECT_FALSE(d.isLatticeBuilt());

@@ -129,7 +129,8 @@ KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
   try {
     const int largest = LargestSequence();
     ISQCPair* root = level0Entry();
-    if (root == nullptr) return KvCommon_850::KvStatus(60000, false);
+    if (root == nullptr)
+      return KvCommon_850::KvStatus(KvCommon_850::kStatusFailure, false);
     if (root->value != nullptr) {
       root->value->setAdjacentItems(new SequenceCounter::AdjacencySet());
     }
@@ -142,7 +143,7 @@ KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
     }
   } catch (...) {
     // Whatever was linked so far stays; the lattice does not count as built.
-    return KvCommon_850::KvStatus(60000, false);
+    return KvCommon_850::KvStatus(KvCommon_850::kStatusFailure, false);
   }
   latticeBuilt = true;
   return KvCommon_850::KvStatus();

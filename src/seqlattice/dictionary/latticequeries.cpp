@@ -14,6 +14,7 @@
 namespace SEQUENCE_NAMESPACE_800 {
 
 using KvCommon_850::KvStatus;
+using KvCommon_850::kStatusFailure;
 
 namespace {
 
@@ -131,7 +132,7 @@ KvStatus SequenceDictionary::getSequencesOfSize(
       sequence.release();
     }
   } catch (const std::bad_alloc&) {
-    return KvStatus(60000, false);
+    return KvStatus(kStatusFailure, false);
   }
   return KvStatus();
 }

@@ -14,7 +14,7 @@
 // Not safe for concurrent use, not even for lookups: lookups from int**
 // arrays or a Sequence refill `probe`. Single-pattern operations turn an
 // out-of-memory failure into SeqExceptions::DictionaryFailure; bulk
-// operations return KvStatus(60000, false) instead.
+// operations return KvStatus(kStatusFailure, false) instead.
 //
 // The destructor is virtual (beyond the interface's twelve slots) so that a
 // dictionary can be deleted through its own type, also when a host derives
@@ -116,7 +116,7 @@ class SequenceDictionary : public SequenceSemiLattice {
 
   // Links every stored pattern of levels 0 .. LargestSequence()-1 to its
   // one-item extensions, replacing the adjacency sets it finds. OK, or
-  // KvStatus(60000, false) when anything failed (lattice not marked built).
+  // KvStatus(kStatusFailure, false) when anything failed (lattice not marked built).
   KvCommon_850::KvStatus buildLattice();
 
   // Lattice queries (interface slots 1, 8 and 9): the stored patterns with a

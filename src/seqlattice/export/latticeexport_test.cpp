@@ -164,7 +164,7 @@ TEST(LatticeExportTest, MissingEmptyPatternWritesNothing) {
   dictionary.getLevel(0)->clear();
   std::ostringstream out;
   const auto status = dictionary.ExportLatticeXML(out, 0.0);
-  EXPECT_EQ(status.GetCode(), 60000);
+  EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
   EXPECT_EQ(out.str(), "");
 }
 
@@ -175,7 +175,8 @@ TEST(LatticeExportTest, PatternWithoutCounterWritesNothing) {
   dictionary.getLevel(1)->put(new SEQUENCE_NAMESPACE_800::NTSequence(one),
                               nullptr);
   std::ostringstream out;
-  EXPECT_EQ(dictionary.ExportLatticeXML(out, 0.0).GetCode(), 60000);
+  EXPECT_EQ(dictionary.ExportLatticeXML(out, 0.0).GetCode(),
+            KvCommon_850::kStatusFailure);
   EXPECT_EQ(out.str(), "");
 }
 

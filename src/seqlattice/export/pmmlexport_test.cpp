@@ -251,17 +251,18 @@ TEST(PmmlExportTest, CancelledExtractionWritesNothing) {
   const auto dictionary = export_test::SampleDictionary();
   dictionary->setCancel();
   std::string document;
-  EXPECT_EQ(ExportAll(*dictionary, document).GetCode(), 1);
+  EXPECT_EQ(ExportAll(*dictionary, document).GetCode(),
+            KvCommon_850::kStatusCancelled);
   EXPECT_EQ(document, "");
 }
 
 TEST(PmmlExportTest, FailedExtractionStatusIsReturnedUnchanged) {
   FixedRulesDictionary dictionary(3);
-  dictionary.status = KvStatus(60000, false);
+  dictionary.status = KvStatus(KvCommon_850::kStatusFailure, false);
   std::string document;
   const KvStatus status = ExportAll(dictionary, document);
   EXPECT_FALSE(status.IsOK());
-  EXPECT_EQ(status.GetCode(), 60000);
+  EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
   EXPECT_EQ(document, "");
 }
 
@@ -322,7 +323,8 @@ TEST(PmmlExportTest, RuleWithoutCounterWritesNothing) {
   AddPattern(dictionary, {{1}}, 4);
   dictionary.fixed.push_back(MakeRule({{1}}, {{9}}));
   std::string document;
-  EXPECT_EQ(ExportAll(dictionary, document).GetCode(), 60000);
+  EXPECT_EQ(ExportAll(dictionary, document).GetCode(),
+            KvCommon_850::kStatusFailure);
   EXPECT_EQ(document, "");
 }
 
@@ -333,7 +335,8 @@ TEST(PmmlExportTest, CurrentJoinWithAnEmptySideWritesNothing) {
   AddPattern(dictionary, {{1}}, 4);
   dictionary.fixed.push_back(MakeRule({}, {{1}}, 0));
   std::string document;
-  EXPECT_EQ(ExportAll(dictionary, document).GetCode(), 60000);
+  EXPECT_EQ(ExportAll(dictionary, document).GetCode(),
+            KvCommon_850::kStatusFailure);
   EXPECT_EQ(document, "");
 }
 
@@ -341,7 +344,8 @@ TEST(PmmlExportTest, MissingEmptyPatternWritesNothing) {
   FixedRulesDictionary dictionary(3);
   dictionary.getLevel(0)->clear();
   std::string document;
-  EXPECT_EQ(ExportAll(dictionary, document).GetCode(), 60000);
+  EXPECT_EQ(ExportAll(dictionary, document).GetCode(),
+            KvCommon_850::kStatusFailure);
   EXPECT_EQ(document, "");
 }
 

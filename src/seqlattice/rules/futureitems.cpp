@@ -12,6 +12,7 @@
 namespace SEQUENCE_NAMESPACE_800 {
 
 using KvCommon_850::KvStatus;
+using KvCommon_850::kStatusCancelled;
 
 KvStatus SequenceDictionary::GetFutureItems(
     std::vector<SeqConsequentDescriptor>& predictions, const Sequence* customer,
@@ -19,7 +20,7 @@ KvStatus SequenceDictionary::GetFutureItems(
   return itemprediction::answer(
       *this, customer, maxItems, predictions,
       [&](itemprediction::ItemCandidates& candidates) {
-        if (cancelled) return KvStatus(1, false);
+        if (cancelled) return KvStatus(kStatusCancelled, false);
         const int length = customer->Length();
         for (int k = 0;;) {
           itemprediction::OwnedPatterns found;
@@ -29,7 +30,7 @@ KvStatus SequenceDictionary::GetFutureItems(
               itemprediction::itemsOfLastSets(*customer, k));
           ++k;
           if (k >= length) break;
-          if (cancelled) return KvStatus(1, false);
+          if (cancelled) return KvStatus(kStatusCancelled, false);
           if (lastSetOnly) break;
         }
         return KvStatus();

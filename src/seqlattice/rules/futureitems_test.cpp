@@ -155,7 +155,7 @@ TEST_F(FutureItems, CancelBeforeTheCallAppendsNothing) {
   const KvCommon_850::KvStatus status =
       dict->GetFutureItems(out, &customer, 10, false);
   EXPECT_FALSE(status.IsOK());
-  EXPECT_EQ(status.GetCode(), 1);
+  EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusCancelled);
   EXPECT_FALSE(status.GetFlag());
   ASSERT_EQ(out.size(), 1u);
   EXPECT_EQ(out[0].GetItem(), 7);
@@ -340,9 +340,10 @@ TEST_F(FutureItems, MissingCountOfSequencesFails) {
        {&customer, static_cast<const Sequence*>(nullptr)}) {
     const KvCommon_850::KvStatus future =
         dict->GetFutureItems(out, history, 10, false);
-    EXPECT_EQ(future.GetCode(), 60000);
+    EXPECT_EQ(future.GetCode(), KvCommon_850::kStatusFailure);
     EXPECT_FALSE(future.GetFlag());
-    EXPECT_EQ(dict->GetCurrentItems(out, history, 10).GetCode(), 60000);
+    EXPECT_EQ(dict->GetCurrentItems(out, history, 10).GetCode(),
+              KvCommon_850::kStatusFailure);
   }
   EXPECT_TRUE(out.empty());
 }

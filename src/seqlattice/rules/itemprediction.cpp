@@ -16,6 +16,7 @@ namespace SEQUENCE_NAMESPACE_800 {
 namespace itemprediction {
 
 using KvCommon_850::KvStatus;
+using KvCommon_850::kStatusFailure;
 
 namespace {
 
@@ -144,7 +145,7 @@ KvStatus answer(SequenceDictionary& dict, const Sequence* customer,
                 const std::function<KvStatus(ItemCandidates&)>& collect) {
   try {
     const SequenceCounter* level0 = dict.getLevel0Descriptor();
-    if (level0 == nullptr) return KvStatus(60000, false);
+    if (level0 == nullptr) return KvStatus(kStatusFailure, false);
     const double n = level0->getCount();
     if (customer == nullptr || customer->Length() == 0) {
       appendMostFrequentItems(dict, n, out, maxItems);
@@ -157,7 +158,7 @@ KvStatus answer(SequenceDictionary& dict, const Sequence* customer,
   } catch (const std::exception&) {
     // Chiefly std::bad_alloc, or SeqExceptions::DictionaryFailure from a
     // lookup that ran out of memory.
-    return KvStatus(60000, false);
+    return KvStatus(kStatusFailure, false);
   }
 }
 

@@ -20,6 +20,8 @@
 namespace SEQUENCE_NAMESPACE_800 {
 
 using KvCommon_850::KvStatus;
+using KvCommon_850::kStatusCancelled;
+using KvCommon_850::kStatusFailure;
 
 namespace {
 
@@ -197,7 +199,7 @@ KvStatus SequenceDictionary::GetRules(std::vector<SeqAssociationRule>& rules,
                                       bool maximalOnly) const {
   try {
     const SequenceCounter* level0 = getLevel0Descriptor();
-    if (level0 == nullptr) return KvStatus(60000, false);
+    if (level0 == nullptr) return KvStatus(kStatusFailure, false);
     const double n = level0->getCount();
     // The lower bound is truncated, the upper one rounded: intended.
     const RuleBounds bounds = {truncateToInt(minSupport * n),
@@ -209,10 +211,10 @@ KvStatus SequenceDictionary::GetRules(std::vector<SeqAssociationRule>& rules,
     RuleCollector collector(*this, bounds, maximalOnly, n);
     const int largest = LargestSequence();
     for (int level = 2; level <= largest; ++level) {
-      if (cancelled) return KvStatus(1, false);
+      if (cancelled) return KvStatus(kStatusCancelled, false);
       const HashtableSQPair* table = getLevel(level);
       if (table == nullptr || !collector.collectLevel(*table)) {
-        return KvStatus(60000, false);
+        return KvStatus(kStatusFailure, false);
       }
     }
     appendSorted(collector.found(), sortBy, rules);
@@ -220,7 +222,7 @@ KvStatus SequenceDictionary::GetRules(std::vector<SeqAssociationRule>& rules,
   } catch (const std::exception&) {
     // Chiefly std::bad_alloc, or SeqExceptions::DictionaryFailure from a
     // lookup that ran out of memory.
-    return KvStatus(60000, false);
+    return KvStatus(kStatusFailure, false);
   }
 }
 

@@ -97,7 +97,7 @@ class Rules : public testing::Test {
     std::vector<SeqAssociationRule> out;
     const KvCommon_850::KvStatus status =
         dict->GetRules(out, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 'S', false);
-    EXPECT_EQ(status.GetCode(), 60000);
+    EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
     EXPECT_FALSE(status.GetFlag());
     EXPECT_TRUE(out.empty());
   }
@@ -185,7 +185,7 @@ TEST_F(Rules, CancelBeforeTheCallAppendsNothing) {
   const KvCommon_850::KvStatus status =
       dict->GetRules(out, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 'S', false);
   EXPECT_FALSE(status.IsOK());
-  EXPECT_EQ(status.GetCode(), 1);
+  EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusCancelled);
   EXPECT_FALSE(status.GetFlag());
   expectRules(out, rulesAt({2}));
 }

@@ -11,13 +11,6 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
-namespace {
-
-// Code of the status thrown for an index beyond the length.
-constexpr long kIndexError = 60001;
-
-}  // namespace
-
 class Sequence::SequenceImp {
  public:
   explicit SequenceImp(int reserve) {
@@ -46,7 +39,7 @@ class Sequence::SequenceImp {
   bool Check(int i, bool withLength) const {
     const int length = static_cast<int>(sets.size());
     if (i > length) {
-      KvCommon_850::KvStatus status(kIndexError, false);
+      KvCommon_850::KvStatus status(KvCommon_850::kStatusIndexError, false);
       status.SetDiscreteDatum(i);
       if (withLength) status.SetDiscreteDatum(length);
       throw status;

@@ -99,7 +99,7 @@ TEST(SequenceTest, IndexAboveLengthThrowsStatusWithIndexAndLength) {
     FAIL() << "no status thrown";
   } catch (const KvCommon_850::KvStatus& status) {
     EXPECT_FALSE(status.IsOK());
-    EXPECT_EQ(status.GetCode(), 60001);
+    EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusIndexError);
     EXPECT_EQ(status.GetDiscreteData(), (std::vector<long>{3, 2}));
   }
 }
@@ -110,7 +110,7 @@ TEST(SequenceTest, TimeIndexAboveLengthThrowsStatusWithIndexOnly) {
     (void)seq.GetTimeOfTimedItemSet(7);
     FAIL() << "no status thrown";
   } catch (const KvCommon_850::KvStatus& status) {
-    EXPECT_EQ(status.GetCode(), 60001);
+    EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusIndexError);
     EXPECT_EQ(status.GetDiscreteData(), (std::vector<long>{7}));
   }
 }

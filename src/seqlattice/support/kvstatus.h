@@ -12,6 +12,17 @@
 
 namespace KvCommon_850 {
 
+// The codes the library reports. Every site that builds or tests a status uses
+// these names, so that a code means one thing everywhere.
+//
+// kStatusCancelled: the cancel flag stopped a bulk operation early.
+// kStatusFailure: a bulk operation met an exception (chiefly running out of
+//   memory) or a missing counter inside and stopped.
+// kStatusIndexError: Sequence was asked for an item set past its length.
+constexpr long kStatusCancelled = 1;
+constexpr long kStatusFailure = 60000;
+constexpr long kStatusIndexError = 60001;
+
 class KvStatus {
  public:
   // OK: code 0, flag false, no data.

@@ -15,15 +15,22 @@ TEST(KvStatusTest, DefaultIsOk) {
 }
 
 TEST(KvStatusTest, BuiltFromCodeIsNotOk) {
-  KvStatus status(60000, false);
+  KvStatus status(KvCommon_850::kStatusFailure, false);
   EXPECT_FALSE(status.IsOK());
-  EXPECT_EQ(status.GetCode(), 60000);
+  EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
   EXPECT_FALSE(status.GetFlag());
 
   KvStatus flagged(1, true);
   EXPECT_FALSE(flagged.IsOK());
   EXPECT_EQ(flagged.GetCode(), 1);
   EXPECT_TRUE(flagged.GetFlag());
+}
+
+// The numbers are part of the published interface: hosts compare against them.
+TEST(KvStatusTest, NamedCodesKeepTheirNumbers) {
+  EXPECT_EQ(KvCommon_850::kStatusCancelled, 1);
+  EXPECT_EQ(KvCommon_850::kStatusFailure, 60000);
+  EXPECT_EQ(KvCommon_850::kStatusIndexError, 60001);
 }
 
 TEST(KvStatusTest, CodeZeroIsStillNotOk) {

@@ -9,6 +9,7 @@ namespace SEQUENCE_NAMESPACE_800 {
 namespace internal {
 
 using KvCommon_850::KvStatus;
+using KvCommon_850::kStatusFailure;
 using KvXML_850::XMLElement;
 namespace Tags = SeqXMLTags;
 
@@ -76,7 +77,7 @@ KvStatus WriteDocument(
   } catch (const std::exception&) {
     // Out of memory or a pattern without a counter: the tree is built
     // whole before anything is written, so the stream stays untouched.
-    return KvStatus(60000, false);
+    return KvStatus(kStatusFailure, false);
   }
   return ok;
 }

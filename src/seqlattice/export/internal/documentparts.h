@@ -48,7 +48,7 @@ void AddItemsAndItemsets(KvXML_850::XMLElement* parent,
 
 // Builds the tree with build and writes the document (declaration, document
 // type rootName/systemId, tree). When building throws, nothing is written
-// and KvStatus(60000, false) is returned; otherwise ok is returned.
+// and KvStatus(kStatusFailure, false) is returned; otherwise ok is returned.
 KvCommon_850::KvStatus WriteDocument(
     std::ostream& out, const char* rootName, const char* systemId,
     const std::function<std::unique_ptr<KvXML_850::XMLElement>()>& build,

@@ -81,7 +81,7 @@ std::vector<int> itemsOfLastSets(const Sequence& customer, int k);
 // Answers one prediction request. A customer that is null or without item
 // sets gets the most frequent single items. Otherwise `collect` gathers the
 // candidates and returns OK, or a status (cancellation) under which nothing
-// is appended. Running out of memory appends nothing and gives code 60000.
+// is appended. Running out of memory appends nothing and gives code kStatusFailure.
 KvCommon_850::KvStatus answer(
     SequenceDictionary& dict, const Sequence* customer, int maxItems,
     std::vector<SeqConsequentDescriptor>& out,
