@@ -1,20 +1,15 @@
 // seqlattice mine: read a transaction file, mine every frequent sequential
 // pattern into a dictionary, build its lattice and save the model.
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "commands/commands.h"
-#include "seqlattice/dictionary/dictionarysettings.h"
-#include "seqlattice/mining/dictionaryfiller.h"
-#include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
-#include "support/clierror.h"
 #include "support/inputlog.h"
+#include "support/minemodel.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
 #include "support/progress.h"
@@ -25,49 +20,13 @@ namespace {
 
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
 
-// --min-support: "0.02" is a fraction of the customers, "12" a count.
-struct MinSupportValue {
-  bool isFraction = false;
-  double value = 0;
-};
-
 struct MineOptions {
   std::string input;
   std::string output;
-  Parsed<MinSupportValue> minSupport;
-  int maxItems = 9;
+  MineSettings settings;
   InputOptions inputOptions;
   bool xml = false;
 };
-
-std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
-  char* end = nullptr;
-  double parsed = std::strtod(text.c_str(), &end);
-  bool isFraction = text.find_first_not_of("0123456789") != std::string::npos;
-  bool valid = !text.empty() && end == text.c_str() + text.size() &&
-               (isFraction ? parsed > 0 && parsed <= 1
-                           : parsed >= 1 && parsed <= 2147483647);
-  if (!valid) {
-    return "expected a fraction of the customers (0 < F <= 1) or a count of "
-           "customers (N >= 1), not \"" +
-           text + "\"";
-  }
-  *out = MinSupportValue{isFraction, parsed};
-  return "";
-}
-
-void describeDatabase(const mining::SequenceDatabase& db,
-                      MiningParameters* parameters) {
-  parameters->customers = static_cast<long>(db.customerCount());
-  parameters->transactions = static_cast<long>(db.transactionCount());
-  parameters->itemOccurrences = static_cast<long>(db.itemOccurrenceCount());
-  std::size_t widest = 0;
-  for (std::size_t t = 0; t < db.transactionCount(); ++t) {
-    widest = std::max(
-        widest, static_cast<std::size_t>(db.itemsEnd(t) - db.itemsBegin(t)));
-  }
-  parameters->maxItemsPerTransaction = static_cast<int>(widest);
-}
 
 void printLine(const std::string& field, const std::string& value) {
   std::string padding(field.size() < 14 ? 14 - field.size() : 1, ' ');
@@ -76,45 +35,19 @@ void printLine(const std::string& field, const std::string& value) {
 
 void runMine(const MineOptions& options) {
   auto start = std::chrono::steady_clock::now();
-  Model model;
-  MiningParameters& parameters = model.mining;
-  parameters.minSupportIsFraction = options.minSupport.value.isFraction;
-  parameters.minSupport = options.minSupport.value.value;
-  mining::MinerOptions minerOptions;
-  minerOptions.minSupport =
-      parameters.minSupportIsFraction
-          ? mining::MinSupport::fraction(parameters.minSupport)
-          : mining::MinSupport::count(static_cast<long>(parameters.minSupport));
-  minerOptions.maxItems = options.maxItems;
-  parameters.maxItems = options.maxItems;
-  parameters.inputName = options.input;
-  parameters.inputFormat = inputFormat(options.input, options.inputOptions);
-
   Progress progress;
   progress.note("reading " + options.input + " ...");
   SEQUENCE_NAMESPACE_800::input::LabelledDatabase log =
       loadInput(options.input, options.inputOptions);
   const mining::SequenceDatabase& db = log.database;
-  if (db.customerCount() == 0) failInput(options.input + ": no customers");
-  describeDatabase(db, &parameters);
-  model.items = log.items;
-  parameters.minCount = minerOptions.minSupport.countFor(db.customerCount());
 
   progress.note("mining " + std::to_string(db.customerCount()) +
                 " customers ...");
-  // The search and the model may use most of what is left once the
-  // database is loaded; a model that would need more is refused with a
-  // message instead of being killed for want of memory.
-  minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
-  SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
-  settings.nLevels = options.maxItems + 1;
-  model.dictionary =
-      std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
+  Model model;
   mining::MiningSummary summary =
-      mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
-  // Every stored count reaches the minimum, so this removes nothing; it
-  // records the minimum support that the documents state.
-  model.dictionary->reduceAll(static_cast<double>(summary.minCount));
+      mineModel(log, options.settings, options.input,
+                inputFormat(options.input, options.inputOptions), &model);
+  const MiningParameters& parameters = model.mining;
 
   progress.note("writing " + options.output + " ...");
   saveModel(model, options.output, options.xml);
@@ -130,11 +63,12 @@ void runMine(const MineOptions& options) {
                          " occurrences, at most " +
                          std::to_string(parameters.maxItemsPerTransaction) +
                          " per transaction");
-  printLine("min support", options.minSupport.text + " = " +
+  printLine("min support", options.settings.minSupport.text + " = " +
                                std::to_string(parameters.minCount) +
                                " customers");
   printLine("patterns", std::to_string(summary.patterns) + " of at most " +
-                            std::to_string(options.maxItems) + " items");
+                            std::to_string(options.settings.maxItems) +
+                            " items");
   for (int k = 1; k < static_cast<int>(summary.patternsPerSize.size()); ++k) {
     if (summary.patternsPerSize[k] == 0) continue;
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
@@ -167,12 +101,13 @@ Command addMineCommand(CLI::App& app) {
   command->add_option("-o,--output", options->output, "Model file to write")
       ->required();
   addParsedOption<MinSupportValue>(
-      command, "--min-support", &options->minSupport, parseMinSupport, "F|N",
+      command, "--min-support", &options->settings.minSupport, parseMinSupport,
+      "F|N",
       "Least support of a pattern: a fraction of the customers (0.05) or a "
       "count of customers (30)")
       ->default_val("0.05");
   command
-      ->add_option("--max-items", options->maxItems,
+      ->add_option("--max-items", options->settings.maxItems,
                    "Largest number of items in a pattern")
       ->check(CLI::Range(1, 31))
       ->capture_default_str();
