@@ -107,13 +107,10 @@ def _text_times(frame: pd.DataFrame, series: pd.Series) -> np.ndarray:
 def _time_values(frame: pd.DataFrame, series: pd.Series) -> np.ndarray:
     dtype = series.dtype
     if isinstance(dtype, pd.CategoricalDtype):
-        codes = series.cat.codes.to_numpy()
-        categories = pd.Series(series.cat.categories)
-        if len(categories) == 0:
-            return np.full(len(series), np.nan)
-        values = _time_values(pd.DataFrame(index=categories.index),
-                              categories)
-        return np.where(codes < 0, np.nan, values[codes])
+        # The categories' values per row (a vectorised take), so that a bad
+        # one is reported at its row.
+        return _time_values(frame,
+                            series.astype(dtype.categories.dtype))
     if isinstance(dtype, pd.DatetimeTZDtype):
         series = series.dt.tz_convert("UTC").dt.tz_localize(None)
         dtype = series.dtype

@@ -140,6 +140,15 @@ def test_a_missing_datetime_is_refused_naming_its_row():
         seqlattice.mine(frame(time=times))
 
 
+def test_a_bad_categorical_time_is_refused_naming_its_row():
+    times = pd.Categorical(["1", "2", "3", "4", "later", "5", "6"])
+    with pytest.raises(seqlattice.InputError) as raised:
+        seqlattice.mine(frame(time=times))
+    assert str(raised.value) == ('DataFrame row 4 (index 4): bad time '
+                                 '"later": expected a number or an ISO-8601 '
+                                 "date")
+
+
 def test_dates_and_numbers_in_one_column_are_refused():
     times = ["2024-01-02", "2024-01-01", "3", "2024-01-05", "2024-01-03",
              "2024-01-03", "2024-01-04"]
