@@ -279,6 +279,10 @@ void registerErrors(py::module_& m) {
   });
 }
 
+// The settings of the commands, field by field. A setting added to one of
+// them (a mining time limit, a pattern budget, ...) is exposed by one
+// def_readwrite here: seqlattice.mine() passes the keyword arguments it does
+// not name on to MineSettings' attributes.
 void bindSettings(py::module_& m) {
   py::class_<cli::MineSettings>(m, "MineSettings")
       .def(py::init<>())
