@@ -6,11 +6,13 @@ For each database of ../shared/data: the SPMF file is read into a DataFrame
 (customer, time, item; one row per item occurrence) and written as a CSV
 file. Then, REPEAT times each and in fresh processes:
   cli     `seqlattice mine log.csv -o log.model`: the whole run (reading,
-          mining, building the lattice, saving), wall time and peak RSS;
+          mining, building the lattice, saving), wall and CPU time and peak
+          RSS;
   python  seqlattice.mine(frame) in a process that has loaded the frame:
-          wall time of the call (hand-off + mining + lattice), its peak RSS,
-          the RSS before the call and the interpreter's RSS before the frame
-          was loaded.
+          wall and CPU time of the call (hand-off + mining + lattice), its
+          peak RSS, the RSS before the call and the interpreter's RSS before
+          the frame was loaded.
+CLI and Python runs alternate, so that both see the same load.
 Prints medians and the two targets: Python time / CLI time <= 1.2, and the
 Python process's peak, less the interpreter alone, <= DataFrame + CLI peak.
 
@@ -52,10 +54,15 @@ import pandas, seqlattice
 interpreter = status("VmRSS")
 frame = pickle.load(open(sys.argv[1], "rb"))
 before = status("VmRSS")
-started = time.perf_counter()
+import resource
+def cpu():
+    usage = resource.getrusage(resource.RUSAGE_SELF)
+    return usage.ru_utime + usage.ru_stime
+started, cpu_started = time.perf_counter(), cpu()
 model = seqlattice.mine(frame, min_support=float(sys.argv[2]))
 seconds = time.perf_counter() - started
-print(json.dumps({"seconds": seconds, "peak": status("VmHWM"),
+print(json.dumps({"seconds": seconds, "cpu": cpu() - cpu_started,
+                  "peak": status("VmHWM"),
                   "before": before, "interpreter": interpreter,
                   "patterns": model.info()["patterns"],
                   "frame": int(frame.memory_usage(deep=True).sum())}))
@@ -65,14 +72,15 @@ print(json.dumps({"seconds": seconds, "peak": status("VmHWM"),
 def run_cli(csv: pathlib.Path, support: str, model: pathlib.Path) -> dict:
     started = time.perf_counter()
     done = subprocess.run(
-        ["/usr/bin/time", "-f", "%M", str(CLI), "mine", str(csv), "-o",
+        ["/usr/bin/time", "-f", "%U %S %M", str(CLI), "mine", str(csv), "-o",
          str(model), "--min-support", support],
         capture_output=True, text=True, check=True)
     seconds = time.perf_counter() - started
     patterns = next(int(line.split()[1]) for line in done.stdout.splitlines()
                     if line.startswith("patterns"))
-    return {"seconds": seconds, "peak": int(done.stderr.split()[-1]) * 1024,
-            "patterns": patterns}
+    user, system, peak = done.stderr.split()[-3:]
+    return {"seconds": seconds, "cpu": float(user) + float(system),
+            "peak": int(peak) * 1024, "patterns": patterns}
 
 
 def run_python(frame_file: pathlib.Path, support: str) -> dict:
@@ -106,9 +114,11 @@ def main() -> int:
             frame.to_csv(csv, index=False)
             frame_file = tmp / "frame.pickle"
             frame.to_pickle(frame_file)
-            cli = [run_cli(csv, support, tmp / "log.model")
-                   for _ in range(REPEAT)]
-            py = [run_python(frame_file, support) for _ in range(REPEAT)]
+            # Alternated, so that both see the same load of a shared machine.
+            cli, py = [], []
+            for _ in range(REPEAT):
+                cli.append(run_cli(csv, support, tmp / "log.model"))
+                py.append(run_python(frame_file, support))
             assert {r["patterns"] for r in cli} == \
                 {r["patterns"] for r in py}, "different models"
             cli_s, py_s = median(cli, "seconds"), median(py, "seconds")
@@ -124,6 +134,10 @@ def main() -> int:
                   f"{'met' if py_s <= 1.2 * cli_s else 'MISSED'})")
             print(f"          cli runs {[round(r['seconds'], 3) for r in cli]}"
                   f"  python runs {[round(r['seconds'], 3) for r in py]}")
+            cli_cpu, py_cpu = median(cli, "cpu"), median(py, "cpu")
+            print(f"  cpu     cli {cli_cpu:.3f} s  python {py_cpu:.3f} s  "
+                  f"ratio {py_cpu / cli_cpu:.2f} (user + system; the steadier "
+                  "figure on a shared machine)")
             print(f"  memory  cli peak {mib(cli_peak)}; python peak "
                   f"{mib(py_peak)} = interpreter {mib(interpreter)} + frame "
                   f"loaded {mib(before - interpreter)} + mining "
