@@ -163,3 +163,17 @@ def test_a_missing_column_is_refused_naming_the_columns():
         seqlattice.mine(frame(), item="product")
     assert str(raised.value) == ('DataFrame: no column "product" (columns: '
                                  '"customer", "time", "item")')
+
+
+def test_file_options_and_mining_settings(tmp_path):
+    data = frame().rename(columns={"customer": "client"})
+    data.to_csv(tmp_path / "log.tab", sep=";", index=False)
+    model = seqlattice.mine(tmp_path / "log.tab", customer="client",
+                            delimiter=";", format="csv", min_support=2,
+                            threads=1)
+    assert records(model.patterns()) == EXPECTED_PATTERNS
+    assert model.info()["input format"] == "csv"
+    one_item = seqlattice.mine(data, customer="client", min_support=2,
+                               max_items=1)
+    assert records(one_item.patterns()) == EXPECTED_PATTERNS[:2]
+    assert one_item.info()["max items per pattern"] == 1
