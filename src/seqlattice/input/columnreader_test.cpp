@@ -47,24 +47,22 @@ inline std::string errorOf(const ColumnData& data) {
 }  // namespace test
 
 TEST(ColumnReaderTest, GroupsRowsAsTheCsvReaderDoes) {
-  test::ColumnData data{{0, 1, 0, 0, 0},
-                        {2, 1, 1, 2, 1},
-                        {0, 1, 2, 2, 2},
-                        {"ann", "bob"},
-                        {"milk", "tea", "bread"}};
+  // Rows out of time order, a repeated item, a numeric item label and
+  // equal times that merge into one transaction.
+  test::ColumnData data{{0, 1, 0, 1, 0, 0},
+                        {5, 3, 4, 3, 5, 4},
+                        {0, 1, 2, 0, 1, 2},
+                        {"cy", "dee"},
+                        {"rye", "12", "oat"}};
   input::LabelledDatabase log =
       input::readColumns(data.columns(), input::ColumnOptions());
   EXPECT_EQ(test::describeLog(log),
-            "ann: (bread)@1 (bread milk)@2\n"
-            "bob: (tea)@1\n");
+            "cy: (oat)@4 (rye 12)@5\n"
+            "dee: (rye 12)@3\n");
 
   std::istringstream csv(
-      "customer,time,item\n"
-      "ann,2,milk\n"
-      "bob,1,tea\n"
-      "ann,1,bread\n"
-      "ann,2,bread\n"
-      "ann,1,bread\n");
+      "item,customer,time\n"
+      "rye,cy,5\n12,dee,3\noat,cy,4\nrye,dee,3\n12,cy,5\noat,cy,4\n");
   input::LabelledDatabase fromCsv =
       input::readCsv(csv, "orders.csv", input::CsvOptions());
   EXPECT_EQ(test::describeLog(fromCsv), test::describeLog(log));
