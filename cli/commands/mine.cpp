@@ -13,10 +13,12 @@
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
+#include "support/atomicfile.h"
 #include "support/clierror.h"
 #include "support/inputlog.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
+#include "support/patternstream.h"
 #include "support/progress.h"
 
 namespace seqlattice_cli {
@@ -38,6 +40,8 @@ struct MineOptions {
   int maxItems = 9;
   InputOptions inputOptions;
   bool xml = false;
+  std::string patternsOnly;  // a file for the patterns instead of a model
+  std::string patternsFormat = "auto";
 };
 
 std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
@@ -106,18 +110,34 @@ void runMine(const MineOptions& options) {
   // database is loaded; a model that would need more is refused with a
   // message instead of being killed for want of memory.
   minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
-  SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
-  settings.nLevels = options.maxItems + 1;
-  model.dictionary =
-      std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
-  mining::MiningSummary summary =
-      mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
-  // Every stored count reaches the minimum, so this removes nothing; it
-  // records the minimum support that the documents state.
-  model.dictionary->reduceAll(static_cast<double>(summary.minCount));
+  mining::MiningSummary summary;
+  std::string written;
+  if (!options.patternsOnly.empty()) {
+    PatternFormat format =
+        options.patternsFormat == "auto"
+            ? patternFormatOf(options.patternsOnly)
+            : (options.patternsFormat == "json" ? PatternFormat::kJson
+                                                : PatternFormat::kSpmf);
+    writeOutput(options.patternsOnly, [&](std::ostream& out) {
+      PatternStream stream(out, format, log.items);
+      summary = mining::SequenceMiner(minerOptions).mine(db, stream);
+    });
+    written = options.patternsOnly +
+              (format == PatternFormat::kJson ? " (json lines)" : " (spmf)");
+  } else {
+    SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
+    settings.nLevels = options.maxItems + 1;
+    model.dictionary =
+        std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
+    summary = mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
+    // Every stored count reaches the minimum, so this removes nothing; it
+    // records the minimum support that the documents state.
+    model.dictionary->reduceAll(static_cast<double>(summary.minCount));
 
-  progress.note("writing " + options.output + " ...");
-  saveModel(model, options.output, options.xml);
+    progress.note("writing " + options.output + " ...");
+    saveModel(model, options.output, options.xml);
+    written = options.output + (options.xml ? " (xml)" : " (binary)");
+  }
   double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
           .count();
@@ -140,7 +160,7 @@ void runMine(const MineOptions& options) {
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
               std::to_string(summary.patternsPerSize[k]));
   }
-  printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
+  printLine(options.patternsOnly.empty() ? "model" : "pattern file", written);
   char time[32];
   std::snprintf(time, sizeof time, "%.2f s", seconds);
   printLine("time", time);
@@ -164,8 +184,29 @@ Command addMineCommand(CLI::App& app) {
       ->add_option("INPUT", options->input,
                    "Transaction file: CSV/TSV with a header, or SPMF")
       ->required();
-  command->add_option("-o,--output", options->output, "Model file to write")
-      ->required();
+  CLI::Option* output = command->add_option("-o,--output", options->output,
+                                            "Model file to write");
+  CLI::Option* patternsOnly =
+      command
+          ->add_option("--patterns-only", options->patternsOnly,
+                       "Write the frequent patterns to this file, one a line, "
+                       "instead of a model: needs no memory for a model, so "
+                       "it finishes searches whose model would not fit")
+          ->excludes(output);
+  command
+      ->add_option("--patterns-format", options->patternsFormat,
+                   "Form of the --patterns-only lines: spmf (1 -1 2 3 -1 "
+                   "#SUP: 7), json ({\"sequence\":[[1],[2,3]],\"freq\":7}) "
+                   "or auto (json for .json, .jsonl and .ndjson files)")
+      ->check(CLI::IsMember({"auto", "spmf", "json"}))
+      ->needs(patternsOnly)
+      ->capture_default_str();
+  // One of the two outputs is needed; CLI11 checks this after parsing.
+  command->callback([output, patternsOnly] {
+    if (output->count() == 0 && patternsOnly->count() == 0) {
+      throw CLI::RequiredError("--output or --patterns-only");
+    }
+  });
   addParsedOption<MinSupportValue>(
       command, "--min-support", &options->minSupport, parseMinSupport, "F|N",
       "Least support of a pattern: a fraction of the customers (0.05) or a "
@@ -177,15 +218,19 @@ Command addMineCommand(CLI::App& app) {
       ->check(CLI::Range(1, 31))
       ->capture_default_str();
   addInputOptions(command, &options->inputOptions, "--format");
-  command->add_flag("--xml", options->xml,
-                    "Write the model in the XML object format");
+  command
+      ->add_flag("--xml", options->xml,
+                 "Write the model in the XML object format")
+      ->excludes(patternsOnly);
   command->footer(
       "Examples:\n"
       "  seqlattice mine data/sample/orders.csv -o orders.model "
       "--min-support 0.02\n"
       "  seqlattice mine log.tsv -o log.model --customer client --time date "
       "--item product\n"
-      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60");
+      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60\n"
+      "  seqlattice mine BMS1_spmf.txt --patterns-only bms.patterns "
+      "--min-support 30");
   return {command, [options] { runMine(*options); }};
 }
 
