@@ -4,17 +4,16 @@
 
 #include "cli_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using cli_test::CliRun;
-using cli_test::CliTest;
-
-class CliQueryTest : public CliTest {
+class CliQueryTest : public test::CliTest {
  protected:
   // Mines the model "shop.model" at a minimum count of 2 from five customers
   // with labelled products.
   void SetUp() override {
-    CliTest::SetUp();
+    test::CliTest::SetUp();
     writeFile("shop.csv",
               "customer,time,item\n"
               "ann,2024-01-01,pot\n"
@@ -28,14 +27,14 @@ class CliQueryTest : public CliTest {
               "dan,2024-01-04,\"jam, red\"\n"
               "eve,2024-01-03,\"jam, red\"\n"
               "eve,2024-01-06,\"jam, red\"\n");
-    CliRun mined =
+    test::CliRun mined =
         run({"mine", "shop.csv", "-o", "shop.model", "--min-support", "2"});
     ASSERT_EQ(mined.exitCode, 0) << mined.err;
   }
 
   // A successful run's standard output; nothing on standard error.
   std::string output(const std::vector<std::string>& args) {
-    CliRun result = run(args);
+    test::CliRun result = run(args);
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.err, "");
     return result.out;
@@ -104,7 +103,7 @@ TEST_F(CliQueryTest, PredictForANewCustomerGivesTheMostFrequentItems) {
 
 TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
   // The last order matches nothing; the order before it predicts.
-  CliRun result = run({"predict", "shop.model", "--history", "pot;soap"});
+  test::CliRun result = run({"predict", "shop.model", "--history", "pot;soap"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err,
             "seqlattice: predict: item \"soap\" is not in the model\n");
@@ -114,7 +113,7 @@ TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
 }
 
 TEST_F(CliQueryTest, PredictFromTheLastOrderOnly) {
-  CliRun result = run(
+  test::CliRun result = run(
       {"predict", "shop.model", "--history", "pot;soap", "--last-set-only"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "rank  item  confidence  support  cause\n");
@@ -135,7 +134,7 @@ TEST_F(CliQueryTest, PredictForEveryCustomerOfAFile) {
 
 TEST_F(CliQueryTest, PredictBatchReportsBadRows) {
   writeFile("recent.csv", "customer,time,item\nzoe,5\n");
-  CliRun result = run({"predict", "shop.model", "--input", "recent.csv"});
+  test::CliRun result = run({"predict", "shop.model", "--input", "recent.csv"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err,
@@ -237,7 +236,7 @@ TEST_F(CliQueryTest, ConvertRoundTrip) {
 
 TEST_F(CliQueryTest, ModelErrors) {
   auto expectError = [&](const std::string& file, const std::string& message) {
-    CliRun result = run({"rules", file});
+    test::CliRun result = run({"rules", file});
     EXPECT_EQ(result.exitCode, 1) << file;
     EXPECT_EQ(result.out, "") << file;
     EXPECT_EQ(result.err, "seqlattice: " + file + ": " + message + "\n");
@@ -256,9 +255,11 @@ TEST_F(CliQueryTest, ModelErrors) {
 }
 
 TEST_F(CliQueryTest, ConvertLeavesNoFileOnError) {
-  CliRun result = run({"convert", "nope.model", "out.model"});
+  test::CliRun result = run({"convert", "nope.model", "out.model"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(listWork(), (std::vector<std::string>{"shop.csv", "shop.model"}));
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

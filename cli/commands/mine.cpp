@@ -12,6 +12,7 @@
 #include "support/minemodel.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
+#include "support/patternstream.h"
 #include "support/progress.h"
 
 namespace seqlattice_cli {
@@ -26,6 +27,8 @@ struct MineOptions {
   MineSettings settings;
   InputOptions inputOptions;
   bool xml = false;
+  std::string patternsOnly;  // a file for the patterns instead of a model
+  std::string patternsFormat = "auto";
 };
 
 void printLine(const std::string& field, const std::string& value) {
@@ -44,13 +47,25 @@ void runMine(const MineOptions& options) {
   progress.note("mining " + std::to_string(db.customerCount()) +
                 " customers ...");
   Model model;
-  mining::MiningSummary summary =
-      mineModel(log, options.settings, options.input,
-                inputFormat(options.input, options.inputOptions), &model);
   const MiningParameters& parameters = model.mining;
-
-  progress.note("writing " + options.output + " ...");
-  saveModel(model, options.output, options.xml);
+  const std::string logFormat =
+      inputFormat(options.input, options.inputOptions);
+  mining::MiningSummary summary;
+  std::string written;
+  if (!options.patternsOnly.empty()) {
+    PatternFormat format =
+        patternFormatFor(options.patternsOnly, options.patternsFormat);
+    summary = minePatternFile(log, options.settings, options.input, logFormat,
+                              options.patternsOnly, format, &model);
+    written = options.patternsOnly +
+              (format == PatternFormat::kJson ? " (json lines)" : " (spmf)");
+  } else {
+    summary =
+        mineModel(log, options.settings, options.input, logFormat, &model);
+    progress.note("writing " + options.output + " ...");
+    saveModel(model, options.output, options.xml);
+    written = options.output + (options.xml ? " (xml)" : " (binary)");
+  }
   double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
           .count();
@@ -74,7 +89,7 @@ void runMine(const MineOptions& options) {
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
               std::to_string(summary.patternsPerSize[k]));
   }
-  printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
+  printLine(options.patternsOnly.empty() ? "model" : "pattern file", written);
   char time[32];
   std::snprintf(time, sizeof time, "%.2f s", seconds);
   printLine("time", time);
@@ -98,8 +113,29 @@ Command addMineCommand(CLI::App& app) {
       ->add_option("INPUT", options->input,
                    "Transaction file: CSV/TSV with a header, or SPMF")
       ->required();
-  command->add_option("-o,--output", options->output, "Model file to write")
-      ->required();
+  CLI::Option* output = command->add_option("-o,--output", options->output,
+                                            "Model file to write");
+  CLI::Option* patternsOnly =
+      command
+          ->add_option("--patterns-only", options->patternsOnly,
+                       "Write the frequent patterns to this file, one a line, "
+                       "instead of a model: needs no memory for a model, so "
+                       "it finishes searches whose model would not fit")
+          ->excludes(output);
+  command
+      ->add_option("--patterns-format", options->patternsFormat,
+                   "Form of the --patterns-only lines: spmf (1 -1 2 3 -1 "
+                   "#SUP: 7), json ({\"sequence\":[[1],[2,3]],\"freq\":7}) "
+                   "or auto (json for .json, .jsonl and .ndjson files)")
+      ->check(CLI::IsMember({"auto", "spmf", "json"}))
+      ->needs(patternsOnly)
+      ->capture_default_str();
+  // One of the two outputs is needed; CLI11 checks this after parsing.
+  command->callback([output, patternsOnly] {
+    if (output->count() == 0 && patternsOnly->count() == 0) {
+      throw CLI::RequiredError("--output or --patterns-only");
+    }
+  });
   addParsedOption<MinSupportValue>(
       command, "--min-support", &options->settings.minSupport, parseMinSupport,
       "F|N",
@@ -112,15 +148,19 @@ Command addMineCommand(CLI::App& app) {
       ->check(CLI::Range(1, 31))
       ->capture_default_str();
   addInputOptions(command, &options->inputOptions, "--format");
-  command->add_flag("--xml", options->xml,
-                    "Write the model in the XML object format");
+  command
+      ->add_flag("--xml", options->xml,
+                 "Write the model in the XML object format")
+      ->excludes(patternsOnly);
   command->footer(
       "Examples:\n"
       "  seqlattice mine data/sample/orders.csv -o orders.model "
       "--min-support 0.02\n"
       "  seqlattice mine log.tsv -o log.model --customer client --time date "
       "--item product\n"
-      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60");
+      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60\n"
+      "  seqlattice mine BMS1_spmf.txt --patterns-only bms.patterns "
+      "--min-support 30");
   return {command, [options] { runMine(*options); }};
 }
 

@@ -7,6 +7,7 @@
 #include "seqlattice/dictionary/dictionarysettings.h"
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/memorybudget.h"
+#include "support/atomicfile.h"
 #include "support/clierror.h"
 
 namespace seqlattice_cli {
@@ -46,7 +47,7 @@ std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
   return "";
 }
 
-mining::MiningSummary mineModel(
+mining::MinerOptions prepareMining(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
     const std::string& inputFormat, Model* model) {
@@ -73,17 +74,47 @@ mining::MiningSummary mineModel(
   // database is loaded; a model that would need more is refused with a
   // message instead of being killed for want of memory.
   minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
+  return minerOptions;
+}
+
+mining::MiningSummary mineModel(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, Model* model) {
+  mining::MinerOptions minerOptions =
+      prepareMining(log, settings, inputName, inputFormat, model);
   SEQUENCE_NAMESPACE_800::SeqDictionarySettings dictionarySettings;
   dictionarySettings.nLevels = settings.maxItems + 1;
   model->dictionary =
       std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(
           dictionarySettings);
-  mining::MiningSummary summary =
-      mining::mineIntoDictionary(db, minerOptions, *model->dictionary);
+  mining::MiningSummary summary = mining::mineIntoDictionary(
+      log.database, minerOptions, *model->dictionary);
   // Every stored count reaches the minimum, so this removes nothing; it
   // records the minimum support that the documents state.
   model->dictionary->reduceAll(static_cast<double>(summary.minCount));
   return summary;
+}
+
+mining::MiningSummary minePatternFile(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, const std::string& path,
+    PatternFormat format, Model* model) {
+  mining::MinerOptions minerOptions =
+      prepareMining(log, settings, inputName, inputFormat, model);
+  mining::MiningSummary summary;
+  writeOutput(path, [&](std::ostream& out) {
+    PatternStream stream(out, format, log.items);
+    summary = mining::SequenceMiner(minerOptions).mine(log.database, stream);
+  });
+  return summary;
+}
+
+PatternFormat patternFormatFor(const std::string& path,
+                               const std::string& name) {
+  if (name == "auto") return patternFormatOf(path);
+  return name == "json" ? PatternFormat::kJson : PatternFormat::kSpmf;
 }
 
 }  // namespace seqlattice_cli

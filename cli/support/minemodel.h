@@ -13,6 +13,7 @@
 #include "seqlattice/mining/miner.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
+#include "support/patternstream.h"
 
 namespace seqlattice_cli {
 
@@ -31,15 +32,36 @@ struct MineSettings {
   int threads = 0;                     // 0: the hardware's concurrency
 };
 
-// Mines log into a fresh model (dictionary, item labels and mining
-// parameters) and returns the miner's summary. inputName and inputFormat
-// are recorded in the model. Throws CliError (exit 1) when the log has no
-// customers, and passes on the miner's MiningError (a model beyond the
-// memory the machine has free is refused that way).
+// Records in model what it is mined from and with (item labels, mining
+// parameters; inputName and inputFormat as given) and returns the miner's
+// options for log, with a memory budget of most of what the machine has free.
+// Throws CliError (exit 1) when the log has no customers.
+SEQUENCE_NAMESPACE_800::mining::MinerOptions prepareMining(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, Model* model);
+
+// prepareMining, then mines log into the model's fresh dictionary and
+// returns the miner's summary. Passes on the miner's MiningError (a model
+// beyond the memory the machine has free is refused that way).
 SEQUENCE_NAMESPACE_800::mining::MiningSummary mineModel(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
     const std::string& inputFormat, Model* model);
+
+// prepareMining, then streams the patterns to path (standard output for ""
+// or "-") in format instead of storing them: `mine --patterns-only`. The
+// model keeps no dictionary.
+SEQUENCE_NAMESPACE_800::mining::MiningSummary minePatternFile(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, const std::string& path,
+    PatternFormat format, Model* model);
+
+// The pattern file format a --patterns-format value names for path: "json",
+// "spmf", or "auto" (by the file name).
+PatternFormat patternFormatFor(const std::string& path,
+                               const std::string& name);
 
 }  // namespace seqlattice_cli
 
