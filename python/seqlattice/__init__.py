@@ -18,8 +18,9 @@ the file and line), MiningError (a model beyond free memory), and Error for
 the rest (a model file that cannot be read, ...).
 """
 
-from ._model import Model, load, mine, read_log
+from ._model import Model, load, mine, mine_patterns, read_log
 from ._seqlattice import Error, InputError, MiningError
 
-__all__ = ["Error", "InputError", "MiningError", "Model", "load", "mine", "read_log"]
+__all__ = ["Error", "InputError", "MiningError", "Model", "load", "mine", "mine_patterns",
+           "read_log"]
 __version__ = "0.1.0"

@@ -266,6 +266,34 @@ class Model:
                 f"{info['customers (N)']} customers>")
 
 
+def _mine(data: Data, customer: str, time: str, item: str,
+          min_support: Union[float, int], max_items: int,
+          threads: Optional[int], format: str, delimiter: Optional[str],
+          options: dict, function: str, pattern_file: str = "",
+          pattern_format: str = "auto"):
+    """The extension's model and the miner's summary."""
+    settings = _seqlattice.MineSettings()
+    settings.min_support = _support_text(min_support)
+    settings.max_items = _check_range("max_items", max_items, 1, 31)
+    settings.threads = 0 if threads is None else _check_range(
+        "threads", threads, 0, 4096)
+    _set_options(settings, options, function)
+    if isinstance(data, pd.DataFrame):
+        log = _frame.log_columns(data, customer, time, item)
+        return _seqlattice.Model.mine_columns(
+            log.customer, log.time, log.item, len(log.customers),
+            log.item_labels, settings, _frame.SOURCE, pattern_file,
+            pattern_format)
+    if isinstance(data, (str, os.PathLike)):
+        input_options = _input_options(customer, time, item, format,
+                                       delimiter)
+        return _seqlattice.Model.mine_file(os.fspath(data), input_options,
+                                           settings, pattern_file,
+                                           pattern_format)
+    raise TypeError("data: expected a pandas DataFrame or a path, not "
+                    f"{type(data).__name__}")
+
+
 def mine(data: Data, *, customer: str = "customer", time: str = "time",
          item: str = "item", min_support: Union[float, int] = 0.05,
          max_items: int = 9, threads: Optional[int] = None,
@@ -291,25 +319,36 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
     Runs without the GIL. Raises InputError naming the row (or the file and
     line) of bad input, MiningError when the model would not fit in memory.
     """
-    settings = _seqlattice.MineSettings()
-    settings.min_support = _support_text(min_support)
-    settings.max_items = _check_range("max_items", max_items, 1, 31)
-    settings.threads = 0 if threads is None else _check_range(
-        "threads", threads, 0, 4096)
-    _set_options(settings, options, "mine")
-    if isinstance(data, pd.DataFrame):
-        log = _frame.log_columns(data, customer, time, item)
-        core = _seqlattice.Model.mine_columns(
-            log.customer, log.time, log.item, len(log.customers),
-            log.item_labels, settings, _frame.SOURCE)
-        return Model(core)
-    if isinstance(data, (str, os.PathLike)):
-        input_options = _input_options(customer, time, item, format,
-                                       delimiter)
-        return Model(_seqlattice.Model.mine_file(os.fspath(data),
-                                                 input_options, settings))
-    raise TypeError("data: expected a pandas DataFrame or a path, not "
-                    f"{type(data).__name__}")
+    core, _ = _mine(data, customer, time, item, min_support, max_items,
+                    threads, format, delimiter, options, "mine")
+    return Model(core)
+
+
+def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
+                  customer: str = "customer", time: str = "time",
+                  item: str = "item", min_support: Union[float, int] = 0.05,
+                  max_items: int = 9, threads: Optional[int] = None,
+                  format: str = "auto", delimiter: Optional[str] = None,
+                  **options: Any) -> dict[str, Any]:
+    """Mines the frequent patterns of a log, as :func:`mine` does, straight
+    into a pattern file instead of a model, as ``seqlattice mine
+    --patterns-only`` does: it needs no memory for a model, so it finishes
+    searches whose model would not fit.
+
+    ``patterns_format`` is "spmf", "json" (one JSON object a line) or "auto"
+    (json for .json, .jsonl and .ndjson files). Returns the miner's summary:
+    customers, min count, patterns and patterns per size (from 1 item).
+    """
+    if patterns_format not in ("auto", "spmf", "json"):
+        raise ValueError('patterns_format: expected "auto", "spmf" or '
+                         f'"json", not "{patterns_format}"')
+    path = os.fspath(path)
+    if not path:
+        raise ValueError("path: expected a file name")
+    _, summary = _mine(data, customer, time, item, min_support, max_items,
+                       threads, format, delimiter, options, "mine_patterns",
+                       path, patterns_format)
+    return summary
 
 
 def read_log(path: PathLike, *, customer: str = "customer",

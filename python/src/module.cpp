@@ -107,34 +107,73 @@ input::LogColumns logColumns(const Codes& customer, const Times& time,
 // What a database may hold, as for the tool's input files.
 std::size_t inputMemoryLimit() { return mining::availableMemoryBytes() / 2; }
 
-std::unique_ptr<PyModel> mineFile(const std::string& path,
-                                  const cli::InputOptions& options,
-                                  const cli::MineSettings& settings) {
-  auto result = std::make_unique<PyModel>();
-  unlocked(nullptr, [&] {
-    input::LabelledDatabase log = cli::loadInput(path, options);
-    cli::mineModel(log, settings, path, cli::inputFormat(path, options),
-                   &result->model);
-  });
-  return result;
+// Mines log into the model's dictionary or, given a path, as `mine
+// --patterns-only` does into a pattern file (the model then holds only what
+// it was mined from and with).
+mining::MiningSummary mineLog(const input::LabelledDatabase& log,
+                              const cli::MineSettings& settings,
+                              const std::string& inputName,
+                              const std::string& inputFormat,
+                              const std::string& patternFile,
+                              const std::string& patternFormat,
+                              cli::Model* model) {
+  if (patternFile.empty()) {
+    return cli::mineModel(log, settings, inputName, inputFormat, model);
+  }
+  return cli::minePatternFile(
+      log, settings, inputName, inputFormat, patternFile,
+      cli::patternFormatFor(patternFile, patternFormat), model);
 }
 
-std::unique_ptr<PyModel> mineColumns(const Codes& customer, const Times& time,
-                                     const Codes& item, std::size_t customers,
-                                     std::vector<std::string> itemLabels,
-                                     const cli::MineSettings& settings,
-                                     const std::string& inputName) {
+// The model and the miner's summary: customers, min count, patterns and
+// patterns per size (from 1 item).
+py::tuple mined(std::unique_ptr<PyModel> model,
+                const mining::MiningSummary& summary) {
+  py::dict counts;
+  counts["customers"] = summary.customers;
+  counts["min count"] = summary.minCount;
+  counts["patterns"] = summary.patterns;
+  std::vector<long> perSize;
+  if (summary.patternsPerSize.size() > 1) {
+    perSize.assign(summary.patternsPerSize.begin() + 1,
+                   summary.patternsPerSize.end());
+  }
+  counts["patterns per size"] = perSize;
+  return py::make_tuple(std::move(model), counts);
+}
+
+py::tuple mineFile(const std::string& path, const cli::InputOptions& options,
+                   const cli::MineSettings& settings,
+                   const std::string& patternFile,
+                   const std::string& patternFormat) {
+  auto result = std::make_unique<PyModel>();
+  mining::MiningSummary summary = unlocked(nullptr, [&] {
+    input::LabelledDatabase log = cli::loadInput(path, options);
+    return mineLog(log, settings, path, cli::inputFormat(path, options),
+                   patternFile, patternFormat, &result->model);
+  });
+  return mined(std::move(result), summary);
+}
+
+py::tuple mineColumns(const Codes& customer, const Times& time,
+                      const Codes& item, std::size_t customers,
+                      std::vector<std::string> itemLabels,
+                      const cli::MineSettings& settings,
+                      const std::string& inputName,
+                      const std::string& patternFile,
+                      const std::string& patternFormat) {
   input::LogColumns columns =
       logColumns(customer, time, item, customers, std::move(itemLabels));
   auto result = std::make_unique<PyModel>();
-  unlocked(nullptr, [&] {
+  mining::MiningSummary summary = unlocked(nullptr, [&] {
     input::ColumnOptions options;
     options.memoryLimit = inputMemoryLimit();
     input::LabelledDatabase log =
         input::readColumns(std::move(columns), options);
-    cli::mineModel(log, settings, inputName, "dataframe", &result->model);
+    return mineLog(log, settings, inputName, "dataframe", patternFile,
+                   patternFormat, &result->model);
   });
-  return result;
+  return mined(std::move(result), summary);
 }
 
 std::unique_ptr<PyModel> loadModel(const std::string& path) {

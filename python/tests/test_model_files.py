@@ -44,3 +44,25 @@ def test_a_loaded_model_saves_byte_for_byte(tool, tmp_path):
         (tmp_path / "tool.model").read_bytes()
     assert (tmp_path / "again.xml").read_bytes() == \
         (tmp_path / "tool.xml").read_bytes()
+
+
+@pytest.mark.parametrize("name, flags", [("patterns.txt", []),
+                                         ("patterns.jsonl", []),
+                                         ("patterns.out",
+                                          ["--patterns-format", "json"])])
+def test_pattern_files_equal_the_tools(tool, sample_frame, tmp_path, name,
+                                       flags):
+    tool.run("mine", SAMPLE, "--patterns-only", tmp_path / f"tool-{name}",
+             "--min-support", "0.04", *flags)
+    form = "json" if flags else "auto"
+    summary = seqlattice.mine_patterns(sample_frame, tmp_path / name,
+                                       min_support=0.04,
+                                       patterns_format=form, threads=1)
+    assert summary["customers"] == 600
+    assert summary["min count"] == 24
+    assert summary["patterns"] == 500
+    assert sum(summary["patterns per size"]) == 500
+    python_lines = (tmp_path / name).read_text().splitlines()
+    tool_lines = (tmp_path / f"tool-{name}").read_text().splitlines()
+    assert len(tool_lines) >= 500
+    assert sorted(python_lines) == sorted(tool_lines)
