@@ -10,6 +10,7 @@
 #include "support/clierror.h"
 #include "support/dotgraph.h"
 #include "support/modelfile.h"
+#include "support/parsedoption.h"
 #include "support/rulebounds.h"
 
 namespace seqlattice_cli {
@@ -31,8 +32,13 @@ void checkStatus(const KvCommon_850::KvStatus& status, const char* what) {
   }
 }
 
+Model loadModelFor(const ExportOptions& options) {
+  refuseSameFile(options.model, options.output);
+  return loadModel(options.model);
+}
+
 void runPmml(const ExportOptions& options) {
-  Model model = loadModel(options.model);
+  Model model = loadModelFor(options);
   const RuleBounds& b = options.bounds;
   writeOutput(options.output, [&](std::ostream& out) {
     checkStatus(
@@ -45,7 +51,7 @@ void runPmml(const ExportOptions& options) {
 }
 
 void runLattice(const ExportOptions& options) {
-  Model model = loadModel(options.model);
+  Model model = loadModelFor(options);
   writeOutput(options.output, [&](std::ostream& out) {
     checkStatus(
         model.dictionary->ExportLatticeXML(out, options.latticeMinSupport),
@@ -54,7 +60,7 @@ void runLattice(const ExportOptions& options) {
 }
 
 void runDot(const ExportOptions& options) {
-  Model model = loadModel(options.model);
+  Model model = loadModelFor(options);
   writeOutput(options.output, [&](std::ostream& out) {
     writeDotGraph(out, *model.dictionary, model.items, options.top);
   });
@@ -101,7 +107,7 @@ Command addExportCommand(CLI::App& app) {
       "Graphviz graph of the most frequent patterns and their extensions",
       options.get());
   dot->add_option("--top", options->top, "Number of patterns shown")
-      ->check(CLI::PositiveNumber)
+      ->check(wholeNumber(1))
       ->capture_default_str();
   dot->footer(
       "Example:\n"

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -13,6 +14,7 @@
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
+#include "support/atomicfile.h"
 #include "support/clierror.h"
 #include "support/inputlog.h"
 #include "support/modelfile.h"
@@ -38,6 +40,8 @@ struct MineOptions {
   int maxItems = 9;
   InputOptions inputOptions;
   bool xml = false;
+  double timeLimit = 0;  // seconds; 0: none
+  bool progress = false;
 };
 
 std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
@@ -69,12 +73,39 @@ void describeDatabase(const mining::SequenceDatabase& db,
   parameters->maxItemsPerTransaction = static_cast<int>(widest);
 }
 
+// Progress of the search, at most twice a second: the patterns found so far
+// and how fast they come.
+std::function<bool(long)> searchProgress(Progress& progress) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  auto shown = std::make_shared<Clock::time_point>(start);
+  return [&progress, start, shown](long patterns) {
+    const Clock::time_point now = Clock::now();
+    if (now - *shown < std::chrono::milliseconds(500)) return true;
+    *shown = now;
+    const double seconds = std::chrono::duration<double>(now - start).count();
+    char text[128];
+    std::snprintf(text, sizeof text,
+                  "mining: %ld patterns so far, %.0f patterns/s, %.0f s",
+                  patterns, patterns / std::max(seconds, 1e-9), seconds);
+    progress.note(text);
+    return true;
+  };
+}
+
+std::string secondsText(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g s", seconds);
+  return text;
+}
+
 void printLine(const std::string& field, const std::string& value) {
   std::string padding(field.size() < 14 ? 14 - field.size() : 1, ' ');
   std::cout << field << padding << value << "\n";
 }
 
 void runMine(const MineOptions& options) {
+  refuseSameFile(options.input, options.output);
   auto start = std::chrono::steady_clock::now();
   Model model;
   MiningParameters& parameters = model.mining;
@@ -90,7 +121,7 @@ void runMine(const MineOptions& options) {
   parameters.inputName = options.input;
   parameters.inputFormat = inputFormat(options.input, options.inputOptions);
 
-  Progress progress;
+  Progress progress(options.progress);
   progress.note("reading " + options.input + " ...");
   SEQUENCE_NAMESPACE_800::input::LabelledDatabase log =
       loadInput(options.input, options.inputOptions);
@@ -106,6 +137,13 @@ void runMine(const MineOptions& options) {
   // database is loaded; a model that would need more is refused with a
   // message instead of being killed for want of memory.
   minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
+  if (options.timeLimit > 0) {
+    minerOptions.deadline =
+        std::chrono::steady_clock::now() +
+        std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+            std::chrono::duration<double>(options.timeLimit));
+  }
+  minerOptions.progress = searchProgress(progress);
   SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
   settings.nLevels = options.maxItems + 1;
   model.dictionary =
@@ -115,6 +153,8 @@ void runMine(const MineOptions& options) {
   // Every stored count reaches the minimum, so this removes nothing; it
   // records the minimum support that the documents state.
   model.dictionary->reduceAll(static_cast<double>(summary.minCount));
+  parameters.complete = summary.complete;
+  parameters.timeLimit = options.timeLimit;
 
   progress.note("writing " + options.output + " ...");
   saveModel(model, options.output, options.xml);
@@ -140,10 +180,24 @@ void runMine(const MineOptions& options) {
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
               std::to_string(summary.patternsPerSize[k]));
   }
+  if (!summary.complete) {
+    printLine("complete",
+              "no: the time limit of " + secondsText(options.timeLimit) +
+                  " stopped the search; " +
+                  std::to_string(summary.patternsDropped) +
+                  " patterns found were dropped because a sub-pattern of "
+                  "theirs was not reached");
+  }
   printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
   char time[32];
   std::snprintf(time, sizeof time, "%.2f s", seconds);
   printLine("time", time);
+  if (!summary.complete) {
+    std::cerr << "seqlattice: mine: the search stopped at the time limit of "
+              << secondsText(options.timeLimit) << "; the model in "
+              << options.output
+              << " holds only part of the frequent patterns\n";
+  }
   // The process ends next. Freeing a model of millions of patterns node by
   // node takes a fifth of a large run, and the system takes the memory back
   // at once, so the model is left to it; builds that check for leaks free it.
@@ -179,6 +233,25 @@ Command addMineCommand(CLI::App& app) {
   addInputOptions(command, &options->inputOptions, "--format");
   command->add_flag("--xml", options->xml,
                     "Write the model in the XML object format");
+  command
+      ->add_option("--time-limit", options->timeLimit,
+                   "Stop the search after S seconds and save the patterns "
+                   "found so far, marked incomplete")
+      ->type_name("S")
+      ->check(CLI::Validator(
+          [](std::string& text) -> std::string {
+            char* end = nullptr;
+            double seconds = std::strtod(text.c_str(), &end);
+            if (!text.empty() && end == text.c_str() + text.size() &&
+                seconds > 0 && seconds <= 1e9) {
+              return "";
+            }
+            return "expected a number of seconds above 0, not \"" + text + "\"";
+          },
+          ""));
+  command->add_flag("--progress", options->progress,
+                    "Report progress on standard error even when it is not "
+                    "a terminal");
   command->footer(
       "Examples:\n"
       "  seqlattice mine data/sample/orders.csv -o orders.model "

@@ -15,6 +15,8 @@
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
+#include "support/parsedoption.h"
+#include "support/printable.h"
 #include "support/sequencelabels.h"
 
 namespace seqlattice_cli {
@@ -78,7 +80,7 @@ std::vector<const Sequence*> queryPatterns(SequenceDictionary& dict,
   Sequence query =
       makeSequence(*sets, model.items, unknownItemCode(dict), &unknown);
   for (const std::string& label : unknown) {
-    std::cerr << "seqlattice: patterns: item \"" << label
+    std::cerr << "seqlattice: patterns: item \"" << printable(label)
               << "\" is not in the model\n";
   }
   std::set<Sequence*> found;
@@ -144,17 +146,17 @@ Command addPatternsCommand(CLI::App& app) {
   beginning->excludes(contains)->excludes(ending);
   ending->excludes(contains)->excludes(beginning);
   command->add_option("--size", options->size, "Only patterns of K items")
-      ->check(CLI::PositiveNumber);
+      ->check(wholeNumber(1));
   command->add_flag("--maximal", options->maximal,
                     "Only patterns that no longer stored pattern extends");
   command
       ->add_option("--min-count", options->minCount,
                    "Only patterns found in at least N customers")
-      ->check(CLI::NonNegativeNumber);
+      ->check(wholeNumber(0));
   command
       ->add_option("--max-count", options->maxCount,
                    "Only patterns found in at most N customers")
-      ->check(CLI::NonNegativeNumber);
+      ->check(wholeNumber(0));
   addFormatOption(command, &options->format);
   command->footer(
       "Examples:\n"

@@ -13,6 +13,8 @@
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
+#include "support/parsedoption.h"
+#include "support/printable.h"
 #include "support/sequencelabels.h"
 
 namespace seqlattice_cli {
@@ -73,7 +75,7 @@ std::vector<std::string> predictionColumns(bool batch) {
 
 void warnUnknown(const std::vector<std::string>& unknown) {
   for (const std::string& label : unknown) {
-    std::cerr << "seqlattice: predict: item \"" << label
+    std::cerr << "seqlattice: predict: item \"" << printable(label)
               << "\" is not in the model\n";
   }
 }
@@ -138,7 +140,7 @@ Command addPredictCommand(CLI::App& app) {
                  "Use only patterns ending in the last order")
       ->excludes("--current");
   command->add_option("--top", options->top, "Number of items per customer")
-      ->check(CLI::PositiveNumber)
+      ->check(wholeNumber(1))
       ->capture_default_str();
   addFormatOption(command, &options->format);
   addInputOptions(command, &options->inputOptions, "--input-format");

@@ -1,9 +1,12 @@
 #include "seqlattice/mining/dictionaryfiller.h"
 
 #include <string>
+#include <vector>
 
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -38,6 +41,29 @@ void DictionarySink::addPattern(int** sets, int nSets, long count,
   dictionary_.addSequence(sets, nSets, &counter);
 }
 
+long keepClosedPart(SequenceDictionary& dictionary) {
+  long removed = 0;
+  NTSequence sub;  // the scratch pattern removeItem fills without allocating
+  for (int k = 2; k < dictionary.getNLevels(); ++k) {
+    HashtableSQPair* table = dictionary.getLevel(k);
+    if (table == nullptr) continue;
+    // Removal invalidates the walk; collect first.
+    std::vector<NTSequence> orphans;
+    for (const ISQCPair& entry : *table) {
+      for (int i = 0; i < entry.key->size(); ++i) {
+        sub.removeItem(i, entry.key);
+        if (dictionary.getDescriptor(&sub) == nullptr) {
+          orphans.push_back(*entry.key);
+          break;
+        }
+      }
+    }
+    for (NTSequence& orphan : orphans) dictionary.remove(&orphan);
+    removed += static_cast<long>(orphans.size());
+  }
+  return removed;
+}
+
 MiningSummary mineIntoDictionary(const SequenceDatabase& db,
                                  const MinerOptions& options,
                                  SequenceDictionary& dictionary) {
@@ -57,6 +83,18 @@ MiningSummary mineIntoDictionary(const SequenceDatabase& db,
   total->setCount(total->getCount() + static_cast<int>(db.customerCount()));
   DictionarySink sink(dictionary, options.memoryBudget);
   MiningSummary summary = SequenceMiner(options).mine(db, sink);
+  if (!summary.complete) {
+    summary.patternsDropped = keepClosedPart(dictionary);
+    summary.patterns -= summary.patternsDropped;
+    summary.longestPattern = 0;
+    for (std::size_t k = 1; k < summary.patternsPerSize.size(); ++k) {
+      summary.patternsPerSize[k] =
+          dictionary.CountSequencesOfSize(static_cast<int>(k));
+      if (summary.patternsPerSize[k] > 0) {
+        summary.longestPattern = static_cast<int>(k);
+      }
+    }
+  }
   KvCommon_850::KvStatus status = dictionary.buildLattice();
   if (!status.IsOK()) {
     throw MiningError("building the lattice failed (status " +

@@ -48,7 +48,16 @@ class DictionarySink : public PatternSink {
 // a pattern one level down. Within about 20% of measured model sizes.
 std::size_t storedPatternBytes(int items);
 
-// Mines db into dictionary and builds the lattice. Throws MiningError when
+// Removes every stored pattern of two or more items that lacks one of its
+// sub-patterns of one item less, level by level upwards, so that what stays
+// is closed under sub-patterns, as the lattice, the rules and the
+// predictions need. Returns the number removed.
+long keepClosedPart(SequenceDictionary& dictionary);
+
+// Mines db into dictionary and builds the lattice. A search stopped early
+// (MinerOptions::deadline or progress) keeps its closed part
+// (keepClosedPart); the summary then counts the patterns kept, per size too,
+// and those dropped, and says it is not complete. Throws MiningError when
 // options.maxItems does not fit the dictionary (it must be below its
 // nLevels and at most 31, the longest pattern key), when the patterns would
 // take the model past options.memoryBudget, or when the lattice cannot be
