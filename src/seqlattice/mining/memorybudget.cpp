@@ -33,14 +33,15 @@ bool parseBytes(const std::string& text, std::size_t* bytes) {
 // The value of "key:  N kB" in a /proc status or meminfo text, in bytes.
 std::size_t kilobyteField(const std::string& text, const std::string& key) {
   std::istringstream in(text);
-  std::string name;
-  std::size_t value = 0;
-  std::string unit;
-  while (in >> name >> value) {
-    std::getline(in, unit);
-    if (name == key) {
-      return unit.find("kB") != std::string::npos ? value * 1024 : value;
-    }
+  std::string line;
+  while (std::getline(in, line)) {
+    if (line.compare(0, key.size(), key) != 0) continue;
+    std::istringstream fields(line.substr(key.size()));
+    std::size_t value = 0;
+    std::string unit;
+    if (!(fields >> value)) return 0;
+    fields >> unit;
+    return unit == "kB" ? value * 1024 : value;
   }
   return 0;
 }
