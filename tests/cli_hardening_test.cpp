@@ -318,6 +318,20 @@ TEST_F(HardeningTest, ADeviceIsWrittenNotReplaced) {
   EXPECT_TRUE(S_ISCHR(info.st_mode));
 }
 
+TEST_F(HardeningTest, StandardOutputByNameIsWrittenIntoThePipe) {
+  mineSmallModel();
+  // /dev/stdout leads through /proc to "pipe:[N]", which is no file name.
+  std::string command = "cd " + shellQuoted(workDir()) + " && " +
+                        shellQuoted(SEQLATTICE_CLI) +
+                        " export dot m.model -o /dev/stdout | head -c 7";
+  FILE* pipe = popen(command.c_str(), "r");
+  ASSERT_NE(pipe, nullptr);
+  char text[16] = {};
+  std::size_t n = std::fread(text, 1, sizeof text - 1, pipe);
+  EXPECT_EQ(pclose(pipe), 0);
+  EXPECT_EQ(std::string(text, n), "digraph");
+}
+
 TEST_F(HardeningTest, ASymbolicLinkIsFollowed) {
   mineSmallModel();
   std::filesystem::create_directory(path("models"));

@@ -79,24 +79,26 @@ bool writeAll(int fd, const char* data, std::size_t n) {
 }  // namespace
 
 AtomicFile::AtomicFile(std::string path) : path_(std::move(path)) {
-  target_ = followLinks(path_);
-  exists_ = stat(target_.c_str(), &existing_) == 0;
+  exists_ = stat(path_.c_str(), &existing_) == 0;
   if (exists_ && S_ISDIR(existing_.st_mode)) failWith(path_, EISDIR);
-  if (!exists_ || S_ISREG(existing_.st_mode)) {
-    placement_ = exists_ && existing_.st_nlink > 1 ? Placement::kCopyIntoFile
-                                                   : Placement::kRename;
-    openTemporary(directoryOf(target_));
+  if (exists_ && !S_ISREG(existing_.st_mode)) {
+    // A device or a pipe, also behind a link (/dev/stdout): opened by the
+    // name given. Its directory may not be writable (/dev) and is no place
+    // for a file; the content waits in a nameless temporary file.
+    target_ = path_;
+    placement_ = Placement::kDirect;
+    const char* tmp = std::getenv("TMPDIR");
+    openTemporary(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp");
+    unregisterTempFile(cleanupSlot_);
+    cleanupSlot_ = -1;
+    std::remove(tempPath_.c_str());
+    tempPath_.clear();
     return;
   }
-  // A device or a pipe: its directory may not be writable (/dev) and is no
-  // place for a file; the content waits in a nameless temporary file.
-  placement_ = Placement::kDirect;
-  const char* tmp = std::getenv("TMPDIR");
-  openTemporary(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp");
-  unregisterTempFile(cleanupSlot_);
-  cleanupSlot_ = -1;
-  std::remove(tempPath_.c_str());
-  tempPath_.clear();
+  target_ = followLinks(path_);
+  placement_ = exists_ && existing_.st_nlink > 1 ? Placement::kCopyIntoFile
+                                                 : Placement::kRename;
+  openTemporary(directoryOf(target_));
 }
 
 void AtomicFile::openTemporary(const std::string& directory) {
