@@ -41,25 +41,56 @@ void DictionarySink::addPattern(int** sets, int nSets, long count,
   dictionary_.addSequence(sets, nSets, &counter);
 }
 
+// Adds key with a copy of counter.
+void addPattern(SequenceDictionary& dictionary, const NTSequence& key,
+                SequenceCounter* counter) {
+  const int nSets = key.getNSets();
+  std::vector<std::vector<int>> sets(static_cast<std::size_t>(nSets));
+  std::vector<int*> pointers;
+  for (int s = 0; s < nSets; ++s) {
+    std::vector<int>& set = sets[static_cast<std::size_t>(s)];
+    set.resize(static_cast<std::size_t>(key.getSizeOfSet(s)) + 1);
+    set[0] = key.getSizeOfSet(s);
+    key.getSetAsArray(s, set.data() + 1);
+    pointers.push_back(set.data());
+  }
+  dictionary.addSequence(pointers.data(), nSets, counter);
+}
+
 long keepClosedPart(SequenceDictionary& dictionary) {
-  long removed = 0;
+  // The kept part is gathered level by level in a dictionary of its own and
+  // then put back into the emptied one: that costs what the kept part costs,
+  // where removing the others one by one from the full dictionary took
+  // longer than the search that had found them.
+  SequenceDictionary kept(dictionary.getSettings());
   NTSequence sub;  // the scratch pattern removeItem fills without allocating
-  for (int k = 2; k < dictionary.getNLevels(); ++k) {
+  long removed = 0;
+  for (int k = 1; k < dictionary.getNLevels(); ++k) {
     HashtableSQPair* table = dictionary.getLevel(k);
     if (table == nullptr) continue;
-    // Removal invalidates the walk; collect first.
-    std::vector<NTSequence> orphans;
     for (const ISQCPair& entry : *table) {
-      for (int i = 0; i < entry.key->size(); ++i) {
+      bool closed = true;
+      for (int i = 0; k > 1 && closed && i < entry.key->size(); ++i) {
         sub.removeItem(i, entry.key);
-        if (dictionary.getDescriptor(&sub) == nullptr) {
-          orphans.push_back(*entry.key);
-          break;
-        }
+        closed = kept.getDescriptor(&sub) != nullptr;
+      }
+      if (closed) {
+        addPattern(kept, *entry.key, entry.value);
+      } else {
+        ++removed;
       }
     }
-    for (NTSequence& orphan : orphans) dictionary.remove(&orphan);
-    removed += static_cast<long>(orphans.size());
+  }
+  if (removed == 0) return 0;
+  const int customers = dictionary.getLevel0Descriptor()->getCount();
+  dictionary.reset();
+  dictionary.getLevel0Descriptor()->setCount(customers);
+  for (int k = 1; k < kept.getNLevels(); ++k) {
+    HashtableSQPair* table = kept.getLevel(k);
+    if (table == nullptr) continue;
+    for (const ISQCPair& entry : *table) {
+      addPattern(dictionary, *entry.key, entry.value);
+    }
   }
   return removed;
 }
