@@ -1,5 +1,7 @@
 // seqlattice: mine transaction logs into sequential pattern models and use
 // them (rules, predictions, pattern queries, documents) from the shell.
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
@@ -16,6 +18,7 @@
 #include "seqlattice/support/seqexceptions.h"
 #include "support/clierror.h"
 #include "support/printable.h"
+#include "support/stdoutbuffer.h"
 
 namespace {
 
@@ -45,15 +48,14 @@ void checkCommandNames(CLI::App& app, int argc, char** argv) {
 // A full disk, a closed pipe (with SIGPIPE ignored) or a bad descriptor
 // lose the results; say so rather than exit 0.
 void checkStandardOutput() {
-  errno = 0;
   std::cout.flush();
-  int error = errno;
-  if (std::cout && std::fflush(stdout) != 0) error = errno;
-  if (!std::cout || std::ferror(stdout)) {
-    seqlattice_cli::failInput(
-        std::string("cannot write to standard output") +
-        (error != 0 ? std::string(": ") + std::strerror(error) : ""));
-  }
+  if (std::cout) return;
+  const auto* buffer =
+      dynamic_cast<const seqlattice_cli::StdoutBuffer*>(std::cout.rdbuf());
+  const int error = buffer != nullptr ? buffer->error() : 0;
+  seqlattice_cli::failInput(
+      std::string("cannot write to standard output") +
+      (error != 0 ? std::string(": ") + std::strerror(error) : ""));
 }
 
 int run(int argc, char** argv) {
@@ -100,9 +102,8 @@ int fail(const std::string& message, int exitCode) {
   return exitCode;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+// run() with every failure turned into a message and an exit code.
+int runGuarded(int argc, char** argv) {
   namespace seq = SEQUENCE_NAMESPACE_800;
   using seqlattice_cli::kExitBadInput;
   try {
@@ -133,4 +134,17 @@ int main(int argc, char** argv) {
   } catch (...) {
     return fail("internal error", kExitBadInput);
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // Standard output goes through a buffer that remembers why a write
+  // failed; std::cout gets its own back before the buffer goes.
+  seqlattice_cli::StdoutBuffer standardOutput(STDOUT_FILENO);
+  std::streambuf* previous = std::cout.rdbuf(&standardOutput);
+  const int code = runGuarded(argc, argv);
+  std::cout.flush();
+  std::cout.rdbuf(previous);
+  return code;
 }

@@ -5,13 +5,14 @@
 // and its pattern listing are taken too. Anything else, a crash, a hang,
 // runaway memory or a sanitizer report is a finding.
 //
-// The checksum stops most mutations at the door; the seeds are models whose
-// checksums the fuzzer cannot forge, so the deeper paths are mostly reached
-// through the trailer and through inputs that recompute nothing. Saving a
-// model with a damaged dictionary and its checksum recomputed is what the
-// model-file tests do by hand.
+// The checksum would stop most mutations at the door, so a binary input whose
+// end mark and trailer mark are in place gets the checksum of its dictionary
+// part written into its trailer before it is loaded: the dictionary reader,
+// the consistency checks and the operations on what loads are fuzzed as a
+// forged model file would reach them.
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "fuzz_input.h"
@@ -27,12 +28,39 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
   return 0;
 }
 
+namespace {
+
+// The input with the checksum of a binary model's dictionary part written into
+// its trailer, when the end mark and the trailer mark say where they are.
+std::string withChecksum(const std::uint8_t* data, std::size_t size) {
+  std::string bytes(reinterpret_cast<const char*>(data), size);
+  if (size < 16 || bytes.compare(size - 8, 8, "SQLMODL1") != 0) return bytes;
+  std::uint64_t trailer = 0;
+  for (int i = 7; i >= 0; --i) {
+    trailer =
+        (trailer << 8) | static_cast<unsigned char>(
+                             bytes[size - 16 + static_cast<std::size_t>(i)]);
+  }
+  if (trailer < 16 || trailer > size - 16) return bytes;
+  const std::size_t record = size - 16 - static_cast<std::size_t>(trailer);
+  if (bytes.compare(record, 8, "SQLTRAIL") != 0) return bytes;
+  std::uint32_t crc = seqlattice_cli::crc32(bytes.substr(0, record));
+  for (std::size_t i = 0; i < 4; ++i) {
+    bytes[record + 12 + i] = static_cast<char>((crc >> (8 * i)) & 0xFF);
+  }
+  return bytes;
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) {
   namespace seq = SEQUENCE_NAMESPACE_800;
   seqlattice_cli::Model model;
+  const std::string bytes = withChecksum(data, size);
   try {
-    model = seqlattice_cli::loadModel(fuzz_input::fileWith(data, size));
+    model = seqlattice_cli::loadModel(fuzz_input::fileWith(
+        reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
   } catch (const seqlattice_cli::CliError&) {
     return 0;
   }
