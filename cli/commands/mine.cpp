@@ -8,6 +8,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "commands/commands.h"
 #include "seqlattice/dictionary/dictionarysettings.h"
@@ -150,6 +151,18 @@ void runMine(const MineOptions& options) {
       std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
   mining::MiningSummary summary =
       mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
+  if (!summary.complete) {
+    progress.note("keeping the patterns whose sub-patterns were all found ...");
+    auto kept =
+        std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
+    mining::keepClosedPart(*model.dictionary, *kept, summary);
+    // Freeing millions of patterns one by one would take longer than the
+    // search that found them; the system takes the memory back at exit.
+#ifndef SEQLATTICE_FREE_AT_EXIT
+    static_cast<void>(model.dictionary.release());
+#endif
+    model.dictionary = std::move(kept);
+  }
   // Every stored count reaches the minimum, so this removes nothing; it
   // records the minimum support that the documents state.
   model.dictionary->reduceAll(static_cast<double>(summary.minCount));

@@ -41,6 +41,8 @@ void DictionarySink::addPattern(int** sets, int nSets, long count,
   dictionary_.addSequence(sets, nSets, &counter);
 }
 
+namespace {
+
 // Adds key with a copy of counter.
 void addPattern(SequenceDictionary& dictionary, const NTSequence& key,
                 SequenceCounter* counter) {
@@ -57,16 +59,15 @@ void addPattern(SequenceDictionary& dictionary, const NTSequence& key,
   dictionary.addSequence(pointers.data(), nSets, counter);
 }
 
-long keepClosedPart(SequenceDictionary& dictionary) {
-  // The kept part is gathered level by level in a dictionary of its own and
-  // then put back into the emptied one: that costs what the kept part costs,
-  // where removing the others one by one from the full dictionary took
-  // longer than the search that had found them.
-  SequenceDictionary kept(dictionary.getSettings());
+}  // namespace
+
+void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
+                    MiningSummary& summary) {
+  kept.getLevel0Descriptor()->setCount(found.getLevel0Descriptor()->getCount());
   NTSequence sub;  // the scratch pattern removeItem fills without allocating
-  long removed = 0;
-  for (int k = 1; k < dictionary.getNLevels(); ++k) {
-    HashtableSQPair* table = dictionary.getLevel(k);
+  long dropped = 0;
+  for (int k = 1; k < found.getNLevels(); ++k) {
+    HashtableSQPair* table = found.getLevel(k);
     if (table == nullptr) continue;
     for (const ISQCPair& entry : *table) {
       bool closed = true;
@@ -77,22 +78,25 @@ long keepClosedPart(SequenceDictionary& dictionary) {
       if (closed) {
         addPattern(kept, *entry.key, entry.value);
       } else {
-        ++removed;
+        ++dropped;
       }
     }
   }
-  if (removed == 0) return 0;
-  const int customers = dictionary.getLevel0Descriptor()->getCount();
-  dictionary.reset();
-  dictionary.getLevel0Descriptor()->setCount(customers);
-  for (int k = 1; k < kept.getNLevels(); ++k) {
-    HashtableSQPair* table = kept.getLevel(k);
-    if (table == nullptr) continue;
-    for (const ISQCPair& entry : *table) {
-      addPattern(dictionary, *entry.key, entry.value);
+  KvCommon_850::KvStatus status = kept.buildLattice();
+  if (!status.IsOK()) {
+    throw MiningError("building the lattice failed (status " +
+                      std::to_string(status.GetCode()) + ")");
+  }
+  summary.patternsDropped = dropped;
+  summary.patterns = 0;
+  summary.longestPattern = 0;
+  for (std::size_t k = 1; k < summary.patternsPerSize.size(); ++k) {
+    summary.patternsPerSize[k] = kept.CountSequencesOfSize(static_cast<int>(k));
+    summary.patterns += summary.patternsPerSize[k];
+    if (summary.patternsPerSize[k] > 0) {
+      summary.longestPattern = static_cast<int>(k);
     }
   }
-  return removed;
 }
 
 MiningSummary mineIntoDictionary(const SequenceDatabase& db,
@@ -114,18 +118,7 @@ MiningSummary mineIntoDictionary(const SequenceDatabase& db,
   total->setCount(total->getCount() + static_cast<int>(db.customerCount()));
   DictionarySink sink(dictionary, options.memoryBudget);
   MiningSummary summary = SequenceMiner(options).mine(db, sink);
-  if (!summary.complete) {
-    summary.patternsDropped = keepClosedPart(dictionary);
-    summary.patterns -= summary.patternsDropped;
-    summary.longestPattern = 0;
-    for (std::size_t k = 1; k < summary.patternsPerSize.size(); ++k) {
-      summary.patternsPerSize[k] =
-          dictionary.CountSequencesOfSize(static_cast<int>(k));
-      if (summary.patternsPerSize[k] > 0) {
-        summary.longestPattern = static_cast<int>(k);
-      }
-    }
-  }
+  if (!summary.complete) return summary;
   KvCommon_850::KvStatus status = dictionary.buildLattice();
   if (!status.IsOK()) {
     throw MiningError("building the lattice failed (status " +

@@ -609,7 +609,17 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
   long minCount = std::min<long>(summary.minCount, summary.customers + 1);
   internal::WorkDatabase work = internal::buildWorkDatabase(db, minCount);
   u32 f = static_cast<u32>(work.itemCount());
-  internal::PatternEmitter emitter(sink, summary, options_.progress);
+  // The calling thread, which feeds the sink and may lag behind the
+  // workers, looks at the deadline too, after each batch.
+  std::function<bool(long)> report;
+  if (options_.progress ||
+      options_.deadline != std::chrono::steady_clock::time_point::max()) {
+    report = [this](long patterns) {
+      return (!options_.progress || options_.progress(patterns)) &&
+             std::chrono::steady_clock::now() < options_.deadline;
+    };
+  }
+  internal::PatternEmitter emitter(sink, summary, report);
   auto emit = [&emitter](std::vector<int>& chunk) { emitter.emit(chunk); };
   std::vector<Worker> workers;
   for (std::size_t k = 0; k < threads; ++k) {

@@ -58,7 +58,8 @@ struct MinerOptions {
   std::size_t memoryBudget = 0;
   // A search still running at this time stops cleanly (default: never):
   // mine() returns the patterns found so far with MiningSummary::complete
-  // false. The workers look at the clock every 1024 patterns they find.
+  // false. The workers look at the clock every 1024 patterns they find, the
+  // calling thread after each batch of patterns it hands to the sink.
   std::chrono::steady_clock::time_point deadline =
       std::chrono::steady_clock::time_point::max();
   // Called on the calling thread each time a batch of patterns has reached

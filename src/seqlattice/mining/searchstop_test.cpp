@@ -53,7 +53,7 @@ long storedPatterns(const SequenceDictionary& dictionary) {
 
 }  // namespace test
 
-TEST(SearchStopTest, APassedDeadlineStopsTheSearchWithAClosedModel) {
+TEST(SearchStopTest, APassedDeadlineStopsTheSearchAndKeepsAClosedPart) {
   mining::SequenceDatabase db = test::rotatingDatabase();
   mining::MinerOptions options;
   options.maxItems = 4;
@@ -63,13 +63,22 @@ TEST(SearchStopTest, APassedDeadlineStopsTheSearchWithAClosedModel) {
   EXPECT_EQ(all.patternsDropped, 0);
 
   options.deadline = std::chrono::steady_clock::now();
-  SequenceDictionary part(5);
-  mining::MiningSummary stopped = mining::mineIntoDictionary(db, options, part);
+  SequenceDictionary found(5);
+  mining::MiningSummary stopped =
+      mining::mineIntoDictionary(db, options, found);
   EXPECT_FALSE(stopped.complete);
   EXPECT_LT(stopped.patterns, all.patterns);
-  EXPECT_EQ(stopped.patterns, test::storedPatterns(part));
-  EXPECT_TRUE(part.isLatticeBuilt());
-  EXPECT_TRUE(test::closedUnderSubPatterns(part));
+  EXPECT_EQ(stopped.patterns, test::storedPatterns(found));
+  EXPECT_FALSE(found.isLatticeBuilt());
+  const long reported = stopped.patterns;
+
+  SequenceDictionary kept(found.getSettings());
+  mining::keepClosedPart(found, kept, stopped);
+  EXPECT_EQ(stopped.patterns, test::storedPatterns(kept));
+  EXPECT_EQ(stopped.patterns + stopped.patternsDropped, reported);
+  EXPECT_EQ(kept.getLevel0Descriptor()->getCount(), 40);
+  EXPECT_TRUE(kept.isLatticeBuilt());
+  EXPECT_TRUE(test::closedUnderSubPatterns(kept));
   // The eight single items come before any worker looks at the clock.
   EXPECT_EQ(stopped.patternsPerSize[1], 8);
 }
@@ -94,25 +103,34 @@ TEST(SearchStopTest, TheProgressCallbackSeesTheCountAndCanStop) {
   EXPECT_EQ(test::storedPatterns(dictionary), 8);
 }
 
-TEST(SearchStopTest, KeepClosedPartRemovesPatternsMissingASubPattern) {
-  SequenceDictionary dictionary(4);
+TEST(SearchStopTest, KeepClosedPartDropsPatternsMissingASubPattern) {
+  SequenceDictionary found(4);
+  found.getLevel0Descriptor()->setCount(3);
   int a[] = {1, 1}, b[] = {1, 2}, c[] = {1, 3};
   CarmaSequenceDescriptor counter(0, 0, 1);
   for (int* set : {a, b}) {
     int* sets[] = {set};
-    dictionary.addSequence(sets, 1, &counter);
+    found.addSequence(sets, 1, &counter);
   }
   int* ab[] = {a, b};
   int* ac[] = {a, c};
   int* abc[] = {a, b, c};
-  dictionary.addSequence(ab, 2, &counter);
-  dictionary.addSequence(ac, 2, &counter);  // (3) is not stored
-  dictionary.addSequence(abc, 3, &counter);
-  EXPECT_EQ(mining::keepClosedPart(dictionary), 2);
-  EXPECT_NE(dictionary.getDescriptor(ab, 2), nullptr);
-  EXPECT_EQ(dictionary.getDescriptor(ac, 2), nullptr);
-  EXPECT_EQ(dictionary.getDescriptor(abc, 3), nullptr);
-  EXPECT_EQ(mining::keepClosedPart(dictionary), 0);
+  found.addSequence(ab, 2, &counter);
+  found.addSequence(ac, 2, &counter);  // (3) is not stored
+  found.addSequence(abc, 3, &counter);
+  mining::MiningSummary summary;
+  summary.patternsPerSize = {0, 2, 2, 1};
+  SequenceDictionary kept(4);
+  mining::keepClosedPart(found, kept, summary);
+  EXPECT_EQ(summary.patternsDropped, 2);
+  EXPECT_EQ(summary.patterns, 3);
+  EXPECT_EQ(summary.patternsPerSize, (std::vector<long>{0, 2, 1, 0}));
+  EXPECT_EQ(summary.longestPattern, 2);
+  EXPECT_EQ(kept.getLevel0Descriptor()->getCount(), 3);
+  EXPECT_NE(kept.getDescriptor(ab, 2), nullptr);
+  EXPECT_EQ(kept.getDescriptor(ac, 2), nullptr);
+  EXPECT_EQ(kept.getDescriptor(abc, 3), nullptr);
+  EXPECT_TRUE(kept.isLatticeBuilt());
 }
 
 }  // namespace SEQUENCE_NAMESPACE_800
