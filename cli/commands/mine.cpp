@@ -74,23 +74,34 @@ void describeDatabase(const mining::SequenceDatabase& db,
   parameters->maxItemsPerTransaction = static_cast<int>(widest);
 }
 
+// What finishing a model costs per pattern found (keeping the closed part,
+// building the lattice, saving), between about 2 (most patterns dropped)
+// and 9 microseconds (none dropped) on the sample log:
+// a search under a time limit stops early enough to leave that time.
+constexpr double kFinishSecondsPerPattern = 4e-6;
+
 // Progress of the search, at most twice a second: the patterns found so far
-// and how fast they come.
-std::function<bool(long)> searchProgress(Progress& progress) {
+// and how fast they come. Under a time limit (seconds, 0: none) it stops the
+// search once the time spent and the time finishing would take reach it.
+std::function<bool(long)> searchProgress(Progress& progress, double timeLimit) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   auto shown = std::make_shared<Clock::time_point>(start);
-  return [&progress, start, shown](long patterns) {
+  return [&progress, start, shown, timeLimit](long patterns) {
     const Clock::time_point now = Clock::now();
-    if (now - *shown < std::chrono::milliseconds(500)) return true;
-    *shown = now;
     const double seconds = std::chrono::duration<double>(now - start).count();
+    const bool goOn =
+        timeLimit <= 0 ||
+        seconds + static_cast<double>(patterns) * kFinishSecondsPerPattern <
+            timeLimit;
+    if (now - *shown < std::chrono::milliseconds(500)) return goOn;
+    *shown = now;
     char text[128];
     std::snprintf(text, sizeof text,
                   "mining: %ld patterns so far, %.0f patterns/s, %.0f s",
                   patterns, patterns / std::max(seconds, 1e-9), seconds);
     progress.note(text);
-    return true;
+    return goOn;
   };
 }
 
@@ -144,7 +155,7 @@ void runMine(const MineOptions& options) {
         std::chrono::duration_cast<std::chrono::steady_clock::duration>(
             std::chrono::duration<double>(options.timeLimit));
   }
-  minerOptions.progress = searchProgress(progress);
+  minerOptions.progress = searchProgress(progress, options.timeLimit);
   SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
   settings.nLevels = options.maxItems + 1;
   model.dictionary =
@@ -248,8 +259,9 @@ Command addMineCommand(CLI::App& app) {
                     "Write the model in the XML object format");
   command
       ->add_option("--time-limit", options->timeLimit,
-                   "Stop the search after S seconds and save the patterns "
-                   "found so far, marked incomplete")
+                   "Stop the search in time for the model to be saved about S "
+                   "seconds after mining began, with the patterns found so "
+                   "far, marked incomplete")
       ->type_name("S")
       ->check(CLI::Validator(
           [](std::string& text) -> std::string {
