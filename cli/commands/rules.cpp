@@ -6,6 +6,7 @@
 #include "commands/commands.h"
 #include "support/modelfile.h"
 #include "support/output.h"
+#include "support/parsedoption.h"
 #include "support/rulebounds.h"
 #include "support/ruletable.h"
 
@@ -37,7 +38,7 @@ Command addRulesCommand(CLI::App& app) {
   command->add_option("MODEL", options->model, "Model file")->required();
   addRuleBoundOptions(command, &options->bounds);
   command->add_option("--top", options->top, "Show the first N rules (0: all)")
-      ->check(CLI::NonNegativeNumber)
+      ->check(wholeNumber(0))
       ->capture_default_str();
   addFormatOption(command, &options->format);
   command->footer(
