@@ -82,7 +82,8 @@ TEST_F(CliQueryTest, RulesAsJson) {
 }
 
 TEST_F(CliQueryTest, PredictTheNextOrder) {
-  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot"}),
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot", "--rank",
+                    "confidence"}),
             "rank  item  confidence  support  cause\n"
             "   1  cups      0.6667   0.4000  1.0000\n");
 }
@@ -96,7 +97,7 @@ TEST_F(CliQueryTest, PredictTheCurrentOrder) {
 TEST_F(CliQueryTest, PredictForANewCustomerGivesTheMostFrequentItems) {
   // Equal shares put the larger item code first: tea (3) before jam (1).
   EXPECT_EQ(output({"predict", "shop.model", "--history", "", "--top", "2",
-                    "--format", "csv"}),
+                    "--format", "csv", "--rank", "confidence"}),
             "rank,item,confidence,support,cause\n"
             "1,pot,0.6,0.6,1.0\n"
             "2,tea,0.4,0.4,1.0\n");
@@ -104,7 +105,8 @@ TEST_F(CliQueryTest, PredictForANewCustomerGivesTheMostFrequentItems) {
 
 TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
   // The last order matches nothing; the order before it predicts.
-  CliRun result = run({"predict", "shop.model", "--history", "pot;soap"});
+  CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
+                       "--rank", "confidence"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err,
             "seqlattice: predict: item \"soap\" is not in the model\n");
@@ -114,8 +116,8 @@ TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
 }
 
 TEST_F(CliQueryTest, PredictFromTheLastOrderOnly) {
-  CliRun result = run(
-      {"predict", "shop.model", "--history", "pot;soap", "--last-set-only"});
+  CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
+                       "--last-set-only", "--rank", "confidence"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "rank  item  confidence  support  cause\n");
 }
@@ -127,7 +129,7 @@ TEST_F(CliQueryTest, PredictForEveryCustomerOfAFile) {
             "yan,1,\"jam, red\"\n"
             "yan,2,soap\n");
   EXPECT_EQ(output({"predict", "shop.model", "--input", "recent.csv",
-                    "--format", "csv"}),
+                    "--format", "csv", "--rank", "confidence"}),
             "customer,rank,item,confidence,support,cause\n"
             "zoe,1,cups,0.6666666666666666,0.4,1.0\n"
             "yan,1,\"jam, red\",1.0,0.4,1.0\n");
@@ -189,12 +191,12 @@ TEST_F(CliQueryTest, Info) {
             "min support (as given)     2\n"
             "min count                  2\n"
             "min support (dictionary)   0.4000\n"
-            "max items per pattern      9\n"
+            "max items per pattern      4\n"
             "patterns                   6\n"
             "patterns of 1 item         4\n"
             "patterns of 2 items        2\n"
             "lattice built              yes\n"
-            "levels (nLevels)           10\n"
+            "levels (nLevels)           5\n"
             "level sizes                2 11519 23039 23039 23039 23039 11519 "
             "11519\n"
             "higher level size          89\n"

@@ -7,12 +7,15 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "commands/commands.h"
 #include "seqlattice/dictionary/dictionarysettings.h"
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
+#include "seqlattice/mining/patternbudget.h"
+#include "seqlattice/recommend/sequenceindex.h"
 #include "support/clierror.h"
 #include "support/inputlog.h"
 #include "support/modelfile.h"
@@ -34,10 +37,13 @@ struct MinSupportValue {
 struct MineOptions {
   std::string input;
   std::string output;
-  Parsed<MinSupportValue> minSupport;
-  int maxItems = 9;
+  Parsed<MinSupportValue> minSupport;  // empty text: chosen by the budget
+  long maxPatterns = 300000;
+  bool maxPatternsGiven = false;
+  int maxItems = 4;
   InputOptions inputOptions;
   bool xml = false;
+  bool noSequences = false;
 };
 
 std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
@@ -84,7 +90,8 @@ void runMine(const MineOptions& options) {
   minerOptions.minSupport =
       parameters.minSupportIsFraction
           ? mining::MinSupport::fraction(parameters.minSupport)
-          : mining::MinSupport::count(static_cast<long>(parameters.minSupport));
+          : mining::MinSupport::count(
+                std::max(1L, static_cast<long>(parameters.minSupport)));
   minerOptions.maxItems = options.maxItems;
   parameters.maxItems = options.maxItems;
   parameters.inputName = options.input;
@@ -98,7 +105,44 @@ void runMine(const MineOptions& options) {
   if (db.customerCount() == 0) failInput(options.input + ": no customers");
   describeDatabase(db, &parameters);
   model.items = log.items;
-  parameters.minCount = minerOptions.minSupport.countFor(db.customerCount());
+  if (!options.noSequences) {
+    model.sequences = SEQUENCE_NAMESPACE_800::recommend::SequenceIndex(db);
+  }
+  std::string supportText = options.minSupport.text;
+  // Patterns of two items at the support of the first tier, longer ones at
+  // that of the second (equal unless the budget is split, see below).
+  long pairCount = minerOptions.minSupport.countFor(db.customerCount());
+  long longCount = pairCount;
+  if (options.minSupport.text.empty() || options.maxPatternsGiven) {
+    // The lowest support whose patterns fit the budget; never below the
+    // support asked for, nor (when none was) below 2 customers, since a
+    // pattern of one customer says nothing about the others. Without a
+    // support, half the budget goes to patterns of two items and half to
+    // longer ones, each tier at its own lowest support: predictions gain
+    // most from many pairs at a low support, and a few longer patterns add
+    // the context that pairs lack.
+    progress.note("choosing the minimum support for at most " +
+                  std::to_string(options.maxPatterns) + " patterns ...");
+    const bool split = options.minSupport.text.empty() && options.maxItems > 2;
+    const long floor = options.minSupport.text.empty() ? 2 : pairCount;
+    mining::MinerOptions pairs = minerOptions;
+    if (split) pairs.maxItems = 2;
+    const long tierBudget =
+        split ? std::max(1L, options.maxPatterns / 2) : options.maxPatterns;
+    pairCount = mining::lowestCountWithin(db, pairs, tierBudget, floor);
+    longCount = split ? mining::lowestCountWithin(db, minerOptions, tierBudget,
+                                                  pairCount)
+                      : pairCount;
+    parameters.minSupportIsFraction = false;
+    parameters.minSupport = static_cast<double>(pairCount);
+    supportText = "at most " + std::to_string(options.maxPatterns) +
+                  " patterns: " + std::to_string(pairCount);
+    if (longCount != pairCount) {
+      supportText += " (" + std::to_string(longCount) +
+                     " for patterns of 3 or more items)";
+    }
+  }
+  parameters.minCount = pairCount;
 
   progress.note("mining " + std::to_string(db.customerCount()) +
                 " customers ...");
@@ -110,11 +154,27 @@ void runMine(const MineOptions& options) {
   settings.nLevels = options.maxItems + 1;
   model.dictionary =
       std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
-  mining::MiningSummary summary =
-      mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
+  if (longCount != pairCount) {
+    // Every sub-pattern of a stored pattern is stored too: a longer pattern's
+    // sub-patterns reach its count, which is above the pairs' support.
+    mining::MinerOptions pairs = minerOptions;
+    pairs.maxItems = 2;
+    pairs.minSupport = mining::MinSupport::count(pairCount);
+    mining::mineIntoDictionary(db, pairs, *model.dictionary);
+  }
+  minerOptions.minSupport = mining::MinSupport::count(longCount);
+  mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
   // Every stored count reaches the minimum, so this removes nothing; it
   // records the minimum support that the documents state.
-  model.dictionary->reduceAll(static_cast<double>(summary.minCount));
+  model.dictionary->reduceAll(static_cast<double>(pairCount));
+  std::vector<long> patternsPerSize(static_cast<std::size_t>(options.maxItems) +
+                                    1);
+  long patterns = 0;
+  for (int k = 1; k <= options.maxItems; ++k) {
+    patternsPerSize[static_cast<std::size_t>(k)] =
+        model.dictionary->CountSequencesOfSize(k);
+    patterns += patternsPerSize[static_cast<std::size_t>(k)];
+  }
 
   progress.note("writing " + options.output + " ...");
   saveModel(model, options.output, options.xml);
@@ -130,15 +190,15 @@ void runMine(const MineOptions& options) {
                          " occurrences, at most " +
                          std::to_string(parameters.maxItemsPerTransaction) +
                          " per transaction");
-  printLine("min support", options.minSupport.text + " = " +
-                               std::to_string(parameters.minCount) +
-                               " customers");
-  printLine("patterns", std::to_string(summary.patterns) + " of at most " +
+  printLine(
+      "min support",
+      supportText + " = " + std::to_string(parameters.minCount) + " customers");
+  printLine("patterns", std::to_string(patterns) + " of at most " +
                             std::to_string(options.maxItems) + " items");
-  for (int k = 1; k < static_cast<int>(summary.patternsPerSize.size()); ++k) {
-    if (summary.patternsPerSize[k] == 0) continue;
+  for (int k = 1; k < static_cast<int>(patternsPerSize.size()); ++k) {
+    if (patternsPerSize[k] == 0) continue;
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
-              std::to_string(summary.patternsPerSize[k]));
+              std::to_string(patternsPerSize[k]));
   }
   printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
   char time[32];
@@ -169,8 +229,16 @@ Command addMineCommand(CLI::App& app) {
   addParsedOption<MinSupportValue>(
       command, "--min-support", &options->minSupport, parseMinSupport, "F|N",
       "Least support of a pattern: a fraction of the customers (0.05) or a "
-      "count of customers (30)")
-      ->default_val("0.05");
+      "count of customers (30); by default the lowest support of at most "
+      "--max-patterns patterns");
+  command
+      ->add_option("--max-patterns", options->maxPatterns,
+                   "Pattern budget: the minimum support is raised until the "
+                   "model holds at most this many patterns")
+      ->check(CLI::Range(1L, 100000000L))
+      ->capture_default_str()
+      ->each(
+          [options](const std::string&) { options->maxPatternsGiven = true; });
   command
       ->add_option("--max-items", options->maxItems,
                    "Largest number of items in a pattern")
@@ -179,6 +247,9 @@ Command addMineCommand(CLI::App& app) {
   addInputOptions(command, &options->inputOptions, "--format");
   command->add_flag("--xml", options->xml,
                     "Write the model in the XML object format");
+  command->add_flag("--no-sequences", options->noSequences,
+                    "Leave the customers' sequences out of the model (the "
+                    "recommender then uses the lattice alone)");
   command->footer(
       "Examples:\n"
       "  seqlattice mine data/sample/orders.csv -o orders.model "
