@@ -1,5 +1,7 @@
 // End-to-end tests of the commands that read a model: rules, predict,
 // patterns, info, export dot and convert, on a model mined by the test.
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "cli_test_util.h"
@@ -264,3 +266,79 @@ TEST_F(CliQueryTest, ConvertLeavesNoFileOnError) {
 }
 
 }  // namespace
+
+// The recommender, by default: (pot)(cups) has count 2 of (pot)'s 3, smoothed
+// with 2 customers of popularity (cups: 2 of 5), (2 + 0.8) / 5 = 0.56, half
+// of the score: 0.28. Of the 3 customers with pot, ann and bob buy cups right
+// after it: 2 / (3 + 2) = 0.4, the other half: 0.2. The history's items are
+// left out (these customers never buy an item again); the most popular
+// other items fill the list.
+TEST_F(CliQueryTest, PredictRanksByTheRecommenderByDefault) {
+  EXPECT_EQ(
+      output({"predict", "shop.model", "--history", "pot", "--format", "csv"}),
+      "rank,item,score,source,confidence,support,cause\n"
+      "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0\n"
+      "2,tea,0.0,popular,0.4,0.4,1.0\n"
+      "3,\"jam, red\",0.0,popular,0.4,0.4,1.0\n");
+}
+
+TEST_F(CliQueryTest, PredictExplainsEachItem) {
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot", "--explain",
+                    "--top", "2", "--format", "csv"}),
+            "rank,item,score,source,confidence,support,cause,pattern,count,"
+            "pattern count,skipped sets,context customers,followers\n"
+            "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0,(pot),2,3,0,3,"
+            "0.4\n"
+            "2,tea,0.0,popular,0.4,0.4,1.0,,0,0,0,0,0.0\n");
+}
+
+TEST_F(CliQueryTest, PredictForOneCustomerOfAFile) {
+  EXPECT_EQ(output({"predict", "shop.model", "--input", "shop.csv",
+                    "--customer", "bob", "--top", "1", "--format", "csv"}),
+            "customer,rank,item,score,source,confidence,support,cause\n"
+            "bob,1,tea,0.0,popular,0.4,0.4,1.0\n");
+  CliRun missing = run(
+      {"predict", "shop.model", "--input", "shop.csv", "--customer", "zed"});
+  EXPECT_EQ(missing.exitCode, 1);
+  EXPECT_EQ(missing.err, "seqlattice: shop.csv: no customer \"zed\"\n");
+}
+
+// After pot;cups nothing follows in the lattice; in the sequences, the
+// context {pot, cups} (2 customers, nothing after it) and, with an item left
+// out, {pot} (cups 2 of 3 + 2) and {cups} (nothing) average to 0.4 / 3, half
+// of the score. Only the history's items: cups, then pot as popular.
+TEST_F(CliQueryTest, NewOnlyAndRepeatOnly) {
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot;cups",
+                    "--repeat-only", "--format", "csv"}),
+            "rank,item,score,source,confidence,support,cause\n"
+            "1,cups,0.06666666666666667,sequences,0.0,0.0,0.0\n"
+            "2,pot,0.0,popular,0.6,0.6,1.0\n");
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot", "--new-only",
+                    "--top", "1", "--format", "csv"}),
+            "rank,item,score,source,confidence,support,cause\n"
+            "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0\n");
+}
+
+// bench/prediction/run.sh on a folder of two folds: one line of ranked items
+// per test row, an empty window answered by the most popular items. Mining
+// keeps items of at least 2 customers; the window's own items are left out
+// (no customer repeats an item).
+TEST_F(CliQueryTest, PredictionBenchmarkScriptOnTwoFolds) {
+  std::filesystem::create_directory(path("folds"));
+  const std::string header = "#seq_index\twindow\tconsequent\tfull_prefix\n";
+  writeFile("folds/fold0.train.spmf",
+            "1 -1 2 -1 3 -1 -2\n1 -1 2 -1 3 -1 -2\n4 -1 5 -1 -2\n");
+  writeFile("folds/fold0.test.tsv", header + "0\t1 2\t3\t1 2\n1\t\t\t4\n");
+  writeFile("folds/fold1.train.spmf",
+            "4 -1 5 -1 -2\n4 -1 5 -1 -2\n1 -1 2 -1 -2\n");
+  writeFile("folds/fold1.test.tsv", header + "2\t4\t5\t4\n");
+  const std::string command =
+      "SEQLATTICE=" + cli_test::shellQuoted(SEQLATTICE_CLI) + " sh " +
+      cli_test::shellQuoted(std::string(SEQLATTICE_SOURCE_DIR) +
+                            "/bench/prediction/run.sh") +
+      " " + cli_test::shellQuoted(path("folds")) + " " +
+      cli_test::shellQuoted(path("out")) + " > /dev/null";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(readFile("out/fold0.pred"), "3\n3 2 1\n");
+  EXPECT_EQ(readFile("out/fold1.pred"), "5\n");
+}
