@@ -342,3 +342,25 @@ TEST_F(CliQueryTest, PredictionBenchmarkScriptOnTwoFolds) {
   EXPECT_EQ(readFile("out/fold0.pred"), "3\n3 2 1\n");
   EXPECT_EQ(readFile("out/fold1.pred"), "5\n");
 }
+
+// evaluate on four customers, two folds, the last order held out.
+// Fold 0 tests c0 (holds out 3) and c2 (4); the model sees c0 and c2 without
+// their last order. The recommender and the confidence order give [3]
+// (c0: rank 1, c2: miss); the most popular items are [2, 1, 3] (c0: rank 3).
+// Fold 1 tests c1 and c3 (both 3): 3 and 4 tie everywhere, the larger code
+// first, [4, 3] (rank 2); the most popular [2, 1, 4, 3] (rank 4). Popular
+// mrr: (1/3 + 1/4 + 1/4) / 4, summed in that order.
+TEST_F(CliQueryTest, EvaluateHitRatesOnATinyLog) {
+  writeFile("tiny.csv",
+            "customer,time,item\n"
+            "c0,1,1\nc0,2,2\nc0,3,3\n"
+            "c1,1,1\nc1,2,2\nc1,3,3\n"
+            "c2,1,1\nc2,2,2\nc2,3,4\n"
+            "c3,1,1\nc3,2,2\nc3,3,3\n");
+  EXPECT_EQ(output({"evaluate", "tiny.csv", "--min-support", "1", "--max-items",
+                    "3", "--folds", "2", "--format", "csv"}),
+            "method,customers,hit@1,hit@5,hit@10,mrr,coverage\n"
+            "recommender,4,0.25,0.75,0.75,0.5,1.0\n"
+            "confidence,4,0.25,0.75,0.75,0.5,1.0\n"
+            "popular,4,0.0,0.75,0.75,0.20833333333333331,1.0\n");
+}

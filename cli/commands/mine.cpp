@@ -18,6 +18,7 @@
 #include "seqlattice/recommend/sequenceindex.h"
 #include "support/clierror.h"
 #include "support/inputlog.h"
+#include "support/miningrecipe.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
 #include "support/progress.h"
@@ -28,39 +29,14 @@ namespace {
 
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
 
-// --min-support: "0.02" is a fraction of the customers, "12" a count.
-struct MinSupportValue {
-  bool isFraction = false;
-  double value = 0;
-};
-
 struct MineOptions {
   std::string input;
   std::string output;
-  Parsed<MinSupportValue> minSupport;  // empty text: chosen by the budget
-  long maxPatterns = 300000;
-  bool maxPatternsGiven = false;
-  int maxItems = 4;
+  MiningRecipe recipe;
   InputOptions inputOptions;
   bool xml = false;
   bool noSequences = false;
 };
-
-std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
-  char* end = nullptr;
-  double parsed = std::strtod(text.c_str(), &end);
-  bool isFraction = text.find_first_not_of("0123456789") != std::string::npos;
-  bool valid = !text.empty() && end == text.c_str() + text.size() &&
-               (isFraction ? parsed > 0 && parsed <= 1
-                           : parsed >= 1 && parsed <= 2147483647);
-  if (!valid) {
-    return "expected a fraction of the customers (0 < F <= 1) or a count of "
-           "customers (N >= 1), not \"" +
-           text + "\"";
-  }
-  *out = MinSupportValue{isFraction, parsed};
-  return "";
-}
 
 void describeDatabase(const mining::SequenceDatabase& db,
                       MiningParameters* parameters) {
@@ -84,16 +60,7 @@ void runMine(const MineOptions& options) {
   auto start = std::chrono::steady_clock::now();
   Model model;
   MiningParameters& parameters = model.mining;
-  parameters.minSupportIsFraction = options.minSupport.value.isFraction;
-  parameters.minSupport = options.minSupport.value.value;
-  mining::MinerOptions minerOptions;
-  minerOptions.minSupport =
-      parameters.minSupportIsFraction
-          ? mining::MinSupport::fraction(parameters.minSupport)
-          : mining::MinSupport::count(
-                std::max(1L, static_cast<long>(parameters.minSupport)));
-  minerOptions.maxItems = options.maxItems;
-  parameters.maxItems = options.maxItems;
+  parameters.maxItems = options.recipe.maxItems;
   parameters.inputName = options.input;
   parameters.inputFormat = inputFormat(options.input, options.inputOptions);
 
@@ -108,73 +75,11 @@ void runMine(const MineOptions& options) {
   if (!options.noSequences) {
     model.sequences = SEQUENCE_NAMESPACE_800::recommend::SequenceIndex(db);
   }
-  std::string supportText = options.minSupport.text;
-  // Patterns of two items at the support of the first tier, longer ones at
-  // that of the second (equal unless the budget is split, see below).
-  long pairCount = minerOptions.minSupport.countFor(db.customerCount());
-  long longCount = pairCount;
-  if (options.minSupport.text.empty() || options.maxPatternsGiven) {
-    // The lowest support whose patterns fit the budget; never below the
-    // support asked for, nor (when none was) below 2 customers, since a
-    // pattern of one customer says nothing about the others. Without a
-    // support, half the budget goes to patterns of two items and half to
-    // longer ones, each tier at its own lowest support: predictions gain
-    // most from many pairs at a low support, and a few longer patterns add
-    // the context that pairs lack.
-    progress.note("choosing the minimum support for at most " +
-                  std::to_string(options.maxPatterns) + " patterns ...");
-    const bool split = options.minSupport.text.empty() && options.maxItems > 2;
-    const long floor = options.minSupport.text.empty() ? 2 : pairCount;
-    mining::MinerOptions pairs = minerOptions;
-    if (split) pairs.maxItems = 2;
-    const long tierBudget =
-        split ? std::max(1L, options.maxPatterns / 2) : options.maxPatterns;
-    pairCount = mining::lowestCountWithin(db, pairs, tierBudget, floor);
-    longCount = split ? mining::lowestCountWithin(db, minerOptions, tierBudget,
-                                                  pairCount)
-                      : pairCount;
-    parameters.minSupportIsFraction = false;
-    parameters.minSupport = static_cast<double>(pairCount);
-    supportText = "at most " + std::to_string(options.maxPatterns) +
-                  " patterns: " + std::to_string(pairCount);
-    if (longCount != pairCount) {
-      supportText += " (" + std::to_string(longCount) +
-                     " for patterns of 3 or more items)";
-    }
-  }
-  parameters.minCount = pairCount;
-
-  progress.note("mining " + std::to_string(db.customerCount()) +
-                " customers ...");
-  // The search and the model may use most of what is left once the
-  // database is loaded; a model that would need more is refused with a
-  // message instead of being killed for want of memory.
-  minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
-  SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
-  settings.nLevels = options.maxItems + 1;
-  model.dictionary =
-      std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
-  if (longCount != pairCount) {
-    // Every sub-pattern of a stored pattern is stored too: a longer pattern's
-    // sub-patterns reach its count, which is above the pairs' support.
-    mining::MinerOptions pairs = minerOptions;
-    pairs.maxItems = 2;
-    pairs.minSupport = mining::MinSupport::count(pairCount);
-    mining::mineIntoDictionary(db, pairs, *model.dictionary);
-  }
-  minerOptions.minSupport = mining::MinSupport::count(longCount);
-  mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
-  // Every stored count reaches the minimum, so this removes nothing; it
-  // records the minimum support that the documents state.
-  model.dictionary->reduceAll(static_cast<double>(pairCount));
-  std::vector<long> patternsPerSize(static_cast<std::size_t>(options.maxItems) +
-                                    1);
-  long patterns = 0;
-  for (int k = 1; k <= options.maxItems; ++k) {
-    patternsPerSize[static_cast<std::size_t>(k)] =
-        model.dictionary->CountSequencesOfSize(k);
-    patterns += patternsPerSize[static_cast<std::size_t>(k)];
-  }
+  MinedDictionary mined = mineDictionary(db, options.recipe, progress);
+  model.dictionary = std::move(mined.dictionary);
+  parameters.minSupportIsFraction = mined.minSupportIsFraction;
+  parameters.minSupport = mined.minSupport;
+  parameters.minCount = mined.pairCount;
 
   progress.note("writing " + options.output + " ...");
   saveModel(model, options.output, options.xml);
@@ -190,15 +95,15 @@ void runMine(const MineOptions& options) {
                          " occurrences, at most " +
                          std::to_string(parameters.maxItemsPerTransaction) +
                          " per transaction");
-  printLine(
-      "min support",
-      supportText + " = " + std::to_string(parameters.minCount) + " customers");
-  printLine("patterns", std::to_string(patterns) + " of at most " +
-                            std::to_string(options.maxItems) + " items");
-  for (int k = 1; k < static_cast<int>(patternsPerSize.size()); ++k) {
-    if (patternsPerSize[k] == 0) continue;
+  printLine("min support", mined.supportText + " = " +
+                               std::to_string(parameters.minCount) +
+                               " customers");
+  printLine("patterns", std::to_string(mined.patterns) + " of at most " +
+                            std::to_string(options.recipe.maxItems) + " items");
+  for (int k = 1; k < static_cast<int>(mined.patternsPerSize.size()); ++k) {
+    if (mined.patternsPerSize[k] == 0) continue;
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
-              std::to_string(patternsPerSize[k]));
+              std::to_string(mined.patternsPerSize[k]));
   }
   printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
   char time[32];
@@ -226,24 +131,7 @@ Command addMineCommand(CLI::App& app) {
       ->required();
   command->add_option("-o,--output", options->output, "Model file to write")
       ->required();
-  addParsedOption<MinSupportValue>(
-      command, "--min-support", &options->minSupport, parseMinSupport, "F|N",
-      "Least support of a pattern: a fraction of the customers (0.05) or a "
-      "count of customers (30); by default the lowest support of at most "
-      "--max-patterns patterns");
-  command
-      ->add_option("--max-patterns", options->maxPatterns,
-                   "Pattern budget: the minimum support is raised until the "
-                   "model holds at most this many patterns")
-      ->check(CLI::Range(1L, 100000000L))
-      ->capture_default_str()
-      ->each(
-          [options](const std::string&) { options->maxPatternsGiven = true; });
-  command
-      ->add_option("--max-items", options->maxItems,
-                   "Largest number of items in a pattern")
-      ->check(CLI::Range(1, 31))
-      ->capture_default_str();
+  addMiningRecipeOptions(command, &options->recipe);
   addInputOptions(command, &options->inputOptions, "--format");
   command->add_flag("--xml", options->xml,
                     "Write the model in the XML object format");

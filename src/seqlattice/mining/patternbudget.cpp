@@ -43,14 +43,16 @@ long lowestCountWithin(const SequenceDatabase& db, MinerOptions options,
   };
   long low = std::max(1L, floorCount);
   if (fits(low)) return low;
-  // Double until it fits, then halve the gap down to about 5% of the count.
+  // Grow fourfold until it fits, then halve the gap down to about 10% of the
+  // count: each trial costs about the same (it stops at the budget), so few
+  // trials matter more than a count closer to the lowest.
   long high = low;
   do {
     low = high;
     if (low >= customers) return customers + 1;
-    high = std::min(customers, high * 2);
+    high = std::min(customers, high * 4);
   } while (!fits(high));
-  while (high - low > std::max(1L, high / 20)) {
+  while (high - low > std::max(1L, high / 10)) {
     const long middle = low + (high - low) / 2;
     if (fits(middle)) {
       high = middle;

@@ -13,7 +13,7 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
 
-// The lowest minimum count c >= floorCount (within about 5% of c) such that
+// The lowest minimum count c >= floorCount (within about 10% of c) such that
 // db has at most maxPatterns frequent patterns at c, searched with options'
 // maxItems, threads and memory budget (its minSupport is ignored). Returns
 // the number of customers + 1 (nothing frequent) when even a count of all
