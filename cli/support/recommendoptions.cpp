@@ -51,9 +51,10 @@ void addRecommendOptions(CLI::App* command, RecommendChoice* choice) {
       ->capture_default_str();
   command
       ->add_option("--earlier-weight", o.earlierSetWeight,
-                   "Weight of a pattern ending one order earlier")
-      ->check(CLI::Range(0.0, 1.0))
-      ->capture_default_str();
+                   "Weight of a pattern ending one order earlier (default: "
+                   "0.5 when the model's customers have 20 orders or more on "
+                   "average, else 0.3)")
+      ->check(CLI::Range(0.0, 1.0));
   command
       ->add_option("--sequence-weight", o.sequenceWeight,
                    "Share of the score from the customers' sequences kept "
@@ -79,9 +80,10 @@ void addRecommendOptions(CLI::App* command, RecommendChoice* choice) {
   command
       ->add_option("--decay", o.decay,
                    "How fast an item's weight falls with the orders between "
-                   "the context and it: 1 / (1 + decay * orders)")
-      ->check(CLI::NonNegativeNumber)
-      ->capture_default_str();
+                   "the context and it: 1 / (1 + decay * orders) (default: "
+                   "0.3 when the model's customers have 20 orders or more on "
+                   "average, else 0)")
+      ->check(CLI::NonNegativeNumber);
 }
 
 std::string sourceName(recommend::Source source) {

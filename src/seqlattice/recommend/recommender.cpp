@@ -110,6 +110,10 @@ Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
   for (const auto& entry : byCount) popular_.push_back(entry.first);
   if (index_ != nullptr && !index_->empty()) {
     repeatRate_ = index_->repeatRate(5);
+    const bool longSequences = index_->meanLength() >= kLongSequence;
+    automaticDecay_ = longSequences ? kLongSequenceDecay : 0.0;
+    automaticEarlierWeight_ = longSequences ? kLongSequenceEarlierWeight
+                                            : kShortSequenceEarlierWeight;
   }
 }
 
@@ -163,8 +167,11 @@ std::vector<Recommendation> Recommender::recommend(
   const int passes = options.lastSetOnly
                          ? std::min(1, length)
                          : std::min(length, std::max(1, options.contextSets));
+  const double earlierWeight = options.earlierSetWeight < 0
+                                   ? automaticEarlierWeight_
+                                   : options.earlierSetWeight;
   double weight = 1.0;
-  for (int k = 0; k < passes; ++k, weight *= options.earlierSetWeight) {
+  for (int k = 0; k < passes; ++k, weight *= earlierWeight) {
     const std::vector<int> excluded = itemsFrom(history, length - k);
     for (const auto& p : matchesOf(dict_, history, k)) {
       const SequenceCounter* counter = dict_.getDescriptor(p.get());
@@ -206,7 +213,8 @@ std::vector<Recommendation> Recommender::recommend(
   if (sequenceWeight > 0) {
     const FollowerCounts followers = index_->followersOf(
         itemsFrom(history, length - std::max(1, options.contextSets)),
-        options.minContextCustomers, options.maxDropped, options.decay, prior);
+        options.minContextCustomers, options.maxDropped,
+        options.decay < 0 ? automaticDecay_ : options.decay, prior);
     for (const auto& [item, w] : followers.followers) {
       Candidate& c = candidates[item];
       c.sequences = w;

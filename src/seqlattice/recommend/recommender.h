@@ -52,6 +52,15 @@ enum class HistoryItems {
 // Below this share of item sets repeating one of the five before them, the
 // automatic choice leaves the history's items out.
 constexpr double kRareRepeats = 0.1;
+// In long sequences what comes soon after the context is a better guide
+// than what comes much later, and matches anchored on earlier item sets keep
+// more of their worth; in short ones the whole rest is near anyway, and the
+// most recent item set says more. The values are measured
+// (docs/recommender.md).
+constexpr double kLongSequence = 20;
+constexpr double kLongSequenceDecay = 0.3;
+constexpr double kLongSequenceEarlierWeight = 0.5;
+constexpr double kShortSequenceEarlierWeight = 0.3;
 
 struct RecommendOptions {
   int top = 5;  // largest number of items returned; <= 0 returns none
@@ -63,7 +72,9 @@ struct RecommendOptions {
   // Pseudo customers of popularity added to every confidence.
   double priorStrength = 2.0;
   // Weight of a match anchored one item set earlier than the previous pass.
-  double earlierSetWeight = 0.5;
+  // Negative: chosen from the model's data, 0.5 when its customers hold
+  // kLongSequence item sets or more on average, else 0.3.
+  double earlierSetWeight = -1;
   // Share of the score taken from the sequence index (when the model has
   // one); the rest comes from the lattice.
   double sequenceWeight = 0.5;
@@ -74,8 +85,11 @@ struct RecommendOptions {
   int minContextCustomers = 100;
   int maxDropped = 4;
   // How fast the weight of a follower falls with its distance (in item
-  // sets) from the context: 1 / (1 + decay * distance).
-  double decay = 0.3;
+  // sets) from the context: 1 / (1 + decay * distance). Negative: chosen
+  // from the model's data, kLongSequenceDecay when its customers hold
+  // kLongSequence item sets or more on average, else 0 (and 0 without
+  // sequences in the model).
+  double decay = -1;
   // Fill the list with the most popular items.
   bool popularFallback = true;
 };
@@ -133,6 +147,8 @@ class Recommender {
   std::vector<std::pair<int, long>> itemCounts_;  // by item, ascending
   std::vector<int> popular_;  // items by decreasing count, then item code
   double repeatRate_ = 1.0;
+  double automaticDecay_ = 0.0;
+  double automaticEarlierWeight_ = kShortSequenceEarlierWeight;
 };
 
 }  // namespace recommend

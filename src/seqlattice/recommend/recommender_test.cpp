@@ -61,6 +61,7 @@ class RecommenderTest : public testing::Test {
     options.threads = 1;
     mining::mineIntoDictionary(db, options, dict);
     latticeOnly.sequenceWeight = 0;
+    latticeOnly.earlierSetWeight = 0.5;
     latticeOnly.popularFallback = false;
   }
 
@@ -192,6 +193,19 @@ TEST_F(RecommenderTest, TheSequenceIndexAddsWhatFollowedTheContext) {
   EXPECT_NEAR(got[1].score, 2.0 / 22, 1e-12);
   EXPECT_EQ(got[0].source, recommend::Source::kSequences);
   EXPECT_EQ(got[0].contextCustomers, 20);
+}
+
+TEST_F(RecommenderTest, ShortSequencesWeighEarlierItemSetsLessByDefault) {
+  // The customers hold 2.5 item sets on average: earlier weight 0.3, no
+  // decay. History (b)(c): a and x from (b), one item set earlier.
+  recommend::Recommender recommender(dict, &index);
+  recommend::RecommendOptions options;
+  options.sequenceWeight = 0;
+  options.popularFallback = false;
+  options.historyItems = recommend::HistoryItems::kAll;
+  auto got = recommender.recommend(test::historyOf({kB, kC}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kA, kX}));
+  EXPECT_NEAR(got[0].score, (2 + 2 * 20.0 / 22) / 4 * 0.3, 1e-12);
 }
 
 TEST_F(RecommenderTest, ZeroItemsWanted) {

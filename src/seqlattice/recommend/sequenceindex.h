@@ -47,6 +47,12 @@ class SequenceIndex {
 
   std::size_t customerCount() const { return customerStart_.size() - 1; }
   bool empty() const { return customerCount() == 0; }
+  // Item sets per customer, on average (0 when empty).
+  double meanLength() const {
+    return empty() ? 0.0
+                   : static_cast<double>(setStart_.size() - 1) /
+                         static_cast<double>(customerCount());
+  }
 
   // The flat form, as the model file stores it: all items, the start of each
   // item set in items, the first item set of each customer; each start array
