@@ -38,7 +38,7 @@ using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
 using SEQUENCE_NAMESPACE_800::Sequence;
 using SEQUENCE_NAMESPACE_800::SequenceDictionary;
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
-namespace testutil = SEQUENCE_NAMESPACE_800::testutil;
+namespace test = SEQUENCE_NAMESPACE_800::test;
 
 const unsigned kSeed = 20240611;
 const int kCustomers = 6000;
@@ -48,7 +48,7 @@ const int kMaxPatternItems = 5;
 const int kHistories = 2000;
 
 // An item set of 1 to 3 products drawn with Zipf-like popularity.
-testutil::ItemSet basket(std::mt19937& random) {
+test::ItemSet basket(std::mt19937& random) {
   static const std::vector<double> weights = [] {
     std::vector<double> w(kProducts);
     for (int i = 0; i < kProducts; ++i) w[i] = 1.0 / std::pow(i + 1, 0.9);
@@ -56,7 +56,7 @@ testutil::ItemSet basket(std::mt19937& random) {
   }();
   std::discrete_distribution<int> product(weights.begin(), weights.end());
   std::uniform_int_distribution<int> size(1, 3);
-  testutil::ItemSet set;
+  test::ItemSet set;
   const int n = size(random);
   while (static_cast<int>(set.size()) < n) {
     const int item = product(random);
@@ -70,16 +70,16 @@ testutil::ItemSet basket(std::mt19937& random) {
 
 // Histories of 3 to 8 baskets; every third customer follows one of a few
 // planted sequences, interleaved with random baskets.
-testutil::CustomerDatabase makeDatabase(std::mt19937& random) {
-  const testutil::CustomerDatabase planted = {
+test::CustomerDatabase makeDatabase(std::mt19937& random) {
+  const test::CustomerDatabase planted = {
       {{1}, {2, 3}, {4}}, {{5}, {6}, {7, 8}}, {{2}, {9}, {3}, {10}}};
   std::uniform_int_distribution<int> length(3, 8);
   std::bernoulli_distribution interleave(0.3);
-  testutil::CustomerDatabase db;
+  test::CustomerDatabase db;
   for (int c = 0; c < kCustomers; ++c) {
-    testutil::History history;
+    test::History history;
     if (c % 3 == 0) {
-      for (const testutil::ItemSet& set : planted[c / 3 % planted.size()]) {
+      for (const test::ItemSet& set : planted[c / 3 % planted.size()]) {
         if (interleave(random)) history.push_back(basket(random));
         history.push_back(set);
       }
@@ -100,11 +100,11 @@ struct Fixture {
 Fixture& fixture() {
   static Fixture* built = [] {
     std::mt19937 random(kSeed);
-    const testutil::CustomerDatabase db = makeDatabase(random);
+    const test::CustomerDatabase db = makeDatabase(random);
     Fixture* f = new Fixture;
     f->dict.reset(new SequenceDictionary(kMaxPatternItems + 1));
     mining::SequenceDatabase customers;
-    for (const testutil::History& history : db) {
+    for (const test::History& history : db) {
       customers.beginCustomer();
       for (size_t k = 0; k < history.size(); ++k) {
         customers.addTransaction(static_cast<double>(k), history[k]);
@@ -117,10 +117,10 @@ Fixture& fixture() {
     mining::mineIntoDictionary(customers, options, *f->dict);
     std::uniform_int_distribution<int> customer(0, kCustomers - 1);
     for (int h = 0; h < kHistories; ++h) {
-      const testutil::History& history = db[customer(random)];
+      const test::History& history = db[customer(random)];
       std::uniform_int_distribution<size_t> cut(1, history.size());
-      f->histories.push_back(testutil::toSequence(
-          testutil::History(history.begin(), history.begin() + cut(random))));
+      f->histories.push_back(test::toSequence(
+          test::History(history.begin(), history.begin() + cut(random))));
     }
     return f;
   }();

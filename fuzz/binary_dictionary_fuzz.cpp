@@ -12,13 +12,13 @@
 #include "seqlattice/support/seqexceptions.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  fuzz_input::silenceMessages();
+  SEQUENCE_NAMESPACE_800::test::silenceMessages();
   return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) {
-  std::fstream in(fuzz_input::fileWith(data, size),
+  std::fstream in(SEQUENCE_NAMESPACE_800::test::fileWith(data, size),
                   std::ios::in | std::ios::binary);
   SEQUENCE_NAMESPACE_800::SequenceDictionary dictionary;
   try {

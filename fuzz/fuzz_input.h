@@ -17,7 +17,8 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 
-namespace fuzz_input {
+namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
 
 class NullBuffer : public std::streambuf {
  protected:
@@ -59,8 +60,7 @@ inline const std::string& fileWith(const std::uint8_t* data, std::size_t size) {
 
 // Saves a loaded dictionary in both formats, to nowhere: whatever a file
 // loads must be writable again.
-inline void saveToNowhere(
-    const SEQUENCE_NAMESPACE_800::SequenceDictionary& dictionary) {
+inline void saveToNowhere(const SequenceDictionary& dictionary) {
   NullBuffer nothing;
   std::ostream xml(&nothing);
   dictionary.writeObjectXML(xml);
@@ -68,6 +68,7 @@ inline void saveToNowhere(
   dictionary.writeObject(binary);
 }
 
-}  // namespace fuzz_input
+}  // namespace test
+}  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_FUZZ_FUZZ_INPUT_H_

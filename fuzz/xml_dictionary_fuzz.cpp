@@ -11,7 +11,7 @@
 #include "seqlattice/support/seqexceptions.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  fuzz_input::silenceMessages();
+  SEQUENCE_NAMESPACE_800::test::silenceMessages();
   return 0;
 }
 
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) {
   // The length chooses the reader, so that one input can serve both.
   const bool versionOneZero = size % 2 == 1;
-  std::ifstream in(fuzz_input::fileWith(data, size));
+  std::ifstream in(SEQUENCE_NAMESPACE_800::test::fileWith(data, size));
   SEQUENCE_NAMESPACE_800::SequenceDictionary dictionary;
   try {
     const long read = versionOneZero ? dictionary.readObjectXML(in, "1.0")
@@ -29,6 +29,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
     delete e;
     return 0;
   }
-  fuzz_input::saveToNowhere(dictionary);
+  SEQUENCE_NAMESPACE_800::test::saveToNowhere(dictionary);
   return 0;
 }

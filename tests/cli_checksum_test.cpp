@@ -7,6 +7,8 @@
 
 #include "support/modelfile.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
 // One bit at a time, straight from the polynomial.
@@ -40,3 +42,5 @@ TEST(ModelChecksumTest, EveryLengthAndAlignmentMatchesTheBitwiseCrc) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -5,25 +5,16 @@
 
 #include "cli_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using cli_test::CliRun;
-using cli_test::CliTest;
-
-class CliExportTest : public CliTest {
+class CliExportTest : public test::CliTest {
  protected:
   void SetUp() override {
-    CliTest::SetUp();
-    writeFile("orders.csv",
-              "customer,time,item\n"
-              "c1,1,a\n"
-              "c1,2,b\n"
-              "c2,1,a\n"
-              "c2,3,b\n"
-              "c3,1,a\n"
-              "c3,1,c\n"
-              "c4,2,b\n");
-    CliRun mined =
+    test::CliTest::SetUp();
+    writeFile("orders.csv", test::kOrders);
+    test::CliRun mined =
         run({"mine", "orders.csv", "-o", "m.model", "--min-support", "2"});
     ASSERT_EQ(mined.exitCode, 0) << mined.err;
   }
@@ -34,7 +25,7 @@ class CliExportTest : public CliTest {
 };
 
 TEST_F(CliExportTest, PmmlStatesTheRulesAndTheTransactionStatistics) {
-  CliRun result = run({"export", "pmml", "m.model"});
+  test::CliRun result = run({"export", "pmml", "m.model"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(result.out.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                              "<!DOCTYPE PMML SYSTEM \"sequentialmodel.dtd\">\n",
@@ -54,7 +45,7 @@ TEST_F(CliExportTest, PmmlStatesTheRulesAndTheTransactionStatistics) {
 }
 
 TEST_F(CliExportTest, PmmlRuleBounds) {
-  CliRun result = run(
+  test::CliRun result = run(
       {"export", "pmml", "m.model", "--min-confidence", "0.9", "-o", "m.pmml"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(result.out, "");
@@ -65,7 +56,7 @@ TEST_F(CliExportTest, PmmlRuleBounds) {
 }
 
 TEST_F(CliExportTest, LatticeDocument) {
-  CliRun result = run({"export", "lattice", "m.model", "-o", "m.xml"});
+  test::CliRun result = run({"export", "lattice", "m.model", "-o", "m.xml"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   std::string lattice = readFile("m.xml");
   EXPECT_TRUE(contains(lattice,
@@ -81,7 +72,7 @@ TEST_F(CliExportTest, LatticeDocument) {
 
 TEST_F(CliExportTest, AFailedExportLeavesTheOutputAlone) {
   writeFile("m.pmml", "the old document");
-  CliRun result = run({"export", "pmml", "orders.csv", "-o", "m.pmml"});
+  test::CliRun result = run({"export", "pmml", "orders.csv", "-o", "m.pmml"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err,
             "seqlattice: orders.csv: not a seqlattice model file (no end "
@@ -92,3 +83,5 @@ TEST_F(CliExportTest, AFailedExportLeavesTheOutputAlone) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

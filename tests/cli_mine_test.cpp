@@ -5,21 +5,9 @@
 
 #include "cli_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
-
-using cli_test::CliRun;
-using cli_test::CliTest;
-
-// Four customers: a then b for two of them, a and c together once, b alone.
-const char kOrders[] =
-    "customer,time,item\n"
-    "c1,1,a\n"
-    "c1,2,b\n"
-    "c2,1,a\n"
-    "c2,3,b\n"
-    "c3,1,a\n"
-    "c3,1,c\n"
-    "c4,2,b\n";
 
 // The summary without its last line, the time taken.
 std::string withoutTime(const std::string& out) {
@@ -27,9 +15,9 @@ std::string withoutTime(const std::string& out) {
                             "");
 }
 
-class CliMineTest : public CliTest {
+class CliMineTest : public test::CliTest {
  protected:
-  void expectBadInput(const CliRun& result, const std::string& message) {
+  void expectBadInput(const test::CliRun& result, const std::string& message) {
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "seqlattice: " + message + "\n");
@@ -37,8 +25,8 @@ class CliMineTest : public CliTest {
 };
 
 TEST_F(CliMineTest, SummaryOfACsvLog) {
-  writeFile("orders.csv", kOrders);
-  CliRun result =
+  writeFile("orders.csv", test::kOrders);
+  test::CliRun result =
       run({"mine", "orders.csv", "-o", "orders.model", "--min-support", "2"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err, "");
@@ -59,9 +47,9 @@ TEST_F(CliMineTest, SummaryOfACsvLog) {
 }
 
 TEST_F(CliMineTest, FractionalSupportAndMaxItems) {
-  writeFile("orders.csv", kOrders);
-  CliRun result = run({"mine", "orders.csv", "-o", "m", "--min-support", "0.75",
-                       "--max-items", "1"});
+  writeFile("orders.csv", test::kOrders);
+  test::CliRun result = run({"mine", "orders.csv", "-o", "m", "--min-support",
+                             "0.75", "--max-items", "1"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(withoutTime(result.out),
             "input         orders.csv (csv)\n"
@@ -82,7 +70,7 @@ TEST_F(CliMineTest, TabSeparatedWithOtherColumnNames) {
             "2024-01-01\ttea\tx\n"
             "2024-01-05\tjam\ty\n"
             "2024-01-03\ttea\ty\n");
-  CliRun result =
+  test::CliRun result =
       run({"mine", "log.tsv", "-o", "log.model", "--customer", "client",
            "--time", "when", "--item", "product", "--min-support", "1.0"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
@@ -104,7 +92,7 @@ TEST_F(CliMineTest, SpmfInput) {
             "1 -1 2 3 -1 -2\n"
             "1 -1 3 -1 -2\n"
             "2 -1 -2\n");
-  CliRun result = run(
+  test::CliRun result = run(
       {"mine", "seq.txt", "-o", "seq.model", "--min-support", "2", "--xml"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(withoutTime(result.out),
@@ -122,7 +110,7 @@ TEST_F(CliMineTest, SpmfInput) {
 }
 
 TEST_F(CliMineTest, BadRowNamesFileAndLine) {
-  writeFile("orders.csv", std::string(kOrders) + "c5,4\n");
+  writeFile("orders.csv", std::string(test::kOrders) + "c5,4\n");
   expectBadInput(run({"mine", "orders.csv", "-o", "orders.model"}),
                  "orders.csv:9: expected 3 columns, found 2");
   EXPECT_EQ(listWork(), (std::vector<std::string>{"orders.csv"}));
@@ -152,7 +140,8 @@ TEST_F(CliMineTest, QuotedFieldsAndCrlf) {
             "\"c, 1\",1,\"tea \"\"green\"\"\"\r\n"
             "\r\n"
             "\"c, 1\",2,\"tea \"\"green\"\"\"\r\n");
-  CliRun result = run({"mine", "orders.csv", "-o", "m", "--min-support", "1"});
+  test::CliRun result =
+      run({"mine", "orders.csv", "-o", "m", "--min-support", "1"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_NE(result.out.find("customers     1\n"), std::string::npos);
   EXPECT_NE(result.out.find("  2 items     1\n"), std::string::npos);
@@ -167,14 +156,14 @@ TEST_F(CliMineTest, MissingInput) {
 
 TEST_F(CliMineTest, BadSpmfLine) {
   writeFile("seq.txt", "1 -1 -2\n1 x -2\n");
-  CliRun result = run({"mine", "seq.txt", "-o", "m"});
+  test::CliRun result = run({"mine", "seq.txt", "-o", "m"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err.rfind("seqlattice: seq.txt:2: ", 0), 0u) << result.err;
   EXPECT_EQ(listWork(), (std::vector<std::string>{"seq.txt"}));
 }
 
 TEST_F(CliMineTest, UnwritableOutput) {
-  writeFile("orders.csv", kOrders);
+  writeFile("orders.csv", test::kOrders);
   expectBadInput(run({"mine", "orders.csv", "-o", "no/such/dir/m"}),
                  "no/such/dir/m: cannot write: No such file or directory");
 }
@@ -186,3 +175,5 @@ TEST_F(CliMineTest, EmptyLog) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

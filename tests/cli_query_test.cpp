@@ -6,17 +6,16 @@
 
 #include "cli_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using cli_test::CliRun;
-using cli_test::CliTest;
-
-class CliQueryTest : public CliTest {
+class CliQueryTest : public test::CliTest {
  protected:
   // Mines the model "shop.model" at a minimum count of 2 from five customers
   // with labelled products.
   void SetUp() override {
-    CliTest::SetUp();
+    test::CliTest::SetUp();
     writeFile("shop.csv",
               "customer,time,item\n"
               "ann,2024-01-01,pot\n"
@@ -30,14 +29,14 @@ class CliQueryTest : public CliTest {
               "dan,2024-01-04,\"jam, red\"\n"
               "eve,2024-01-03,\"jam, red\"\n"
               "eve,2024-01-06,\"jam, red\"\n");
-    CliRun mined =
+    test::CliRun mined =
         run({"mine", "shop.csv", "-o", "shop.model", "--min-support", "2"});
     ASSERT_EQ(mined.exitCode, 0) << mined.err;
   }
 
   // A successful run's standard output; nothing on standard error.
   std::string output(const std::vector<std::string>& args) {
-    CliRun result = run(args);
+    test::CliRun result = run(args);
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.err, "");
     return result.out;
@@ -107,8 +106,8 @@ TEST_F(CliQueryTest, PredictForANewCustomerGivesTheMostFrequentItems) {
 
 TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
   // The last order matches nothing; the order before it predicts.
-  CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
-                       "--rank", "confidence"});
+  test::CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
+                             "--rank", "confidence"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err,
             "seqlattice: predict: item \"soap\" is not in the model\n");
@@ -118,8 +117,8 @@ TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
 }
 
 TEST_F(CliQueryTest, PredictFromTheLastOrderOnly) {
-  CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
-                       "--last-set-only", "--rank", "confidence"});
+  test::CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
+                             "--last-set-only", "--rank", "confidence"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "rank  item  confidence  support  cause\n");
 }
@@ -139,7 +138,7 @@ TEST_F(CliQueryTest, PredictForEveryCustomerOfAFile) {
 
 TEST_F(CliQueryTest, PredictBatchReportsBadRows) {
   writeFile("recent.csv", "customer,time,item\nzoe,5\n");
-  CliRun result = run({"predict", "shop.model", "--input", "recent.csv"});
+  test::CliRun result = run({"predict", "shop.model", "--input", "recent.csv"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err,
@@ -241,7 +240,7 @@ TEST_F(CliQueryTest, ConvertRoundTrip) {
 
 TEST_F(CliQueryTest, ModelErrors) {
   auto expectError = [&](const std::string& file, const std::string& message) {
-    CliRun result = run({"rules", file});
+    test::CliRun result = run({"rules", file});
     EXPECT_EQ(result.exitCode, 1) << file;
     EXPECT_EQ(result.out, "") << file;
     EXPECT_EQ(result.err, "seqlattice: " + file + ": " + message + "\n");
@@ -260,12 +259,10 @@ TEST_F(CliQueryTest, ModelErrors) {
 }
 
 TEST_F(CliQueryTest, ConvertLeavesNoFileOnError) {
-  CliRun result = run({"convert", "nope.model", "out.model"});
+  test::CliRun result = run({"convert", "nope.model", "out.model"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(listWork(), (std::vector<std::string>{"shop.csv", "shop.model"}));
 }
-
-}  // namespace
 
 // The recommender, by default: (pot)(cups) has count 2 of (pot)'s 3, smoothed
 // with 2 customers of popularity (cups: 2 of 5), (2 + 0.8) / 5 = 0.56, half
@@ -297,10 +294,10 @@ TEST_F(CliQueryTest, PredictForOneCustomerOfAFile) {
                     "--customer", "bob", "--top", "1", "--format", "csv"}),
             "customer,rank,item,score,source,confidence,support,cause\n"
             "bob,1,tea,0.0,popular,0.4,0.4,1.0\n");
-  CliRun missing = run(
+  test::CliRun missing = run(
       {"predict", "shop.model", "--input", "shop.csv", "--customer", "zed"});
   EXPECT_EQ(missing.exitCode, 1);
-  EXPECT_EQ(missing.err, "seqlattice: shop.csv: no customer \"zed\"\n");
+  EXPECT_EQ(missing.err, "seqlattice: predict: no customer \"zed\"\n");
 }
 
 // After pot;cups nothing follows in the lattice; in the sequences, the
@@ -333,11 +330,11 @@ TEST_F(CliQueryTest, PredictionBenchmarkScriptOnTwoFolds) {
             "4 -1 5 -1 -2\n4 -1 5 -1 -2\n1 -1 2 -1 -2\n");
   writeFile("folds/fold1.test.tsv", header + "2\t4\t5\t4\n");
   const std::string command =
-      "SEQLATTICE=" + cli_test::shellQuoted(SEQLATTICE_CLI) + " sh " +
-      cli_test::shellQuoted(std::string(SEQLATTICE_SOURCE_DIR) +
-                            "/bench/prediction/run.sh") +
-      " " + cli_test::shellQuoted(path("folds")) + " " +
-      cli_test::shellQuoted(path("out")) + " > /dev/null";
+      "SEQLATTICE=" + test::shellQuoted(SEQLATTICE_CLI) + " sh " +
+      test::shellQuoted(std::string(SEQLATTICE_SOURCE_DIR) +
+                        "/bench/prediction/run.sh") +
+      " " + test::shellQuoted(path("folds")) + " " +
+      test::shellQuoted(path("out")) + " > /dev/null";
   ASSERT_EQ(std::system(command.c_str()), 0);
   EXPECT_EQ(readFile("out/fold0.pred"), "3\n3 2 1\n");
   EXPECT_EQ(readFile("out/fold1.pred"), "5\n");
@@ -364,3 +361,7 @@ TEST_F(CliQueryTest, EvaluateHitRatesOnATinyLog) {
             "confidence,4,0.25,0.75,0.75,0.5,1.0\n"
             "popular,4,0.0,0.75,0.75,0.20833333333333331,1.0\n");
 }
+
+}  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

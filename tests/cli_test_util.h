@@ -14,7 +14,20 @@
 #include <string>
 #include <vector>
 
-namespace cli_test {
+namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
+
+// A purchase log in CSV, the shared input of the mining and export tests:
+// four customers, a then b for two of them, a and c together once, b alone.
+inline constexpr char kOrders[] =
+    "customer,time,item\n"
+    "c1,1,a\n"
+    "c1,2,b\n"
+    "c2,1,a\n"
+    "c2,3,b\n"
+    "c3,1,a\n"
+    "c3,1,c\n"
+    "c4,2,b\n";
 
 struct CliRun {
   int exitCode;
@@ -103,6 +116,7 @@ class CliTest : public ::testing::Test {
   std::filesystem::path root_;
 };
 
-}  // namespace cli_test
+}  // namespace test
+}  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_TESTS_CLI_TEST_UTIL_H_

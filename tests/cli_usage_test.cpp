@@ -5,17 +5,16 @@
 
 #include "cli_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using cli_test::CliRun;
-using cli_test::CliTest;
-
-class CliUsageTest : public CliTest {
+class CliUsageTest : public test::CliTest {
  protected:
   // A usage error: exit 2, nothing on standard output, and the message.
   void expectUsageError(const std::vector<std::string>& args,
                         const std::string& message) {
-    CliRun result = run(args);
+    test::CliRun result = run(args);
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "seqlattice: " + message +
@@ -24,7 +23,7 @@ class CliUsageTest : public CliTest {
 };
 
 TEST_F(CliUsageTest, HelpListsTheCommands) {
-  CliRun result = run({"--help"});
+  test::CliRun result = run({"--help"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err, "");
   for (const char* command :
@@ -48,7 +47,7 @@ TEST_F(CliUsageTest, EveryCommandHasHelpWithAnExample) {
                                              {"convert"},
                                              {"info"}}) {
     command.push_back("--help");
-    CliRun result = run(command);
+    test::CliRun result = run(command);
     EXPECT_EQ(result.exitCode, 0) << command[0];
     EXPECT_NE(result.out.find("\nUsage: seqlattice " + command[0]),
               std::string::npos)
@@ -61,7 +60,7 @@ TEST_F(CliUsageTest, EveryCommandHasHelpWithAnExample) {
 }
 
 TEST_F(CliUsageTest, Version) {
-  CliRun result = run({"--version"});
+  test::CliRun result = run({"--version"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "seqlattice 0.1.0\n");
 }
@@ -82,7 +81,8 @@ TEST_F(CliUsageTest, MissingModel) {
 }
 
 TEST_F(CliUsageTest, MineNeedsAnOutput) {
-  expectUsageError({"mine", "orders.csv"}, "--output is required");
+  expectUsageError({"mine", "orders.csv"},
+                   "--output or --patterns-only is required");
 }
 
 TEST_F(CliUsageTest, BadMinSupport) {
@@ -167,3 +167,5 @@ TEST_F(CliUsageTest, ConvertNeedsTwoFiles) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

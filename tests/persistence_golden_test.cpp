@@ -12,14 +12,9 @@
 #include "seqlattice/dictionary/dictionary_test_util.h"
 #include "seqlattice/io/io_test_util.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using dictionary_test::addPattern;
-using dictionary_test::counterOf;
-using io_test::Outcome;
-using io_test::ScratchFile;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
+namespace {
 
 const std::string kDataDir =
     std::string(SEQLATTICE_SOURCE_DIR) + "/tests/data/";
@@ -28,27 +23,27 @@ const std::string kDataDir =
 // statistics on one counter, and all four doubles set.
 std::unique_ptr<SequenceDictionary> goldenDictionary() {
   auto dictionary =
-      std::make_unique<SequenceDictionary>(io_test::smallSettings(4));
+      std::make_unique<SequenceDictionary>(test::smallSettings(4));
   for (int i = 0; i < 6; ++i) dictionary->incrementCount(nullptr, 0);
-  addPattern(*dictionary, {{1}}, 5, 1);
-  addPattern(*dictionary, {{2}}, 4, 2);
-  addPattern(*dictionary, {{3}}, 3, 4);
-  addPattern(*dictionary, {{1, 2}}, 2, 3, 1);
-  addPattern(*dictionary, {{1}, {2}}, 3, 5);
-  addPattern(*dictionary, {{2}, {3}}, 3, 6);
-  addPattern(*dictionary, {{1}, {2}, {3}}, 2, 7, 2);
-  counterOf(*dictionary, {{1}})->addAdjacentItem(2, 0);
-  counterOf(*dictionary, {{1}})->addAdjacentItem(2, 1);
-  counterOf(*dictionary, {{2}})->addAdjacentItem(1, 0);
-  counterOf(*dictionary, {{2}})->addAdjacentItem(1, 1);
-  counterOf(*dictionary, {{2}})->addAdjacentItem(3, 1);
-  counterOf(*dictionary, {{1}, {2}})->addAdjacentItem(3, 3);
-  counterOf(*dictionary, {{2}, {3}})->addAdjacentItem(1, 1);
+  test::addPattern(*dictionary, {{1}}, 5, 1);
+  test::addPattern(*dictionary, {{2}}, 4, 2);
+  test::addPattern(*dictionary, {{3}}, 3, 4);
+  test::addPattern(*dictionary, {{1, 2}}, 2, 3, 1);
+  test::addPattern(*dictionary, {{1}, {2}}, 3, 5);
+  test::addPattern(*dictionary, {{2}, {3}}, 3, 6);
+  test::addPattern(*dictionary, {{1}, {2}, {3}}, 2, 7, 2);
+  test::counterOf(*dictionary, {{1}})->addAdjacentItem(2, 0);
+  test::counterOf(*dictionary, {{1}})->addAdjacentItem(2, 1);
+  test::counterOf(*dictionary, {{2}})->addAdjacentItem(1, 0);
+  test::counterOf(*dictionary, {{2}})->addAdjacentItem(1, 1);
+  test::counterOf(*dictionary, {{2}})->addAdjacentItem(3, 1);
+  test::counterOf(*dictionary, {{1}, {2}})->addAdjacentItem(3, 3);
+  test::counterOf(*dictionary, {{2}, {3}})->addAdjacentItem(1, 1);
   auto* bucket = new StatsBucket();
   bucket->InitialGap(1.5);
   bucket->UpdateGap(0.25);
   bucket->UpdateGap(4.0);
-  counterOf(*dictionary, {{1}, {2}})->setStatsBucket(bucket);
+  test::counterOf(*dictionary, {{1}, {2}})->setStatsBucket(bucket);
   dictionary->reduceAll(2.0);  // removes nothing; minSupport = 2 / 6
   dictionary->setSlidingWindow(30.0);
   dictionary->setMinGap(0.5);
@@ -75,23 +70,25 @@ void expectGoldenFile(const std::string& name, Save save, Load load) {
   const std::string golden = readFile(path);
   EXPECT_EQ(save(*dictionary), golden) << name;
 
-  ScratchFile file;
+  test::ScratchFile file;
   file.write(golden);
   SequenceDictionary loaded;
-  ASSERT_EQ(load(file, loaded), Outcome::kLoaded);
-  io_test::expectLoadedAs(*dictionary, loaded, 4);
+  ASSERT_EQ(load(file, loaded), test::Outcome::kLoaded);
+  test::expectLoadedAs(*dictionary, loaded, 4);
 }
 
 TEST(PersistenceGoldenTest, BinaryFileMatchesAndLoads) {
-  expectGoldenFile("small_dictionary.bin", io_test::saveBinary,
-                   io_test::loadBinary);
+  expectGoldenFile("small_dictionary.bin", test::saveBinary, test::loadBinary);
 }
 
 TEST(PersistenceGoldenTest, XMLFileMatchesAndLoads) {
-  expectGoldenFile("small_dictionary.xml", io_test::saveXML,
-                   [](const ScratchFile& file, SequenceDictionary& loaded) {
-                     return io_test::loadXML(file, loaded);
-                   });
+  expectGoldenFile(
+      "small_dictionary.xml", test::saveXML,
+      [](const test::ScratchFile& file, SequenceDictionary& loaded) {
+        return test::loadXML(file, loaded);
+      });
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -10,12 +10,13 @@
 #include "commands/commands.h"
 #include "seqlattice/mining/sequencedatabase.h"
 #include "seqlattice/recommend/recommender.h"
-#include "seqlattice/recommend/sequenceindex.h"
 #include "seqlattice/sequence/timeditemset.h"
 #include "support/clierror.h"
 #include "support/inputlog.h"
-#include "support/miningrecipe.h"
+#include "support/minemodel.h"
+#include "support/modelfile.h"
 #include "support/output.h"
+#include "support/prediction.h"
 #include "support/progress.h"
 #include "support/recommendoptions.h"
 #include "support/sequencelabels.h"
@@ -30,11 +31,11 @@ using SEQUENCE_NAMESPACE_800::Sequence;
 
 struct EvaluateOptions {
   std::string input;
-  MiningRecipe recipe;
+  MineSettings mining;
   InputOptions inputOptions;
   std::string holdout = "last-set";
   int folds = 1;
-  RecommendChoice choice;
+  PredictSettings prediction;
   Format format = Format::kTable;
 };
 
@@ -119,36 +120,40 @@ void runEvaluate(const EvaluateOptions& options) {
   const mining::SequenceDatabase& db = log.database;
   if (db.customerCount() == 0) failInput(options.input + ": no customers");
   const bool lastItem = options.holdout == "last-item";
-  const int listLength = std::max(10, options.choice.options.top);
+  const int listLength = std::max(10, options.prediction.top);
   Score scores[3];  // recommender, confidence order, most popular
   for (int fold = 0; fold < options.folds; ++fold) {
     // The fold's customers lose what is held out; the others train whole.
     std::vector<Split> splits(db.customerCount());
-    mining::SequenceDatabase train;
+    SEQUENCE_NAMESPACE_800::input::LabelledDatabase train;
+    train.items = log.items;
+    train.customers = log.customers;
     for (std::size_t c = 0; c < db.customerCount(); ++c) {
       const bool tested = static_cast<int>(c % options.folds) == fold;
       if (tested) splits[c] = splitCustomer(db, c, lastItem);
-      train.beginCustomer();
+      train.database.beginCustomer();
       if (!splits[c].heldOut.empty()) {
         for (std::size_t t = 0; t < splits[c].history.size(); ++t) {
-          train.addTransaction(static_cast<double>(t), splits[c].history[t]);
+          train.database.addTransaction(static_cast<double>(t),
+                                        splits[c].history[t]);
         }
       } else {
         // Not tested, or too short to split: trains with every order.
         for (auto t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
-          train.addTransaction(
+          train.database.addTransaction(
               db.time(t), db.itemsBegin(t),
               static_cast<std::size_t>(db.itemsEnd(t) - db.itemsBegin(t)));
         }
       }
-      train.endCustomer();
+      train.database.endCustomer();
     }
     progress.note("fold " + std::to_string(fold + 1) + " of " +
                   std::to_string(options.folds) + ": mining ...");
-    MinedDictionary mined = mineDictionary(train, options.recipe, progress);
-    recommend::SequenceIndex index(train);
-    recommend::Recommender recommender(*mined.dictionary, &index);
-    recommend::RecommendOptions settings = options.choice.settings();
+    Model model;
+    mineModel(train, options.mining, options.input,
+              inputFormat(options.input, options.inputOptions), &model);
+    recommend::Recommender recommender(*model.dictionary, &model.sequences);
+    recommend::RecommendOptions settings = recommendOptions(options.prediction);
     settings.top = listLength;
     recommend::RecommendOptions byConfidence = settings;
     byConfidence.ranking = recommend::Ranking::kConfidence;
@@ -187,7 +192,7 @@ Command addEvaluateCommand(CLI::App& app) {
       "Measure the predictions on a log: hold out each customer's last order "
       "(or item), mine the rest, predict it");
   command->add_option("LOG", options->input, "Transaction file")->required();
-  addMiningRecipeOptions(command, &options->recipe);
+  addMiningOptions(command, &options->mining);
   command
       ->add_option("--holdout", options->holdout,
                    "What is held out of each customer: last-set (the last "
@@ -200,7 +205,7 @@ Command addEvaluateCommand(CLI::App& app) {
                    "training with their whole history (1: every customer)")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
-  addRecommendOptions(command, &options->choice);
+  addRecommendOptions(command, &options->prediction);
   addFormatOption(command, &options->format);
   addInputOptions(command, &options->inputOptions, "--input-format");
   command->footer(

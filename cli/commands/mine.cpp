@@ -1,26 +1,18 @@
 // seqlattice mine: read a transaction file, mine every frequent sequential
 // pattern into a dictionary, build its lattice and save the model.
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "commands/commands.h"
-#include "seqlattice/dictionary/dictionarysettings.h"
-#include "seqlattice/mining/dictionaryfiller.h"
-#include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
-#include "seqlattice/mining/patternbudget.h"
-#include "seqlattice/recommend/sequenceindex.h"
-#include "support/clierror.h"
 #include "support/inputlog.h"
-#include "support/miningrecipe.h"
+#include "support/minemodel.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
+#include "support/patternstream.h"
 #include "support/progress.h"
 
 namespace seqlattice_cli {
@@ -32,24 +24,13 @@ namespace mining = SEQUENCE_NAMESPACE_800::mining;
 struct MineOptions {
   std::string input;
   std::string output;
-  MiningRecipe recipe;
+  MineSettings settings;
   InputOptions inputOptions;
   bool xml = false;
+  std::string patternsOnly;  // a file for the patterns instead of a model
+  std::string patternsFormat = "auto";
   bool noSequences = false;
 };
-
-void describeDatabase(const mining::SequenceDatabase& db,
-                      MiningParameters* parameters) {
-  parameters->customers = static_cast<long>(db.customerCount());
-  parameters->transactions = static_cast<long>(db.transactionCount());
-  parameters->itemOccurrences = static_cast<long>(db.itemOccurrenceCount());
-  std::size_t widest = 0;
-  for (std::size_t t = 0; t < db.transactionCount(); ++t) {
-    widest = std::max(
-        widest, static_cast<std::size_t>(db.itemsEnd(t) - db.itemsBegin(t)));
-  }
-  parameters->maxItemsPerTransaction = static_cast<int>(widest);
-}
 
 void printLine(const std::string& field, const std::string& value) {
   std::string padding(field.size() < 14 ? 14 - field.size() : 1, ' ');
@@ -58,31 +39,38 @@ void printLine(const std::string& field, const std::string& value) {
 
 void runMine(const MineOptions& options) {
   auto start = std::chrono::steady_clock::now();
-  Model model;
-  MiningParameters& parameters = model.mining;
-  parameters.maxItems = options.recipe.maxItems;
-  parameters.inputName = options.input;
-  parameters.inputFormat = inputFormat(options.input, options.inputOptions);
-
   Progress progress;
   progress.note("reading " + options.input + " ...");
   SEQUENCE_NAMESPACE_800::input::LabelledDatabase log =
       loadInput(options.input, options.inputOptions);
   const mining::SequenceDatabase& db = log.database;
-  if (db.customerCount() == 0) failInput(options.input + ": no customers");
-  describeDatabase(db, &parameters);
-  model.items = log.items;
-  if (!options.noSequences) {
-    model.sequences = SEQUENCE_NAMESPACE_800::recommend::SequenceIndex(db);
-  }
-  MinedDictionary mined = mineDictionary(db, options.recipe, progress);
-  model.dictionary = std::move(mined.dictionary);
-  parameters.minSupportIsFraction = mined.minSupportIsFraction;
-  parameters.minSupport = mined.minSupport;
-  parameters.minCount = mined.pairCount;
 
-  progress.note("writing " + options.output + " ...");
-  saveModel(model, options.output, options.xml);
+  progress.note("mining " + std::to_string(db.customerCount()) +
+                " customers ...");
+  Model model;
+  const MiningParameters& parameters = model.mining;
+  MineSettings settings = options.settings;
+  settings.sequences = !options.noSequences;
+  std::string supportText;
+  const std::string logFormat =
+      inputFormat(options.input, options.inputOptions);
+  mining::MiningSummary summary;
+  std::string written;
+  if (!options.patternsOnly.empty()) {
+    PatternFormat format =
+        patternFormatFor(options.patternsOnly, options.patternsFormat);
+    summary =
+        minePatternFile(log, settings, options.input, logFormat,
+                        options.patternsOnly, format, &model, &supportText);
+    written = options.patternsOnly +
+              (format == PatternFormat::kJson ? " (json lines)" : " (spmf)");
+  } else {
+    summary = mineModel(log, settings, options.input, logFormat, &model,
+                        &supportText);
+    progress.note("writing " + options.output + " ...");
+    saveModel(model, options.output, options.xml);
+    written = options.output + (options.xml ? " (xml)" : " (binary)");
+  }
   double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
           .count();
@@ -95,17 +83,18 @@ void runMine(const MineOptions& options) {
                          " occurrences, at most " +
                          std::to_string(parameters.maxItemsPerTransaction) +
                          " per transaction");
-  printLine("min support", mined.supportText + " = " +
-                               std::to_string(parameters.minCount) +
-                               " customers");
-  printLine("patterns", std::to_string(mined.patterns) + " of at most " +
-                            std::to_string(options.recipe.maxItems) + " items");
-  for (int k = 1; k < static_cast<int>(mined.patternsPerSize.size()); ++k) {
-    if (mined.patternsPerSize[k] == 0) continue;
+  printLine(
+      "min support",
+      supportText + " = " + std::to_string(parameters.minCount) + " customers");
+  printLine("patterns", std::to_string(summary.patterns) + " of at most " +
+                            std::to_string(options.settings.maxItems) +
+                            " items");
+  for (int k = 1; k < static_cast<int>(summary.patternsPerSize.size()); ++k) {
+    if (summary.patternsPerSize[k] == 0) continue;
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
-              std::to_string(mined.patternsPerSize[k]));
+              std::to_string(summary.patternsPerSize[k]));
   }
-  printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
+  printLine(options.patternsOnly.empty() ? "model" : "pattern file", written);
   char time[32];
   std::snprintf(time, sizeof time, "%.2f s", seconds);
   printLine("time", time);
@@ -129,22 +118,49 @@ Command addMineCommand(CLI::App& app) {
       ->add_option("INPUT", options->input,
                    "Transaction file: CSV/TSV with a header, or SPMF")
       ->required();
-  command->add_option("-o,--output", options->output, "Model file to write")
-      ->required();
-  addMiningRecipeOptions(command, &options->recipe);
+  CLI::Option* output = command->add_option("-o,--output", options->output,
+                                            "Model file to write");
+  CLI::Option* patternsOnly =
+      command
+          ->add_option("--patterns-only", options->patternsOnly,
+                       "Write the frequent patterns to this file, one a line, "
+                       "instead of a model: needs no memory for a model, so "
+                       "it finishes searches whose model would not fit")
+          ->excludes(output);
+  command
+      ->add_option("--patterns-format", options->patternsFormat,
+                   "Form of the --patterns-only lines: spmf (1 -1 2 3 -1 "
+                   "#SUP: 7), json ({\"sequence\":[[1],[2,3]],\"freq\":7}) "
+                   "or auto (json for .json, .jsonl and .ndjson files)")
+      ->check(CLI::IsMember({"auto", "spmf", "json"}))
+      ->needs(patternsOnly)
+      ->capture_default_str();
+  // One of the two outputs is needed; CLI11 checks this after parsing.
+  command->callback([output, patternsOnly] {
+    if (output->count() == 0 && patternsOnly->count() == 0) {
+      throw CLI::RequiredError("--output or --patterns-only");
+    }
+  });
+  addMiningOptions(command, &options->settings);
   addInputOptions(command, &options->inputOptions, "--format");
-  command->add_flag("--xml", options->xml,
-                    "Write the model in the XML object format");
-  command->add_flag("--no-sequences", options->noSequences,
-                    "Leave the customers' sequences out of the model (the "
-                    "recommender then uses the lattice alone)");
+  command
+      ->add_flag("--xml", options->xml,
+                 "Write the model in the XML object format")
+      ->excludes(patternsOnly);
+  command
+      ->add_flag("--no-sequences", options->noSequences,
+                 "Leave the customers' sequences out of the model (the "
+                 "recommender then uses the lattice alone)")
+      ->excludes(patternsOnly);
   command->footer(
       "Examples:\n"
       "  seqlattice mine data/sample/orders.csv -o orders.model "
       "--min-support 0.02\n"
       "  seqlattice mine log.tsv -o log.model --customer client --time date "
       "--item product\n"
-      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60");
+      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60\n"
+      "  seqlattice mine BMS1_spmf.txt --patterns-only bms.patterns "
+      "--min-support 30");
   return {command, [options] { runMine(*options); }};
 }
 

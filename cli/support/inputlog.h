@@ -25,6 +25,10 @@ struct InputOptions {
   Parsed<char> delimiter;  // '\0': by the file name
 };
 
+// The delimiter an option value names: one character other than a quote or
+// a line break, or "tab". Returns "" or what is wrong.
+std::string parseDelimiter(const std::string& text, char* delimiter);
+
 // Adds the format option (named formatOption: "--format" for mine,
 // "--input-format" for predict), the column options --customer, --time and
 // --item, each name followed by columnSuffix (predict, whose --customer

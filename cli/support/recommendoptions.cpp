@@ -4,31 +4,13 @@ namespace seqlattice_cli {
 
 namespace recommend = SEQUENCE_NAMESPACE_800::recommend;
 
-recommend::Ranking RecommendChoice::ranking() const {
-  if (rank == "confidence") return recommend::Ranking::kConfidence;
-  if (rank == "lift") return recommend::Ranking::kLift;
-  return recommend::Ranking::kRecommend;
-}
-
-recommend::RecommendOptions RecommendChoice::settings() const {
-  recommend::RecommendOptions settings = options;
-  settings.ranking = ranking();
-  if (newOnly) settings.historyItems = recommend::HistoryItems::kNewOnly;
-  if (repeatOnly) settings.historyItems = recommend::HistoryItems::kRepeatOnly;
-  if (!newOnly && !repeatOnly &&
-      settings.ranking == recommend::Ranking::kConfidence) {
-    settings.historyItems = recommend::HistoryItems::kAll;
-  }
-  return settings;
-}
-
-void addRecommendOptions(CLI::App* command, RecommendChoice* choice) {
-  recommend::RecommendOptions& o = choice->options;
+void addRecommendOptions(CLI::App* command, PredictSettings* settings) {
+  recommend::RecommendOptions& o = *settings;
   command->add_option("--top", o.top, "Number of items per customer")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
   command
-      ->add_option("--rank", choice->rank,
+      ->add_option("--rank", settings->rank,
                    "recommend: smoothed evidence of the lattice and the "
                    "customers' sequences, most popular items last; lift: the "
                    "same against each item's popularity; confidence: the "
@@ -36,10 +18,10 @@ void addRecommendOptions(CLI::App* command, RecommendChoice* choice) {
       ->check(CLI::IsMember({"recommend", "lift", "confidence"}))
       ->capture_default_str();
   CLI::Option* newOnly =
-      command->add_flag("--new-only", choice->newOnly,
+      command->add_flag("--new-only", settings->newOnly,
                         "Leave out items the customer already has");
   CLI::Option* repeatOnly =
-      command->add_flag("--repeat-only", choice->repeatOnly,
+      command->add_flag("--repeat-only", settings->repeatOnly,
                         "Only items the customer already has");
   newOnly->excludes(repeatOnly);
   command->add_flag("--last-set-only", o.lastSetOnly,

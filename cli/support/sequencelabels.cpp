@@ -43,15 +43,6 @@ Sequence makeSequence(const LabelSets& sets,
   return sequence;
 }
 
-SEQUENCE_NAMESPACE_800::input::LabelledDatabase loadLogForModel(
-    const std::string& path, const InputOptions& options, const Model& model,
-    int unknownCode) {
-  return loadInput(path, options, [&](const std::string& label) {
-    auto code = model.items.codeOf(label);
-    return code ? *code : unknownCode;
-  });
-}
-
 Sequence customerSequence(
     const SEQUENCE_NAMESPACE_800::mining::SequenceDatabase& db, std::size_t c,
     long sets) {

@@ -31,12 +31,6 @@ SEQUENCE_NAMESPACE_800::Sequence makeSequence(
     const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels, int unknownCode,
     std::vector<std::string>* unknown);
 
-// Reads a log whose items are coded by the model's labels (unknown labels
-// become unknownCode).
-SEQUENCE_NAMESPACE_800::input::LabelledDatabase loadLogForModel(
-    const std::string& path, const InputOptions& options, const Model& model,
-    int unknownCode);
-
 // Customer c of db as a Sequence; its first `sets` item sets when sets >= 0.
 SEQUENCE_NAMESPACE_800::Sequence customerSequence(
     const SEQUENCE_NAMESPACE_800::mining::SequenceDatabase& db, std::size_t c,

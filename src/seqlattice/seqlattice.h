@@ -21,6 +21,7 @@
 #include "seqlattice/export/seqxmltags.h"
 
 // reading transaction logs
+#include "seqlattice/input/columnreader.h"
 #include "seqlattice/input/csvreader.h"
 #include "seqlattice/input/csvrecords.h"
 #include "seqlattice/input/inputerror.h"

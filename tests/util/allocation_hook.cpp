@@ -34,7 +34,8 @@ void operator delete[](void* p) noexcept { release(p); }
 void operator delete(void* p, std::size_t) noexcept { release(p); }
 void operator delete[](void* p, std::size_t) noexcept { release(p); }
 
-namespace allocation_hook {
+namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
 
 long allocations() { return allocated; }
 long releases() { return released; }
@@ -45,4 +46,5 @@ FailingAllocations::FailingAllocations(long succeeding) {
 
 FailingAllocations::~FailingAllocations() { allocationsLeft = -1; }
 
-}  // namespace allocation_hook
+}  // namespace test
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -10,7 +10,8 @@
 #ifndef SEQLATTICE_TESTS_UTIL_ALLOCATION_HOOK_H_
 #define SEQLATTICE_TESTS_UTIL_ALLOCATION_HOOK_H_
 
-namespace allocation_hook {
+namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
 
 // Allocations and releases since the program started.
 long allocations();
@@ -45,6 +46,7 @@ class FailingAllocations {
   FailingAllocations& operator=(const FailingAllocations&) = delete;
 };
 
-}  // namespace allocation_hook
+}  // namespace test
+}  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_TESTS_UTIL_ALLOCATION_HOOK_H_

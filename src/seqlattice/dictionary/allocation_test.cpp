@@ -20,24 +20,9 @@
 #include "seqlattice/support/kvstatus.h"
 #include "seqlattice/support/seqexceptions.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using allocation_hook::allocationsOf;
-using allocation_hook::FailingAllocations;
-using allocation_hook::netAllocationsOf;
-using dictionary_test::addPattern;
-using dictionary_test::Adjacency;
-using dictionary_test::adjacencyOf;
-using dictionary_test::counterOf;
-using dictionary_test::makeSequence;
-using dictionary_test::PatternArrays;
-using dictionary_test::Sets;
-using dictionary_test::stored;
-using KvCommon_850::KvStatus;
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::SeqExceptions::DictionaryFailure;
+namespace {
 
 // How an attempt under a limited allocation budget ended.
 enum class Outcome { kDone, kFailedStatus, kDictionaryFailure, kBadAlloc };
@@ -67,15 +52,15 @@ std::vector<Outcome> failuresBeforeSuccess(Work work) {
     Outcome outcome = Outcome::kDone;
     bool unexpected = false;
     {
-      FailingAllocations failing(budget);
+      test::FailingAllocations failing(budget);
       try {
-        const KvStatus status = work();
+        const KvCommon_850::KvStatus status = work();
         if (!status.IsOK()) {
           outcome = Outcome::kFailedStatus;
           unexpected = status.GetCode() != KvCommon_850::kStatusFailure ||
                        status.GetFlag();
         }
-      } catch (const DictionaryFailure&) {
+      } catch (const SeqExceptions::DictionaryFailure&) {
         outcome = Outcome::kDictionaryFailure;
       } catch (const std::bad_alloc&) {
         outcome = Outcome::kBadAlloc;
@@ -106,21 +91,19 @@ std::vector<Outcome> failuresBeforeSuccess(Work work) {
 
 TEST(ProbeAllocationTest, TheCounterSeesAllocations) {
   // Built in another file, so the allocation cannot be optimised away.
-  EXPECT_GT(
-      allocationsOf([] { delete new SEQUENCE_NAMESPACE_800::NTSequence(); }),
-      0);
+  EXPECT_GT(test::allocationsOf([] { delete new NTSequence(); }), 0);
 }
 
 TEST(ProbeAllocationTest, RepeatedLookupsAllocateNothing) {
   SequenceDictionary d(5);
-  addPattern(d, {{1, 2}, {3}}, 0);
-  PatternArrays present(Sets{{1, 2}, {3}});
-  PatternArrays absent(Sets{{1}, {2, 4}});
-  PatternArrays tooLong(Sets{{1, 2}, {3, 4, 5}});
+  test::addPattern(d, {{1, 2}, {3}}, 0);
+  test::PatternArrays present(test::Sets{{1, 2}, {3}});
+  test::PatternArrays absent(test::Sets{{1}, {2, 4}});
+  test::PatternArrays tooLong(test::Sets{{1, 2}, {3, 4, 5}});
   ASSERT_NE(d.incrementCount(present.sets(), present.nSets()), nullptr);
   SequenceCounter* found = nullptr;
   bool missing = true;
-  const long made = allocationsOf([&] {
+  const long made = test::allocationsOf([&] {
     for (int i = 0; i < 100; ++i) {
       d.incrementCount(present.sets(), present.nSets());
       found = d.getDescriptor(present.sets(), present.nSets());
@@ -134,7 +117,7 @@ TEST(ProbeAllocationTest, RepeatedLookupsAllocateNothing) {
   EXPECT_FALSE(missing);
   // Only a lookup of another size refills the probe's array.
   d.hasSequence(tooLong.sets(), tooLong.nSets());
-  EXPECT_EQ(allocationsOf([&] {
+  EXPECT_EQ(test::allocationsOf([&] {
               d.hasSequence(tooLong.sets(), tooLong.nSets());
               d.getDescriptor(tooLong.sets(), tooLong.nSets());
             }),
@@ -143,11 +126,11 @@ TEST(ProbeAllocationTest, RepeatedLookupsAllocateNothing) {
 
 TEST(ProbeAllocationTest, RepeatedSequenceLookupsAllocateNothing) {
   SequenceDictionary d(5);
-  addPattern(d, {{1, 2}, {3}}, 4);
-  std::unique_ptr<Sequence> timed = makeSequence({{1, 2}, {3}});
+  test::addPattern(d, {{1, 2}, {3}}, 4);
+  std::unique_ptr<Sequence> timed = test::newSequence({{1, 2}, {3}});
   ASSERT_NE(d.getDescriptor(timed.get()), nullptr);
   SequenceCounter* found = nullptr;
-  EXPECT_EQ(allocationsOf([&] {
+  EXPECT_EQ(test::allocationsOf([&] {
               for (int i = 0; i < 100; ++i)
                 found = d.getDescriptor(timed.get());
             }),
@@ -158,27 +141,28 @@ TEST(ProbeAllocationTest, RepeatedSequenceLookupsAllocateNothing) {
 
 TEST(LatticeMemoryTest, ARebuildReleasesTheSetsItReplaces) {
   SequenceDictionary d(4);
-  dictionary_test::addPairPatterns(d);
+  test::addPairPatterns(d);
   ASSERT_TRUE(d.buildLattice().IsOK());
   bool rebuilt = false;
-  EXPECT_EQ(netAllocationsOf([&] { rebuilt = d.buildLattice().IsOK(); }), 0);
+  EXPECT_EQ(test::netAllocationsOf([&] { rebuilt = d.buildLattice().IsOK(); }),
+            0);
   EXPECT_TRUE(rebuilt);
-  EXPECT_EQ(adjacencyOf(d, {{1}}), (Adjacency{{2, 0}, {2, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1}}), (test::Adjacency{{2, 0}, {2, 3}}));
 }
 
 TEST(LatticeMemoryTest, APatternAboveMaxCountIsNotMadeIntoASequence) {
   SequenceDictionary d(3);
-  addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{1}}, 5);
   ASSERT_TRUE(d.buildLattice().IsOK());
-  std::unique_ptr<Sequence> start = makeSequence({{1}});
+  std::unique_ptr<Sequence> start = test::newSequence({{1}});
   std::set<Sequence*> out;
   const long reported =
-      allocationsOf([&] { d.FindSequences(start.get(), out, 1, 10); });
+      test::allocationsOf([&] { d.FindSequences(start.get(), out, 1, 10); });
   ASSERT_EQ(out.size(), 1u);
   delete *out.begin();
   out.clear();
   const long skipped =
-      allocationsOf([&] { d.FindSequences(start.get(), out, 1, 4); });
+      test::allocationsOf([&] { d.FindSequences(start.get(), out, 1, 4); });
   EXPECT_TRUE(out.empty());
   // Reporting costs the set's node and the Sequence, which takes more than
   // one allocation; skipping costs neither.
@@ -187,56 +171,56 @@ TEST(LatticeMemoryTest, APatternAboveMaxCountIsNotMadeIntoASequence) {
 
 TEST(AllocationFailureTest, AddSequenceThrowsDictionaryFailure) {
   SequenceDictionary d(4);
-  PatternArrays p(Sets{{1, 2}, {3}});
+  test::PatternArrays p(test::Sets{{1, 2}, {3}});
   SequenceCounter counter(5, 3, nullptr);
   EXPECT_TRUE(allAre(failuresBeforeSuccess([&] {
                        d.addSequence(p.sets(), p.nSets(), &counter);
-                       return KvStatus();
+                       return KvCommon_850::KvStatus();
                      }),
                      Outcome::kDictionaryFailure));
   EXPECT_EQ(d.CountSequencesOfSize(3), 1);
-  EXPECT_EQ(counterOf(d, {{1, 2}, {3}})->getCount(), 3);
+  EXPECT_EQ(test::counterOf(d, {{1, 2}, {3}})->getCount(), 3);
 }
 
 TEST(AllocationFailureTest, LookupsThatRefillTheProbeThrowDictionaryFailure) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}, {2}}, 1);
-  addPattern(d, {{1}}, 1);
-  PatternArrays one(Sets{{1}});
-  PatternArrays two(Sets{{1}, {2}});
-  std::unique_ptr<Sequence> timed = makeSequence({{1}, {2}});
+  test::addPattern(d, {{1}, {2}}, 1);
+  test::addPattern(d, {{1}}, 1);
+  test::PatternArrays one(test::Sets{{1}});
+  test::PatternArrays two(test::Sets{{1}, {2}});
+  std::unique_ptr<Sequence> timed = test::newSequence({{1}, {2}});
   // Each attempt starts with a probe of one item, so that it must grow.
   d.hasSequence(one.sets(), one.nSets());
   EXPECT_TRUE(allAre(failuresBeforeSuccess([&] {
                        d.incrementCount(two.sets(), two.nSets());
-                       return KvStatus();
+                       return KvCommon_850::KvStatus();
                      }),
                      Outcome::kDictionaryFailure));
-  EXPECT_EQ(counterOf(d, {{1}, {2}})->getCount(), 2);
+  EXPECT_EQ(test::counterOf(d, {{1}, {2}})->getCount(), 2);
   d.hasSequence(one.sets(), one.nSets());
   EXPECT_TRUE(allAre(failuresBeforeSuccess([&] {
                        d.getDescriptor(timed.get());
-                       return KvStatus();
+                       return KvCommon_850::KvStatus();
                      }),
                      Outcome::kDictionaryFailure));
   d.hasSequence(one.sets(), one.nSets());
   EXPECT_TRUE(allAre(failuresBeforeSuccess([&] {
                        d.remove(timed.get());
-                       return KvStatus();
+                       return KvCommon_850::KvStatus();
                      }),
                      Outcome::kDictionaryFailure));
-  EXPECT_FALSE(stored(d, {{1}, {2}}));
+  EXPECT_FALSE(test::stored(d, {{1}, {2}}));
 }
 
 TEST(AllocationFailureTest, CreateDictionaryThrowsDictionaryFailure) {
   SequenceDictionary d;
-  SEQUENCE_NAMESPACE_800::SeqDictionarySettings s;
+  SeqDictionarySettings s;
   s.nLevels = 3;
   s.level1Size = 7;
   s.level2Size = 7;
   EXPECT_TRUE(allAre(failuresBeforeSuccess([&] {
                        d.createDictionary(s);
-                       return KvStatus();
+                       return KvCommon_850::KvStatus();
                      }),
                      Outcome::kDictionaryFailure));
   EXPECT_EQ(d.getNLevels(), 3);
@@ -246,7 +230,7 @@ TEST(AllocationFailureTest, CreateDictionaryThrowsDictionaryFailure) {
 TEST(AllocationFailureTest, ConstructorsFailInsideLevelZeroOnlyAsDictionary) {
   const std::vector<Outcome> failures = failuresBeforeSuccess([] {
     SequenceDictionary d(3);
-    return KvStatus();
+    return KvCommon_850::KvStatus();
   });
   // The tables are allocated first: std::bad_alloc passes. Defining level 0
   // comes last: DictionaryFailure.
@@ -263,13 +247,13 @@ TEST(AllocationFailureTest, ConstructorsFailInsideLevelZeroOnlyAsDictionary) {
 
 TEST(AllocationFailureTest, BuildLatticeReturnsAFailedStatus) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 3);
-  addPattern(d, {{2}}, 3);
-  addPattern(d, {{1}, {2}}, 2);
+  test::addPattern(d, {{1}}, 3);
+  test::addPattern(d, {{2}}, 3);
+  test::addPattern(d, {{1}, {2}}, 2);
   {
     // Enough for the level-0 set only: it stays, the build does not count.
-    FailingAllocations failing(1);
-    const KvStatus status = d.buildLattice();
+    test::FailingAllocations failing(1);
+    const KvCommon_850::KvStatus status = d.buildLattice();
     EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
     EXPECT_FALSE(status.GetFlag());
   }
@@ -285,17 +269,17 @@ TEST(AllocationFailureTest, BuildLatticeReturnsAFailedStatus) {
                      Outcome::kFailedStatus));
   EXPECT_FALSE(builtBeforeSuccess);
   EXPECT_TRUE(d.isLatticeBuilt());
-  EXPECT_EQ(adjacencyOf(d, {{1}}), (Adjacency{{2, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1}}), (test::Adjacency{{2, 3}}));
 }
 
 TEST(AllocationFailureTest, GetSequencesOfSizeKeepsWhatItAppended) {
   SequenceDictionary d(3);
-  for (int item = 1; item <= 3; ++item) addPattern(d, {{item}}, 2);
+  for (int item = 1; item <= 3; ++item) test::addPattern(d, {{item}}, 2);
   std::vector<Sequence const*> out;
   out.reserve(10);
   std::size_t mostKept = 0;
   EXPECT_TRUE(allAre(failuresBeforeSuccess([&] {
-                       const KvStatus status =
+                       const KvCommon_850::KvStatus status =
                            d.getSequencesOfSize(out, 1, false);
                        if (!status.IsOK() && out.size() > mostKept) {
                          mostKept = out.size();
@@ -314,11 +298,11 @@ TEST(AllocationFailureTest, GetSequencesOfSizeKeepsWhatItAppended) {
 
 TEST(AllocationFailureTest, FindLetsBadAllocPassAndKeepsWhatItFound) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 5);
-  addPattern(d, {{1}, {2}}, 5);
-  addPattern(d, {{1}, {2}, {3}}, 5);
+  test::addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{1}, {2}}, 5);
+  test::addPattern(d, {{1}, {2}, {3}}, 5);
   ASSERT_TRUE(d.buildLattice().IsOK());
-  std::unique_ptr<Sequence> start = makeSequence({{1}});
+  std::unique_ptr<Sequence> start = test::newSequence({{1}});
   std::set<Sequence*> out;
   std::size_t mostKept = 0;
   EXPECT_TRUE(allAre(failuresBeforeSuccess([&] {
@@ -333,8 +317,10 @@ TEST(AllocationFailureTest, FindLetsBadAllocPassAndKeepsWhatItFound) {
                      }),
                      Outcome::kBadAlloc));
   EXPECT_EQ(mostKept, 2u);
-  EXPECT_EQ(dictionary_test::takeTexts(out),
+  EXPECT_EQ(test::takeTexts(out),
             (std::set<std::string>{"(1)", "(1)(2)", "(1)(2)(3)"}));
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

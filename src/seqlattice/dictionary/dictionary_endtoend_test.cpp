@@ -10,22 +10,13 @@
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using dictionary_test::Adjacency;
-using dictionary_test::adjacencyOf;
-using dictionary_test::counterOf;
-using dictionary_test::makeSequence;
-using dictionary_test::PatternArrays;
-using dictionary_test::Sets;
-using dictionary_test::stored;
-using dictionary_test::takeTexts;
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
 using Texts = std::set<std::string>;
 
-const std::vector<Sets> kCustomers = {
+const std::vector<test::Sets> kCustomers = {
     {{1, 2}, {3}, {4}},     //
     {{1, 2}, {3}, {4, 5}},  //
     {{1}, {3}, {4}},        //
@@ -49,8 +40,8 @@ std::vector<std::vector<int>> subsets(const std::vector<int>& items) {
 }
 
 // All patterns of at most kMaxItems items that the customer contains.
-void collect(const Sets& customer, std::size_t from, Sets& pattern, int items,
-             std::set<Sets>& out) {
+void collect(const test::Sets& customer, std::size_t from, test::Sets& pattern,
+             int items, std::set<test::Sets>& out) {
   if (!pattern.empty()) out.insert(pattern);
   for (std::size_t t = from; t < customer.size(); ++t) {
     for (const std::vector<int>& subset : subsets(customer[t])) {
@@ -63,17 +54,17 @@ void collect(const Sets& customer, std::size_t from, Sets& pattern, int items,
   }
 }
 
-std::set<Sets> patternsOf(const Sets& customer) {
-  std::set<Sets> out;
-  Sets pattern;
+std::set<test::Sets> patternsOf(const test::Sets& customer) {
+  std::set<test::Sets> out;
+  test::Sets pattern;
   collect(customer, 0, pattern, 0, out);
   return out;
 }
 
-std::map<Sets, int> bruteForceCounts() {
-  std::map<Sets, int> counts;
-  for (const Sets& customer : kCustomers) {
-    for (const Sets& pattern : patternsOf(customer)) ++counts[pattern];
+std::map<test::Sets, int> bruteForceCounts() {
+  std::map<test::Sets, int> counts;
+  for (const test::Sets& customer : kCustomers) {
+    for (const test::Sets& pattern : patternsOf(customer)) ++counts[pattern];
   }
   return counts;
 }
@@ -85,28 +76,28 @@ class DictionaryEndToEndTest : public testing::Test {
   DictionaryEndToEndTest() : d(kMaxItems + 1) {
     counts = bruteForceCounts();
     for (const auto& entry : counts) {
-      if (entry.second >= 2) dictionary_test::addPattern(d, entry.first, 0);
+      if (entry.second >= 2) test::addPattern(d, entry.first, 0);
     }
-    PatternArrays empty(Sets{});
-    for (const Sets& customer : kCustomers) {
+    test::PatternArrays empty(test::Sets{});
+    for (const test::Sets& customer : kCustomers) {
       d.incrementCount(empty.sets(), 0);
-      for (const Sets& pattern : patternsOf(customer)) {
-        PatternArrays arrays(pattern);
+      for (const test::Sets& pattern : patternsOf(customer)) {
+        test::PatternArrays arrays(pattern);
         d.incrementCount(arrays.sets(), arrays.nSets());
       }
     }
   }
 
   Texts find(decltype(&SequenceDictionary::FindSequences) operation,
-             const Sets& seq, int minCount, int maxCount) {
-    std::unique_ptr<Sequence> start = makeSequence(seq);
+             const test::Sets& seq, int minCount, int maxCount) {
+    std::unique_ptr<Sequence> start = test::newSequence(seq);
     std::set<Sequence*> out;
     EXPECT_TRUE((d.*operation)(start.get(), out, minCount, maxCount).IsOK());
-    return takeTexts(out);
+    return test::takeTexts(out);
   }
 
   SequenceDictionary d;
-  std::map<Sets, int> counts;
+  std::map<test::Sets, int> counts;
 };
 
 TEST_F(DictionaryEndToEndTest, CountsMatchTheBruteForceCounts) {
@@ -118,7 +109,7 @@ TEST_F(DictionaryEndToEndTest, CountsMatchTheBruteForceCounts) {
   EXPECT_EQ(d.CountSequencesOfSize(3), 4);
   EXPECT_EQ(d.CountSequencesOfSize(4), 1);
   for (const auto& entry : counts) {
-    SequenceCounter* counter = counterOf(d, entry.first);
+    SequenceCounter* counter = test::counterOf(d, entry.first);
     if (entry.second < 2) {
       EXPECT_EQ(counter, nullptr);
     } else {
@@ -126,9 +117,9 @@ TEST_F(DictionaryEndToEndTest, CountsMatchTheBruteForceCounts) {
       EXPECT_EQ(counter->getCount(), entry.second);
     }
   }
-  EXPECT_EQ(counterOf(d, {{1}, {4}})->getCount(), 4);
-  EXPECT_EQ(counterOf(d, {{1, 2}, {3}, {4}})->getCount(), 2);
-  EXPECT_FALSE(stored(d, {{5}}));
+  EXPECT_EQ(test::counterOf(d, {{1}, {4}})->getCount(), 4);
+  EXPECT_EQ(test::counterOf(d, {{1, 2}, {3}, {4}})->getCount(), 2);
+  EXPECT_FALSE(test::stored(d, {{5}}));
 }
 
 TEST_F(DictionaryEndToEndTest, PruningAtThreeKeepsTwelvePatterns) {
@@ -138,8 +129,8 @@ TEST_F(DictionaryEndToEndTest, PruningAtThreeKeepsTwelvePatterns) {
   EXPECT_EQ(d.NumberOfSequences(), 13);
   EXPECT_EQ(d.LargestSequence(), 3);
   EXPECT_EQ(d.CountSequencesBiggerThan(2), 8);
-  EXPECT_FALSE(stored(d, {{1, 2}, {3}}));
-  EXPECT_TRUE(stored(d, {{1, 2}, {4}}));
+  EXPECT_FALSE(test::stored(d, {{1, 2}, {3}}));
+  EXPECT_TRUE(test::stored(d, {{1, 2}, {4}}));
 }
 
 class PrunedLatticeTest : public DictionaryEndToEndTest {
@@ -151,15 +142,20 @@ class PrunedLatticeTest : public DictionaryEndToEndTest {
 };
 
 TEST_F(PrunedLatticeTest, AdjacencySets) {
-  EXPECT_EQ(adjacencyOf(d, {}), (Adjacency{{1, 1}, {2, 1}, {3, 1}, {4, 1}}));
-  EXPECT_EQ(adjacencyOf(d, {{1}}), (Adjacency{{2, 0}, {3, 3}, {4, 3}}));
-  EXPECT_EQ(adjacencyOf(d, {{3}}), (Adjacency{{1, 1}, {2, 1}, {4, 3}}));
-  EXPECT_EQ(adjacencyOf(d, {{4}}), (Adjacency{{1, 1}, {2, 1}, {3, 1}}));
-  EXPECT_EQ(adjacencyOf(d, {{1}, {3}}), (Adjacency{{4, 5}}));
-  EXPECT_EQ(adjacencyOf(d, {{1}, {4}}), (Adjacency{{2, 0}, {3, 3}}));
-  EXPECT_EQ(adjacencyOf(d, {{1, 2}}), (Adjacency{{4, 3}}));
-  EXPECT_EQ(adjacencyOf(d, {{2}, {3}}), Adjacency{});
-  EXPECT_EQ(adjacencyOf(d, {{1, 2}, {4}}), Adjacency{});
+  EXPECT_EQ(test::adjacencyOf(d, {}),
+            (test::Adjacency{{1, 1}, {2, 1}, {3, 1}, {4, 1}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1}}),
+            (test::Adjacency{{2, 0}, {3, 3}, {4, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{3}}),
+            (test::Adjacency{{1, 1}, {2, 1}, {4, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{4}}),
+            (test::Adjacency{{1, 1}, {2, 1}, {3, 1}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1}, {3}}), (test::Adjacency{{4, 5}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1}, {4}}),
+            (test::Adjacency{{2, 0}, {3, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1, 2}}), (test::Adjacency{{4, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{2}, {3}}), test::Adjacency{});
+  EXPECT_EQ(test::adjacencyOf(d, {{1, 2}, {4}}), test::Adjacency{});
 }
 
 TEST_F(PrunedLatticeTest, FindSequences) {
@@ -198,9 +194,9 @@ TEST_F(PrunedLatticeTest, MaximalPatternsOfEachSize) {
   EXPECT_TRUE(d.getSequencesOfSize(out, 1, true).IsOK());
   EXPECT_TRUE(out.empty());
   EXPECT_TRUE(d.getSequencesOfSize(out, 2, true).IsOK());
-  EXPECT_EQ(takeTexts(out), std::vector<std::string>{"(2)[0](3)[1]"});
+  EXPECT_EQ(test::takeTexts(out), std::vector<std::string>{"(2)[0](3)[1]"});
   EXPECT_TRUE(d.getSequencesOfSize(out, 3, true).IsOK());
-  std::vector<std::string> three = takeTexts(out);
+  std::vector<std::string> three = test::takeTexts(out);
   EXPECT_EQ(std::set<std::string>(three.begin(), three.end()),
             (Texts{"(1)[0](3)[1](4)[2]", "(1 2)[0](4)[1]"}));
   EXPECT_EQ(three.size(), 2u);
@@ -212,10 +208,11 @@ TEST_F(PrunedLatticeTest, RebuildAfterFurtherPruning) {
   // Of level 2 only (1)(4), with four customers, stays.
   EXPECT_EQ(d.reduceDictionaryWithCount(2, 4.0), 5);
   ASSERT_TRUE(d.buildLattice().IsOK());
-  EXPECT_EQ(adjacencyOf(d, {{1}}), (Adjacency{{4, 3}}));
-  EXPECT_EQ(adjacencyOf(d, {{3}}), Adjacency{});
-  EXPECT_EQ(adjacencyOf(d, {{4}}), (Adjacency{{1, 1}}));
-  EXPECT_EQ(adjacencyOf(d, {{1}, {4}}), (Adjacency{{2, 0}, {3, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1}}), (test::Adjacency{{4, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{3}}), test::Adjacency{});
+  EXPECT_EQ(test::adjacencyOf(d, {{4}}), (test::Adjacency{{1, 1}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1}, {4}}),
+            (test::Adjacency{{2, 0}, {3, 3}}));
   EXPECT_EQ(find(&SequenceDictionary::FindSequences, {{1}}, 3, 100),
             (Texts{"(1)", "(1)(4)", "(1 2)(4)", "(1)(3)(4)"}));
   EXPECT_EQ(find(&SequenceDictionary::FindSequences, {{3}}, 3, 100),
@@ -223,3 +220,5 @@ TEST_F(PrunedLatticeTest, RebuildAfterFurtherPruning) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -1,6 +1,6 @@
 // Helpers shared by the dictionary's tests: patterns written as nested
-// vectors, {{1, 2}, {3}} standing for (1 2)(3), turned into the host's int**
-// arrays, into Sequences and back into text.
+// vectors, {{1, 2}, {3}} standing for (1 2)(3), stored through the host's int**
+// arrays (pattern_test_util.h), turned into Sequences and back into text.
 #ifndef SEQLATTICE_DICTIONARY_DICTIONARY_TEST_UTIL_H_
 #define SEQLATTICE_DICTIONARY_DICTIONARY_TEST_UTIL_H_
 
@@ -12,49 +12,20 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/pattern/pattern_test_util.h"
 #include "seqlattice/sequence/sequence.h"
 #include "seqlattice/sequence/timeditemset.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
-namespace dictionary_test {
+namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
 
-using Sets = std::vector<std::vector<int>>;
 using Adjacency = std::set<std::pair<int, int>>;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::TimedItemSet;
 
-// The int** form of a pattern: sets()[k][0] is the size of set k, followed
-// by its items.
-class PatternArrays {
- public:
-  explicit PatternArrays(const Sets& sets) {
-    for (const std::vector<int>& set : sets) {
-      std::vector<int> row(1, static_cast<int>(set.size()));
-      row.insert(row.end(), set.begin(), set.end());
-      rows_.push_back(row);
-    }
-    for (std::vector<int>& row : rows_) pointers_.push_back(row.data());
-  }
-  int** sets() { return pointers_.data(); }
-  int nSets() const { return static_cast<int>(rows_.size()); }
-
- private:
-  std::vector<std::vector<int>> rows_;
-  std::vector<int*> pointers_;
-};
-
-// A Sequence whose set k has the time k + 1.
-inline std::unique_ptr<Sequence> makeSequence(const Sets& sets) {
+// A new Sequence whose set k has the time k + 1.
+inline std::unique_ptr<Sequence> newSequence(const Sets& sets) {
   std::unique_ptr<Sequence> sequence(new Sequence());
-  for (std::size_t k = 0; k < sets.size(); ++k) {
-    TimedItemSet set(static_cast<int>(sets[k].size()),
-                     static_cast<double>(k + 1));
-    for (int item : sets[k]) set.AddItem(item);
-    sequence->AddTimedItemSet(&set);
-  }
+  addSets(*sequence, sets);
   return sequence;
 }
 
@@ -133,6 +104,7 @@ inline std::vector<std::string> takeTexts(std::vector<Sequence const*>& found) {
   return texts;
 }
 
-}  // namespace dictionary_test
+}  // namespace test
+}  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_DICTIONARY_DICTIONARY_TEST_UTIL_H_

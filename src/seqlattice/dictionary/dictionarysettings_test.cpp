@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using SEQUENCE_NAMESPACE_800::SeqDictionarySettings;
+namespace {
 
 TEST(SeqDictionarySettingsTest, DefaultsGiveTenLevels) {
   SeqDictionarySettings s;
@@ -32,3 +32,5 @@ TEST(SeqDictionarySettingsTest, CopiesAreIndependentValues) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -8,26 +8,20 @@
 #include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using dictionary_test::addPattern;
-using dictionary_test::makeSequence;
-using dictionary_test::Sets;
-using dictionary_test::takeTexts;
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::ISQCPair;
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
 using Texts = std::set<std::string>;
 
 // The patterns found from seq by one of the Find operations.
 template <class Find>
-Texts found(SequenceDictionary& d, Find find, const dictionary_test::Sets& seq,
+Texts found(SequenceDictionary& d, Find find, const test::Sets& seq,
             int minCount, int maxCount) {
-  std::unique_ptr<Sequence> start = makeSequence(seq);
+  std::unique_ptr<Sequence> start = test::newSequence(seq);
   std::set<Sequence*> out;
   EXPECT_TRUE((d.*find)(start.get(), out, minCount, maxCount).IsOK());
-  return takeTexts(out);
+  return test::takeTexts(out);
 }
 
 constexpr auto kAll = &SequenceDictionary::FindSequences;
@@ -36,7 +30,7 @@ constexpr auto kEnding = &SequenceDictionary::FindSequencesEnding;
 
 TEST(LatticeQueriesTest, AStoredPatternWithoutExtensionsFindsItself) {
   SequenceDictionary d(4);
-  addPattern(d, {{1, 2}}, 5);
+  test::addPattern(d, {{1, 2}}, 5);
   ASSERT_TRUE(d.buildLattice().IsOK());
   EXPECT_EQ(found(d, kAll, {{1, 2}}, 3, 10), Texts{"(1 2)"});
   EXPECT_EQ(found(d, kBeginning, {{1, 2}}, 3, 10), Texts{"(1 2)"});
@@ -45,10 +39,10 @@ TEST(LatticeQueriesTest, AStoredPatternWithoutExtensionsFindsItself) {
 
 TEST(LatticeQueriesTest, APatternAboveMaxCountIsWalkedButNotReported) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 5);
-  addPattern(d, {{1}, {2}}, 4);
-  addPattern(d, {{1, 3}}, 3);
-  addPattern(d, {{1, 4}}, 1);
+  test::addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{1}, {2}}, 4);
+  test::addPattern(d, {{1, 3}}, 3);
+  test::addPattern(d, {{1, 4}}, 1);
   ASSERT_TRUE(d.buildLattice().IsOK());
   EXPECT_EQ(found(d, kAll, {{1}}, 2, 4), (Texts{"(1 3)", "(1)(2)"}));
 }
@@ -57,11 +51,11 @@ TEST(LatticeQueriesTest, APatternAboveMaxCountIsWalkedButNotReported) {
 class ThreeDirectionsTest : public testing::Test {
  protected:
   ThreeDirectionsTest() : d(4) {
-    addPattern(d, {{1}}, 9);
-    addPattern(d, {{2}}, 9);
-    addPattern(d, {{1}, {2}}, 5);
-    addPattern(d, {{2}, {1}}, 5);
-    addPattern(d, {{1, 2}}, 5);
+    test::addPattern(d, {{1}}, 9);
+    test::addPattern(d, {{2}}, 9);
+    test::addPattern(d, {{1}, {2}}, 5);
+    test::addPattern(d, {{2}, {1}}, 5);
+    test::addPattern(d, {{1, 2}}, 5);
     EXPECT_TRUE(d.buildLattice().IsOK());
   }
   SequenceDictionary d;
@@ -90,20 +84,20 @@ TEST_F(ThreeDirectionsTest, AnAbsentOrRareStartFindsNothing) {
 
 TEST_F(ThreeDirectionsTest, FoundSequencesAreAddedToWhatOutHeld) {
   std::set<Sequence*> out;
-  std::unique_ptr<Sequence> start = makeSequence({{2}, {1}});
-  Sequence* mine = makeSequence({{7}}).release();
+  std::unique_ptr<Sequence> start = test::newSequence({{2}, {1}});
+  Sequence* mine = test::newSequence({{7}}).release();
   out.insert(mine);
   EXPECT_TRUE(d.FindSequences(start.get(), out, 1, 100).IsOK());
-  EXPECT_EQ(takeTexts(out), (Texts{"(7)", "(2)(1)"}));
+  EXPECT_EQ(test::takeTexts(out), (Texts{"(7)", "(2)(1)"}));
 }
 
 TEST_F(ThreeDirectionsTest, FoundSequencesCarryTimesFromOne) {
   std::set<Sequence*> out;
-  std::unique_ptr<Sequence> start = makeSequence({{2}, {1}});
+  std::unique_ptr<Sequence> start = test::newSequence({{2}, {1}});
   EXPECT_TRUE(d.FindSequences(start.get(), out, 1, 100).IsOK());
   ASSERT_EQ(out.size(), 1u);
-  EXPECT_EQ(dictionary_test::text(**out.begin(), true), "(2)[1](1)[2]");
-  takeTexts(out);
+  EXPECT_EQ(test::text(**out.begin(), true), "(2)[1](1)[2]");
+  test::takeTexts(out);
 }
 
 TEST_F(ThreeDirectionsTest, ANullStartFindsNothing) {
@@ -114,9 +108,9 @@ TEST_F(ThreeDirectionsTest, ANullStartFindsNothing) {
 
 TEST(LatticeQueriesTest, ARareExtensionIsNotWalkedThrough) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 5);
-  addPattern(d, {{1}, {2}}, 1);
-  addPattern(d, {{1}, {2}, {3}}, 5);
+  test::addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{1}, {2}}, 1);
+  test::addPattern(d, {{1}, {2}, {3}}, 5);
   ASSERT_TRUE(d.buildLattice().IsOK());
   EXPECT_EQ(found(d, kAll, {{1}}, 2, 10), Texts{"(1)"});
   EXPECT_EQ(found(d, kAll, {{1}}, 1, 10),
@@ -125,34 +119,34 @@ TEST(LatticeQueriesTest, ARareExtensionIsNotWalkedThrough) {
 
 TEST(LatticeQueriesTest, BeforeTheBuildOnlyTheStartIsFound) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 5);
-  addPattern(d, {{1}, {2}}, 5);
+  test::addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{1}, {2}}, 5);
   EXPECT_EQ(found(d, kAll, {{1}}, 1, 10), Texts{"(1)"});
 }
 
 TEST(SequencesOfSizeTest, MaximalOnlyLeavesOutExtendedPatterns) {
   SequenceDictionary d(5);
-  addPattern(d, {{1}}, 5);
-  addPattern(d, {{2}}, 5);
-  addPattern(d, {{3}}, 5);
-  addPattern(d, {{1}, {2}}, 4);
-  addPattern(d, {{2, 3}}, 4);
-  addPattern(d, {{1}, {2, 3}}, 3);
-  addPattern(d, {{3}, {1}}, 3);
+  test::addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{2}}, 5);
+  test::addPattern(d, {{3}}, 5);
+  test::addPattern(d, {{1}, {2}}, 4);
+  test::addPattern(d, {{2, 3}}, 4);
+  test::addPattern(d, {{1}, {2, 3}}, 3);
+  test::addPattern(d, {{3}, {1}}, 3);
   ASSERT_TRUE(d.buildLattice().IsOK());
   std::vector<Sequence const*> out;
   EXPECT_TRUE(d.getSequencesOfSize(out, 2, true).IsOK());
-  EXPECT_EQ(takeTexts(out), std::vector<std::string>{"(3)[0](1)[1]"});
+  EXPECT_EQ(test::takeTexts(out), std::vector<std::string>{"(3)[0](1)[1]"});
   EXPECT_TRUE(d.getSequencesOfSize(out, 2, false).IsOK());
   EXPECT_EQ(out.size(), 3u);
-  takeTexts(out);
+  test::takeTexts(out);
   EXPECT_TRUE(d.getSequencesOfSize(out, 3, true).IsOK());
-  EXPECT_EQ(takeTexts(out), std::vector<std::string>{"(1)[0](2 3)[1]"});
+  EXPECT_EQ(test::takeTexts(out), std::vector<std::string>{"(1)[0](2 3)[1]"});
 }
 
 TEST(SequencesOfSizeTest, SizesOutsideTheLevelsAddNothing) {
   SequenceDictionary d(3);
-  addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{1}}, 5);
   std::vector<Sequence const*> out;
   EXPECT_TRUE(d.getSequencesOfSize(out, 3, false).IsOK());
   EXPECT_TRUE(d.getSequencesOfSize(out, 30, false).IsOK());
@@ -162,13 +156,14 @@ TEST(SequencesOfSizeTest, SizesOutsideTheLevelsAddNothing) {
 
 TEST(SequencesOfSizeTest, ResultsAreAppended) {
   SequenceDictionary d(3);
-  addPattern(d, {{4}}, 5);
+  test::addPattern(d, {{4}}, 5);
   std::vector<Sequence const*> out;
-  out.push_back(makeSequence({{9}}).release());
+  out.push_back(test::newSequence({{9}}).release());
   EXPECT_TRUE(d.getSequencesOfSize(out, 1, false).IsOK());
-  EXPECT_EQ(takeTexts(out), (std::vector<std::string>{"(9)[1]", "(4)[0]"}));
+  EXPECT_EQ(test::takeTexts(out),
+            (std::vector<std::string>{"(9)[1]", "(4)[0]"}));
   EXPECT_TRUE(d.getSequencesOfSize(out, 0, false).IsOK());
-  EXPECT_EQ(takeTexts(out), std::vector<std::string>{""});
+  EXPECT_EQ(test::takeTexts(out), std::vector<std::string>{""});
 }
 
 // What displaySize should write for an entry.
@@ -181,9 +176,9 @@ std::string listing(const ISQCPair& entry) {
 
 TEST(DisplaySizeTest, LimitZeroWritesOneEntry) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}, {2}}, 3, 1, 0);
-  addPattern(d, {{2}, {3}}, 4, 2, 1);
-  addPattern(d, {{1, 3}}, 5, 3, 2);
+  test::addPattern(d, {{1}, {2}}, 3, 1, 0);
+  test::addPattern(d, {{2}, {3}}, 4, 2, 1);
+  test::addPattern(d, {{1, 3}}, 5, 3, 2);
   HashtableSQPair* level = d.getLevel(2);
   HashtableSQPair::iterator it = level->begin();
   const std::string first = listing(*it++);
@@ -214,7 +209,7 @@ TEST(DisplaySizeTest, EmptyOrMissingLevelsWriteNothing) {
 
 TEST(DisplaySizeTest, AnEntryWithoutCounterShowsOnlyThePattern) {
   SequenceDictionary d(3);
-  dictionary_test::PatternArrays p(Sets{{6}});
+  test::PatternArrays p(test::Sets{{6}});
   d.addSequence(p.sets(), p.nSets(), nullptr);
   std::ostringstream os;
   d.displaySize(1, 5, os);
@@ -223,3 +218,5 @@ TEST(DisplaySizeTest, AnEntryWithoutCounterShowsOnlyThePattern) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

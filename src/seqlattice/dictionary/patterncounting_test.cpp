@@ -6,27 +6,17 @@
 #include "seqlattice/store/sequencedescriptor.h"
 #include "seqlattice/support/seqexceptions.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using dictionary_test::addPattern;
-using dictionary_test::counterOf;
-using dictionary_test::makeSequence;
-using dictionary_test::PatternArrays;
-using dictionary_test::Sets;
-using dictionary_test::stored;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::SeqExceptions::DictionaryFailure;
+namespace {
 
 TEST(PatternCountingTest, AddingAStoredPatternReplacesItsCounter) {
   SequenceDictionary d(4);
-  addPattern(d, {{1, 2}}, 3, 1, 0);
-  SequenceCounter* first = counterOf(d, {{1, 2}});
+  test::addPattern(d, {{1, 2}}, 3, 1, 0);
+  SequenceCounter* first = test::counterOf(d, {{1, 2}});
   ASSERT_NE(first, nullptr);
-  addPattern(d, {{1, 2}}, 8, 4, 2);
-  SequenceCounter* second = counterOf(d, {{1, 2}});
+  test::addPattern(d, {{1, 2}}, 8, 4, 2);
+  SequenceCounter* second = test::counterOf(d, {{1, 2}});
   ASSERT_NE(second, nullptr);
   EXPECT_EQ(second->getCount(), 8);
   EXPECT_EQ(second->getOrdinalOfEntry(), 4);
@@ -36,7 +26,7 @@ TEST(PatternCountingTest, AddingAStoredPatternReplacesItsCounter) {
 
 TEST(PatternCountingTest, NullCounterStoresThePatternOnly) {
   SequenceDictionary d(4);
-  PatternArrays p(Sets{{3}, {4}});
+  test::PatternArrays p(test::Sets{{3}, {4}});
   d.addSequence(p.sets(), p.nSets(), nullptr);
   EXPECT_TRUE(d.hasSequence(p.sets(), p.nSets()));
   EXPECT_EQ(d.getDescriptor(p.sets(), p.nSets()), nullptr);
@@ -46,7 +36,7 @@ TEST(PatternCountingTest, NullCounterStoresThePatternOnly) {
 
 TEST(PatternCountingTest, IncrementOfATooLongPatternFindsNothing) {
   SequenceDictionary d(3);
-  PatternArrays p(Sets{{1, 2}, {3}});
+  test::PatternArrays p(test::Sets{{1, 2}, {3}});
   EXPECT_EQ(d.incrementCount(p.sets(), p.nSets()), nullptr);
   EXPECT_FALSE(d.hasSequence(p.sets(), p.nSets()));
   EXPECT_EQ(d.NumberOfSequences(), 1);
@@ -54,8 +44,8 @@ TEST(PatternCountingTest, IncrementOfATooLongPatternFindsNothing) {
 
 TEST(PatternCountingTest, IncrementOfAnAbsentPatternDoesNotAddIt) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 1);
-  PatternArrays p(Sets{{2}});
+  test::addPattern(d, {{1}}, 1);
+  test::PatternArrays p(test::Sets{{2}});
   EXPECT_EQ(d.incrementCount(p.sets(), p.nSets()), nullptr);
   EXPECT_FALSE(d.hasSequence(p.sets(), p.nSets()));
   EXPECT_EQ(d.NumberOfSequences(), 2);
@@ -63,7 +53,7 @@ TEST(PatternCountingTest, IncrementOfAnAbsentPatternDoesNotAddIt) {
 
 TEST(PatternCountingTest, IncrementOfTheEmptyPatternCountsLevelZero) {
   SequenceDictionary d(4);
-  PatternArrays empty(Sets{});
+  test::PatternArrays empty(test::Sets{});
   for (int i = 1; i <= 3; ++i) {
     SequenceCounter* total = d.incrementCount(empty.sets(), 0);
     ASSERT_NE(total, nullptr);
@@ -74,11 +64,11 @@ TEST(PatternCountingTest, IncrementOfTheEmptyPatternCountsLevelZero) {
 
 TEST(PatternCountingTest, IncrementReturnsTheStoredCounter) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}, {2}}, 5, 2, 1);
-  PatternArrays p(Sets{{1}, {2}});
+  test::addPattern(d, {{1}, {2}}, 5, 2, 1);
+  test::PatternArrays p(test::Sets{{1}, {2}});
   SequenceCounter* counter = d.incrementCount(p.sets(), p.nSets());
   ASSERT_NE(counter, nullptr);
-  EXPECT_EQ(counter, counterOf(d, {{1}, {2}}));
+  EXPECT_EQ(counter, test::counterOf(d, {{1}, {2}}));
   EXPECT_EQ(counter->getCount(), 6);
   EXPECT_EQ(counter->getOrdinalOfEntry(), 2);
   EXPECT_EQ(counter->getMaxMissed(), 1);
@@ -86,7 +76,7 @@ TEST(PatternCountingTest, IncrementReturnsTheStoredCounter) {
 
 TEST(PatternCountingTest, StoredCounterIsACopyOfTheCallersCounter) {
   SequenceDictionary d(4);
-  PatternArrays p(Sets{{5, 6}});
+  test::PatternArrays p(test::Sets{{5, 6}});
   SequenceCounter mine(7, 3, nullptr);
   mine.setMaxMissed(2);
   mine.addAdjacentItem(9, 1);
@@ -103,44 +93,45 @@ TEST(PatternCountingTest, StoredCounterIsACopyOfTheCallersCounter) {
 
 TEST(PatternCountingTest, AddingATooLongPatternIsRefused) {
   SequenceDictionary d(3);
-  PatternArrays p(Sets{{1}, {2}, {3}});
+  test::PatternArrays p(test::Sets{{1}, {2}, {3}});
   SequenceCounter counter(0, 1, nullptr);
-  EXPECT_THROW(d.addSequence(p.sets(), p.nSets(), &counter), DictionaryFailure);
+  EXPECT_THROW(d.addSequence(p.sets(), p.nSets(), &counter),
+               SeqExceptions::DictionaryFailure);
   EXPECT_EQ(d.NumberOfSequences(), 1);
 }
 
 TEST(PatternCountingTest, TheThreeLookupFormsAgree) {
   SequenceDictionary d(4);
-  addPattern(d, {{1, 3}, {2}}, 4);
-  PatternArrays p(Sets{{1, 3}, {2}});
+  test::addPattern(d, {{1, 3}, {2}}, 4);
+  test::PatternArrays p(test::Sets{{1, 3}, {2}});
   NTSequence key(p.sets(), p.nSets());
-  std::unique_ptr<Sequence> timed = makeSequence({{1, 3}, {2}});
+  std::unique_ptr<Sequence> timed = test::newSequence({{1, 3}, {2}});
   SequenceCounter* counter = d.getDescriptor(&key);
   ASSERT_NE(counter, nullptr);
   EXPECT_EQ(d.getDescriptor(p.sets(), p.nSets()), counter);
   EXPECT_EQ(d.getDescriptor(timed.get()), counter);
   // (1 3 2) and (1)(3)(2) are other patterns.
-  EXPECT_EQ(counterOf(d, {{1, 2, 3}}), nullptr);
-  EXPECT_EQ(counterOf(d, {{1}, {3}, {2}}), nullptr);
+  EXPECT_EQ(test::counterOf(d, {{1, 2, 3}}), nullptr);
+  EXPECT_EQ(test::counterOf(d, {{1}, {3}, {2}}), nullptr);
 }
 
 TEST(PatternCountingTest, GetSequenceReturnsTheStoredKey) {
   SequenceDictionary d(4);
-  addPattern(d, {{2}, {7}}, 1);
-  PatternArrays p(Sets{{2}, {7}});
+  test::addPattern(d, {{2}, {7}}, 1);
+  test::PatternArrays p(test::Sets{{2}, {7}});
   NTSequence* key = d.getSequence(p.sets(), p.nSets());
   ASSERT_NE(key, nullptr);
   EXPECT_EQ(key->size(), 2);
   EXPECT_EQ(key->getNSets(), 2);
   EXPECT_EQ(key->getItemInSet(0, 1), 7);
   EXPECT_EQ(d.getSequence(p.sets(), p.nSets()), key);
-  PatternArrays absent(Sets{{7}, {2}});
+  test::PatternArrays absent(test::Sets{{7}, {2}});
   EXPECT_EQ(d.getSequence(absent.sets(), absent.nSets()), nullptr);
 }
 
 TEST(PatternCountingTest, DescriptorOfATooLongKeyIsNull) {
   SequenceDictionary d(2);
-  PatternArrays p(Sets{{1}, {2}});
+  test::PatternArrays p(test::Sets{{1}, {2}});
   NTSequence key(p.sets(), p.nSets());
   EXPECT_EQ(d.getDescriptor(&key), nullptr);
   EXPECT_EQ(d.getDescriptor(static_cast<NTSequence const*>(nullptr)), nullptr);
@@ -148,7 +139,7 @@ TEST(PatternCountingTest, DescriptorOfATooLongKeyIsNull) {
 
 TEST(PatternCountingTest, RemoveOfNullDoesNothing) {
   SequenceDictionary d(3);
-  addPattern(d, {{1}}, 1);
+  test::addPattern(d, {{1}}, 1);
   d.remove(static_cast<Sequence const*>(nullptr));
   d.remove(static_cast<NTSequence*>(nullptr));
   EXPECT_EQ(d.NumberOfSequences(), 2);
@@ -156,51 +147,53 @@ TEST(PatternCountingTest, RemoveOfNullDoesNothing) {
 
 TEST(PatternCountingTest, EachRemoveFormTakesThePatternOut) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 1);
-  addPattern(d, {{1}, {2}}, 1);
-  addPattern(d, {{1, 2, 3}}, 1);
-  PatternArrays single(Sets{{1}});
+  test::addPattern(d, {{1}}, 1);
+  test::addPattern(d, {{1}, {2}}, 1);
+  test::addPattern(d, {{1, 2, 3}}, 1);
+  test::PatternArrays single(test::Sets{{1}});
   d.remove(single.sets(), single.nSets());
-  EXPECT_FALSE(stored(d, {{1}}));
-  std::unique_ptr<Sequence> two = makeSequence({{1}, {2}});
+  EXPECT_FALSE(test::stored(d, {{1}}));
+  std::unique_ptr<Sequence> two = test::newSequence({{1}, {2}});
   d.remove(two.get());
-  EXPECT_FALSE(stored(d, {{1}, {2}}));
-  PatternArrays three(Sets{{1, 2, 3}});
+  EXPECT_FALSE(test::stored(d, {{1}, {2}}));
+  test::PatternArrays three(test::Sets{{1, 2, 3}});
   NTSequence key(three.sets(), three.nSets());
   d.remove(&key);
-  EXPECT_FALSE(stored(d, {{1, 2, 3}}));
+  EXPECT_FALSE(test::stored(d, {{1, 2, 3}}));
   EXPECT_EQ(key.size(), 3);  // the caller's key is left alone
   EXPECT_EQ(d.NumberOfSequences(), 1);
 }
 
 TEST(PatternCountingTest, RemovingAbsentOrTooLongPatternsDoesNothing) {
   SequenceDictionary d(3);
-  addPattern(d, {{1}, {2}}, 1);
-  PatternArrays absent(Sets{{2}, {1}});
+  test::addPattern(d, {{1}, {2}}, 1);
+  test::PatternArrays absent(test::Sets{{2}, {1}});
   d.remove(absent.sets(), absent.nSets());
-  PatternArrays tooLong(Sets{{1}, {2}, {3}});
+  test::PatternArrays tooLong(test::Sets{{1}, {2}, {3}});
   d.remove(tooLong.sets(), tooLong.nSets());
   NTSequence key(tooLong.sets(), tooLong.nSets());
   d.remove(&key);
-  std::unique_ptr<Sequence> timed = makeSequence({{1}, {2}, {3}});
+  std::unique_ptr<Sequence> timed = test::newSequence({{1}, {2}, {3}});
   d.remove(timed.get());
-  EXPECT_TRUE(stored(d, {{1}, {2}}));
+  EXPECT_TRUE(test::stored(d, {{1}, {2}}));
   EXPECT_EQ(d.NumberOfSequences(), 2);
 }
 
 TEST(PatternCountingTest, RemovingTheStoredKeyItselfIsAllowed) {
   SequenceDictionary d(3);
-  addPattern(d, {{4}}, 1);
-  PatternArrays p(Sets{{4}});
+  test::addPattern(d, {{4}}, 1);
+  test::PatternArrays p(test::Sets{{4}});
   d.remove(d.getSequence(p.sets(), p.nSets()));
-  EXPECT_FALSE(stored(d, {{4}}));
+  EXPECT_FALSE(test::stored(d, {{4}}));
 }
 
 TEST(PatternCountingTest, ReturnedCountersMayBeChangedInPlace) {
   SequenceDictionary d(3);
-  addPattern(d, {{4}}, 1);
-  counterOf(d, {{4}})->setMaxMissed(6);
-  EXPECT_EQ(counterOf(d, {{4}})->getMaxMissed(), 6);
+  test::addPattern(d, {{4}}, 1);
+  test::counterOf(d, {{4}})->setMaxMissed(6);
+  EXPECT_EQ(test::counterOf(d, {{4}})->getMaxMissed(), 6);
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

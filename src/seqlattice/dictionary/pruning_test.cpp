@@ -6,34 +6,29 @@
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using dictionary_test::addPattern;
-using dictionary_test::counterOf;
-using dictionary_test::PatternArrays;
-using dictionary_test::Sets;
-using dictionary_test::stored;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
+namespace {
 
 // Level 1 holds (1) to (4) with counts 1 to 4.
 class PruningTest : public testing::Test {
  protected:
   PruningTest() : d(5) {
-    for (int item = 1; item <= 4; ++item) addPattern(d, {{item}}, item);
+    for (int item = 1; item <= 4; ++item) test::addPattern(d, {{item}}, item);
   }
   SequenceDictionary d;
 };
 
 TEST_F(PruningTest, WholeThresholdKeepsCountsEqualToIt) {
   EXPECT_EQ(d.reduceDictionaryWithCount(1, 2.0), 1);
-  EXPECT_FALSE(stored(d, {{1}}));
-  EXPECT_TRUE(stored(d, {{2}}));
+  EXPECT_FALSE(test::stored(d, {{1}}));
+  EXPECT_TRUE(test::stored(d, {{2}}));
 }
 
 TEST_F(PruningTest, FractionalThresholdRoundsUp) {
   EXPECT_EQ(d.reduceDictionaryWithCount(1, 2.5), 2);
-  EXPECT_FALSE(stored(d, {{2}}));
-  EXPECT_TRUE(stored(d, {{3}}));
+  EXPECT_FALSE(test::stored(d, {{2}}));
+  EXPECT_TRUE(test::stored(d, {{3}}));
 }
 
 TEST_F(PruningTest, ZeroThresholdRemovesNothing) {
@@ -44,9 +39,9 @@ TEST_F(PruningTest, ZeroThresholdRemovesNothing) {
 
 TEST_F(PruningTest, AThresholdAHairOffAWholeNumberCountsAsIt) {
   EXPECT_EQ(d.reduceDictionaryWithCount(1, std::nextafter(3.0, 4.0)), 2);
-  EXPECT_TRUE(stored(d, {{3}}));
+  EXPECT_TRUE(test::stored(d, {{3}}));
   EXPECT_EQ(d.reduceDictionaryWithCount(1, std::nextafter(4.0, 3.0)), 1);
-  EXPECT_TRUE(stored(d, {{4}}));
+  EXPECT_TRUE(test::stored(d, {{4}}));
   EXPECT_EQ(d.reduceDictionaryWithCount(1, 3.2), 0);  // keeps 4 and more
 }
 
@@ -63,28 +58,28 @@ TEST_F(PruningTest, WildThresholdsAreSafe) {
 
 TEST(PruningRulesTest, MissedCountsRescueOnlyTheLenientRule) {
   SequenceDictionary d(3);
-  addPattern(d, {{1}}, 1, 0, 2);
+  test::addPattern(d, {{1}}, 1, 0, 2);
   EXPECT_EQ(d.reduceDictionary(1, 3.0), 0);
-  EXPECT_TRUE(stored(d, {{1}}));
+  EXPECT_TRUE(test::stored(d, {{1}}));
   EXPECT_EQ(d.reduceDictionaryWithCount(1, 3.0), 1);
-  EXPECT_FALSE(stored(d, {{1}}));
+  EXPECT_FALSE(test::stored(d, {{1}}));
 }
 
 TEST(PruningRulesTest, ReduceAllStopsAtTheFirstEmptyLevel) {
   SequenceDictionary d(5);
-  addPattern(d, {{1}}, 1);
-  addPattern(d, {{2}}, 5);
-  addPattern(d, {{1}, {2}, {3}}, 1);
+  test::addPattern(d, {{1}}, 1);
+  test::addPattern(d, {{2}}, 5);
+  test::addPattern(d, {{1}, {2}, {3}}, 1);
   EXPECT_EQ(d.reduceAll(2.0), 1);
-  EXPECT_FALSE(stored(d, {{1}}));
-  EXPECT_TRUE(stored(d, {{1}, {2}, {3}}));
+  EXPECT_FALSE(test::stored(d, {{1}}));
+  EXPECT_TRUE(test::stored(d, {{1}, {2}, {3}}));
 }
 
 TEST(PruningRulesTest, ReduceAllGoesOnPastALevelItEmpties) {
   SequenceDictionary d(5);
-  addPattern(d, {{1}}, 3);
-  addPattern(d, {{1}, {2}}, 1);
-  addPattern(d, {{1}, {2}, {3}}, 1);
+  test::addPattern(d, {{1}}, 3);
+  test::addPattern(d, {{1}, {2}}, 1);
+  test::addPattern(d, {{1}, {2}, {3}}, 1);
   EXPECT_EQ(d.reduceAll(2.0), 2);
   EXPECT_EQ(d.CountSequencesOfSize(2), 0);
   EXPECT_EQ(d.CountSequencesOfSize(3), 0);
@@ -93,7 +88,7 @@ TEST(PruningRulesTest, ReduceAllGoesOnPastALevelItEmpties) {
 TEST(PruningRulesTest, ReduceAllSetsMinSupportAsAFraction) {
   SequenceDictionary d(3);
   d.getLevel0Descriptor()->setCount(20);
-  addPattern(d, {{1}}, 9);
+  test::addPattern(d, {{1}}, 9);
   EXPECT_EQ(d.reduceAll(5.0), 0);
   EXPECT_DOUBLE_EQ(d.getMinSupport(), 0.25);
 }
@@ -106,12 +101,12 @@ TEST(PruningRulesTest, ReduceAllOverNoInputGivesAnInfiniteSupport) {
 
 TEST(PruningRulesTest, ReduceAllWithCountVisitsEveryLevel) {
   SequenceDictionary d(5);
-  addPattern(d, {{1}}, 1, 0, 5);
-  addPattern(d, {{1}, {2}, {3}}, 1);
-  addPattern(d, {{1}, {2}, {3}, {4}}, 6);
+  test::addPattern(d, {{1}}, 1, 0, 5);
+  test::addPattern(d, {{1}, {2}, {3}}, 1);
+  test::addPattern(d, {{1}, {2}, {3}, {4}}, 6);
   d.getLevel0Descriptor()->setCount(10);
   EXPECT_EQ(d.reduceAllWithCount(2.0), 2);
-  EXPECT_TRUE(stored(d, {{1}, {2}, {3}, {4}}));
+  EXPECT_TRUE(test::stored(d, {{1}, {2}, {3}, {4}}));
   EXPECT_EQ(d.getMinSupport(), 0.0);  // only reduceAll sets it
   EXPECT_EQ(SequenceDictionary(1).reduceAllWithCount(2.0), 0);
 }
@@ -132,48 +127,51 @@ TEST(PruningRulesTest, PruningAnEmptyTableRemovesNothing) {
 
 TEST(PruningRulesTest, EntriesWithoutCounterAreKept) {
   SequenceDictionary d(3);
-  PatternArrays p(Sets{{1}});
+  test::PatternArrays p(test::Sets{{1}});
   d.addSequence(p.sets(), p.nSets(), nullptr);
   EXPECT_EQ(d.reduceDictionaryWithCount(1, 5.0), 0);
   EXPECT_TRUE(d.dropAfter(-1).IsOK());
-  EXPECT_TRUE(stored(d, {{1}}));
+  EXPECT_TRUE(test::stored(d, {{1}}));
 }
 
 TEST(PruningRulesTest, PruningManyEntriesVisitsEachOnce) {
   SequenceDictionary d(3);
-  for (int item = 0; item < 500; ++item) addPattern(d, {{item}}, item % 4);
+  for (int item = 0; item < 500; ++item)
+    test::addPattern(d, {{item}}, item % 4);
   EXPECT_EQ(d.reduceDictionaryWithCount(1, 2.0), 250);
   EXPECT_EQ(d.CountSequencesOfSize(1), 250);
   for (int item = 0; item < 500; ++item) {
-    EXPECT_EQ(stored(d, {{item}}), item % 4 >= 2) << item;
+    EXPECT_EQ(test::stored(d, {{item}}), item % 4 >= 2) << item;
   }
 }
 
 TEST(DropAfterTest, LaterEntriesGoAndEarlierOnesFoldTheirMissedCounts) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 5, 10, 2);
-  addPattern(d, {{2}}, 4, 11, 1);
-  addPattern(d, {{1}, {2}}, 3, 9, 4);
-  addPattern(d, {{1}, {3}}, 3, 12, 0);
-  addPattern(d, {{1}, {2}, {3}}, 1, 3, 1);
+  test::addPattern(d, {{1}}, 5, 10, 2);
+  test::addPattern(d, {{2}}, 4, 11, 1);
+  test::addPattern(d, {{1}, {2}}, 3, 9, 4);
+  test::addPattern(d, {{1}, {3}}, 3, 12, 0);
+  test::addPattern(d, {{1}, {2}, {3}}, 1, 3, 1);
   EXPECT_TRUE(d.dropAfter(10).IsOK());
-  EXPECT_FALSE(stored(d, {{2}}));
-  EXPECT_FALSE(stored(d, {{1}, {3}}));
-  ASSERT_TRUE(stored(d, {{1}}));
-  EXPECT_EQ(counterOf(d, {{1}})->getCount(), 7);
-  EXPECT_EQ(counterOf(d, {{1}})->getMaxMissed(), 0);
-  EXPECT_EQ(counterOf(d, {{1}, {2}})->getCount(), 7);
-  EXPECT_EQ(counterOf(d, {{1}, {2}})->getMaxMissed(), 0);
+  EXPECT_FALSE(test::stored(d, {{2}}));
+  EXPECT_FALSE(test::stored(d, {{1}, {3}}));
+  ASSERT_TRUE(test::stored(d, {{1}}));
+  EXPECT_EQ(test::counterOf(d, {{1}})->getCount(), 7);
+  EXPECT_EQ(test::counterOf(d, {{1}})->getMaxMissed(), 0);
+  EXPECT_EQ(test::counterOf(d, {{1}, {2}})->getCount(), 7);
+  EXPECT_EQ(test::counterOf(d, {{1}, {2}})->getMaxMissed(), 0);
   // Level 2 holds one entry now, level 3 is visited all the same.
-  EXPECT_EQ(counterOf(d, {{1}, {2}, {3}})->getCount(), 2);
+  EXPECT_EQ(test::counterOf(d, {{1}, {2}, {3}})->getCount(), 2);
   EXPECT_EQ(d.getLevel0Descriptor()->getOrdinalOfEntry(), 0);
 }
 
 TEST(DropAfterTest, VisitsLevelsBehindAnEmptyOne) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}, {2}, {3}}, 1, 20, 0);
+  test::addPattern(d, {{1}, {2}, {3}}, 1, 20, 0);
   EXPECT_TRUE(d.dropAfter(10).IsOK());
   EXPECT_EQ(d.NumberOfSequences(), 1);
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -41,6 +41,8 @@ class SequenceCounter;
 
 class SequenceDictionary : public SequenceSemiLattice {
  public:
+  // Construction, settings and the counting queries: sequencedictionary.cpp.
+
   // Default settings and nothing else; fill it with createDictionary or by
   // loading. Destroying it unfilled is safe.
   SequenceDictionary();
@@ -86,14 +88,14 @@ class SequenceDictionary : public SequenceSemiLattice {
   int CountSequencesOfSize(int k) const override;
   int CountSequencesBiggerThan(int k) const override;
 
-  // Counting. Patterns come as an NTSequence, as int** item-set arrays
-  // (sets[s][0] items followed by the items, n sets) or as a Sequence.
-  // A pattern of nLevels or more items is never stored: addSequence throws
-  // SeqExceptions::DictionaryFailure for it, lookups find nothing. addSequence
-  // stores a new counter copying sc's count, ordinal and missed count (sc may
-  // be null and stays the caller's) and replaces an equal stored pattern.
-  // Lookups from int** or a Sequence allocate nothing once `probe` has held a
-  // pattern of the same number of items.
+  // Counting (patterncounting.cpp). Patterns come as an NTSequence, as int**
+  // item-set arrays (sets[s][0] items followed by the items, n sets) or as a
+  // Sequence. A pattern of nLevels or more items is never stored: addSequence
+  // throws SeqExceptions::DictionaryFailure for it, lookups find nothing.
+  // addSequence stores a new counter copying sc's count, ordinal and missed
+  // count (sc may be null and stays the caller's) and replaces an equal stored
+  // pattern. Lookups from int** or a Sequence allocate nothing once `probe` has
+  // held a pattern of the same number of items.
   void addSequence(int** p, int n, SequenceCounter* sc);
   SequenceCounter* incrementCount(int** p, int n);
   SequenceCounter* getDescriptor(NTSequence const* s) const;
@@ -105,23 +107,25 @@ class SequenceDictionary : public SequenceSemiLattice {
   void remove(int** p, int n);
   void remove(Sequence const* s);
 
-  // Pruning; s is an absolute count, whole up to rounding error or rounded
-  // up. Level 0 and entries without a counter are never pruned. Each returns
-  // the number removed; only reduceAll sets minSupport (s / N).
+  // Pruning (pruning.cpp); s is an absolute count, whole up to rounding error
+  // or rounded up. Level 0 and entries without a counter are never pruned. Each
+  // returns the number removed; only reduceAll sets minSupport (s / N).
   int reduceDictionaryWithCount(int k, double s);
   int reduceDictionary(int k, double s);
   int reduceAllWithCount(double s);
   int reduceAll(double s);
   KvCommon_850::KvStatus dropAfter(int t);
 
-  // Links every stored pattern of levels 0 .. LargestSequence()-1 to its
-  // one-item extensions, replacing the adjacency sets it finds. OK, or
-  // KvStatus(kStatusFailure, false) when anything failed (lattice not marked built).
+  // Lattice build (latticebuild.cpp). Links every stored pattern of levels 0 ..
+  // LargestSequence()-1 to its one-item extensions, replacing the adjacency
+  // sets it finds. OK, or KvStatus(kStatusFailure, false) when anything failed
+  // (lattice not marked built).
   KvCommon_850::KvStatus buildLattice();
 
-  // Lattice queries (interface slots 1, 8 and 9): the stored patterns with a
-  // count of at least minCount reachable from seq, reported when their count
-  // is at most maxCount. getSequencesOfSize gives item set s the time s.
+  // Lattice queries (interface slots 1, 8 and 9; latticequeries.cpp): the
+  // stored patterns with a count of at least minCount reachable from seq,
+  // reported when their count is at most maxCount. getSequencesOfSize gives
+  // item set s the time s.
   KvCommon_850::KvStatus FindSequences(Sequence const* seq,
                                        std::set<Sequence*>& out, int minCount,
                                        int maxCount) override;
@@ -137,7 +141,8 @@ class SequenceDictionary : public SequenceSemiLattice {
                                             int k, bool maximalOnly) const;
   void displaySize(int k, int limit, std::ostream& os) const;
 
-  // Documents (interface slots 6 and 7).
+  // Documents (interface slots 6 and 7): export/pmmlexport.cpp and
+  // export/latticeexport.cpp.
   KvCommon_850::KvStatus ExportLatticeXML(std::ostream& out,
                                           double minSupport) const override;
   KvCommon_850::KvStatus ExportRulesXML(std::ostream& out, double minSupport,
@@ -149,7 +154,8 @@ class SequenceDictionary : public SequenceSemiLattice {
                                         char sortBy,
                                         bool maximalOnly) const override;
 
-  // Predictions and rules (interface slots 10 to 12).
+  // Predictions and rules (interface slots 10 to 12): rules/currentitems.cpp,
+  // rules/futureitems.cpp and rules/ruleextraction.cpp.
   KvCommon_850::KvStatus GetCurrentItems(
       std::vector<SeqConsequentDescriptor>& predictions,
       const Sequence* customer, int maxItems) override;
@@ -162,13 +168,15 @@ class SequenceDictionary : public SequenceSemiLattice {
                                   double minCause, double maxCause, char sortBy,
                                   bool maximalOnly) const override;
 
-  // The stored patterns that the customer's history contains, the last
+  // Matching (rules/subsequencematch.cpp). The stored patterns that the
+  // customer's history contains, the last
   // skipLast item sets left out; the found patterns belong to the caller.
   KvCommon_850::KvStatus getSubsequencesInSequence(
       std::vector<NTSequence*>& found, const Sequence* customer, int skipLast);
 
-  // Persistence: binary record and XML element. The second XML reader takes
-  // the document's format version ("1.0" documents lack the minimum support).
+  // Persistence (io/dictionary_io.cpp): binary record and XML element. The
+  // second XML reader takes the document's format version ("1.0" documents lack
+  // the minimum support).
   long writeObject(std::fstream& out) const;
   long readObject(std::fstream& in);
   long writeObjectXML(std::ostream& out) const;

@@ -8,16 +8,9 @@
 #include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/support/seqexceptions.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using dictionary_test::addPattern;
-using dictionary_test::counterOf;
-using dictionary_test::stored;
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::SeqDictionarySettings;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::SeqExceptions::DictionaryFailure;
+namespace {
 
 std::vector<int> capacities(const SequenceDictionary& d) {
   std::vector<int> out;
@@ -75,15 +68,15 @@ TEST(SequenceDictionaryTest, LevelZeroHoldsTheEmptyPatternWithZeroCounter) {
   EXPECT_EQ(total->getCount(), 0);
   EXPECT_EQ(total->getOrdinalOfEntry(), 0);
   EXPECT_EQ(total->getMaxMissed(), 0);
-  EXPECT_EQ(counterOf(d, {}), total);
+  EXPECT_EQ(test::counterOf(d, {}), total);
 }
 
 TEST(SequenceDictionaryTest, LargestSequenceStopsAtTheFirstEmptyLevel) {
   SequenceDictionary d(6);
-  addPattern(d, {{1}}, 5);
-  addPattern(d, {{2}}, 5);
-  addPattern(d, {{1}, {2}}, 4);
-  addPattern(d, {{1, 2, 3, 4}}, 3);
+  test::addPattern(d, {{1}}, 5);
+  test::addPattern(d, {{2}}, 5);
+  test::addPattern(d, {{1}, {2}}, 4);
+  test::addPattern(d, {{1, 2, 3, 4}}, 3);
   EXPECT_EQ(d.LargestSequence(), 2);
   EXPECT_EQ(d.CountSequencesBiggerThan(1), 3);
   EXPECT_EQ(d.CountSequencesBiggerThan(2), 1);
@@ -93,9 +86,9 @@ TEST(SequenceDictionaryTest, LargestSequenceStopsAtTheFirstEmptyLevel) {
 
 TEST(SequenceDictionaryTest, LargestSequenceIsCappedBelowNLevels) {
   SequenceDictionary d(4);
-  addPattern(d, {{1}}, 1);
-  addPattern(d, {{1}, {2}}, 1);
-  addPattern(d, {{1}, {2}, {3}}, 1);
+  test::addPattern(d, {{1}}, 1);
+  test::addPattern(d, {{1}, {2}}, 1);
+  test::addPattern(d, {{1}, {2}, {3}}, 1);
   EXPECT_EQ(d.LargestSequence(), 3);
   EXPECT_EQ(d.CountSequencesBiggerThan(1), 3);
   EXPECT_EQ(SequenceDictionary(1).LargestSequence(), 0);
@@ -104,7 +97,7 @@ TEST(SequenceDictionaryTest, LargestSequenceIsCappedBelowNLevels) {
 TEST(SequenceDictionaryTest, NumberOfSequencesCountsTheEmptyPattern) {
   SequenceDictionary d(3);
   EXPECT_EQ(d.NumberOfSequences(), 1);
-  addPattern(d, {{7}}, 1);
+  test::addPattern(d, {{7}}, 1);
   EXPECT_EQ(d.NumberOfSequences(), 2);
 }
 
@@ -120,8 +113,8 @@ TEST(SequenceDictionaryTest, ResetKeepsSettingsAndLatticeFlag) {
   s.nLevels = 4;
   s.level1Size = 17;
   SequenceDictionary d(s);
-  addPattern(d, {{1}}, 3);
-  addPattern(d, {{1}, {2}}, 2);
+  test::addPattern(d, {{1}}, 3);
+  test::addPattern(d, {{1}, {2}}, 2);
   ASSERT_TRUE(d.buildLattice().IsOK());
   d.setMinGap(2.0);
   d.reset();
@@ -133,7 +126,7 @@ TEST(SequenceDictionaryTest, ResetKeepsSettingsAndLatticeFlag) {
   EXPECT_EQ(d.CountSequencesOfSize(0), 1);
   ASSERT_NE(d.getLevel0Descriptor(), nullptr);
   EXPECT_EQ(d.getLevel0Descriptor()->getCount(), 0);
-  EXPECT_FALSE(stored(d, {{1}}));
+  EXPECT_FALSE(test::stored(d, {{1}}));
 }
 
 TEST(SequenceDictionaryTest, ValuesStartAtZeroAndSettersStoreThem) {
@@ -158,9 +151,9 @@ TEST(SequenceDictionaryTest, DefaultConstructedIsEmptyAndSafe) {
   EXPECT_EQ(d.LargestSequence(), 0);
   EXPECT_EQ(d.getLevel(0), nullptr);
   EXPECT_EQ(d.getLevel0Descriptor(), nullptr);
-  EXPECT_EQ(counterOf(d, {{1}}), nullptr);
+  EXPECT_EQ(test::counterOf(d, {{1}}), nullptr);
   EXPECT_FALSE(d.buildLattice().IsOK());
-  EXPECT_THROW(d.defineLevel0(), DictionaryFailure);
+  EXPECT_THROW(d.defineLevel0(), SeqExceptions::DictionaryFailure);
 }
 
 TEST(SequenceDictionaryTest, CreateDictionaryBuildsFromSettings) {
@@ -174,7 +167,7 @@ TEST(SequenceDictionaryTest, CreateDictionaryBuildsFromSettings) {
   EXPECT_EQ(d.getTableSize(5), 23039);
   EXPECT_FALSE(d.isLatticeBuilt());
   // Called again, the old tables give way to new ones.
-  addPattern(d, {{1}}, 1);
+  test::addPattern(d, {{1}}, 1);
   s.nLevels = 3;
   d.createDictionary(s);
   EXPECT_EQ(d.getNLevels(), 3);
@@ -192,27 +185,28 @@ TEST(SequenceDictionaryTest, CreateDictionaryKeepsTheLatticeFlag) {
 }
 
 TEST(SequenceDictionaryTest, FewerThanOneLevelIsRefused) {
-  EXPECT_THROW(SequenceDictionary(0), DictionaryFailure);
-  EXPECT_THROW(SequenceDictionary(-3), DictionaryFailure);
+  EXPECT_THROW(SequenceDictionary(0), SeqExceptions::DictionaryFailure);
+  EXPECT_THROW(SequenceDictionary(-3), SeqExceptions::DictionaryFailure);
   SeqDictionarySettings s;
   s.nLevels = 0;
-  EXPECT_THROW(SequenceDictionary{s}, DictionaryFailure);
-  EXPECT_THROW(SequenceDictionary(nullptr, 0), DictionaryFailure);
+  EXPECT_THROW(SequenceDictionary{s}, SeqExceptions::DictionaryFailure);
+  EXPECT_THROW(SequenceDictionary(nullptr, 0),
+               SeqExceptions::DictionaryFailure);
   SequenceDictionary d;
-  EXPECT_THROW(d.createDictionary(s), DictionaryFailure);
+  EXPECT_THROW(d.createDictionary(s), SeqExceptions::DictionaryFailure);
   EXPECT_EQ(d.getNLevels(), 0);
 }
 
 TEST(SequenceDictionaryTest, NonPositiveBucketCountIsRefused) {
   SeqDictionarySettings s;
   s.level2Size = 0;
-  EXPECT_THROW(SequenceDictionary{s}, DictionaryFailure);
+  EXPECT_THROW(SequenceDictionary{s}, SeqExceptions::DictionaryFailure);
   s.nLevels = 2;  // level 2 is not made, so its size does not matter
   EXPECT_EQ(SequenceDictionary(s).getNLevels(), 2);
   s.nLevels = 9;
   s.level2Size = 5;
   s.higherLevelSize = -1;
-  EXPECT_THROW(SequenceDictionary{s}, DictionaryFailure);
+  EXPECT_THROW(SequenceDictionary{s}, SeqExceptions::DictionaryFailure);
 }
 
 TEST(SequenceDictionaryTest, AdoptedTablesAreTakenAsTheyAre) {
@@ -226,8 +220,8 @@ TEST(SequenceDictionaryTest, AdoptedTablesAreTakenAsTheyAre) {
   EXPECT_EQ(d.CountSequencesOfSize(0), 0);  // level 0 is not defined
   EXPECT_EQ(d.getTableSize(0), 2);
   EXPECT_EQ(d.getTableSize(3), 23039);
-  addPattern(d, {{4}}, 2);
-  EXPECT_EQ(counterOf(d, {{4}})->getCount(), 2);
+  test::addPattern(d, {{4}}, 2);
+  EXPECT_EQ(test::counterOf(d, {{4}})->getCount(), 2);
 }
 
 // The counting queries reach each other through the interface's slots.
@@ -239,12 +233,12 @@ class TwoFullLevels : public SequenceDictionary {
 
 TEST(SequenceDictionaryTest, OverriddenCountChangesTheOtherQueries) {
   SequenceDictionary* d = new TwoFullLevels(6);
-  addPattern(*d, {{1}, {2}, {3}}, 1);
+  test::addPattern(*d, {{1}, {2}, {3}}, 1);
   EXPECT_EQ(d->LargestSequence(), 2);
   EXPECT_EQ(d->CountSequencesBiggerThan(1), 2);
   // reduceAll stops where the overridden count says level 3 is empty.
   EXPECT_EQ(d->reduceAll(2.0), 0);
-  EXPECT_TRUE(stored(*d, {{1}, {2}, {3}}));
+  EXPECT_TRUE(test::stored(*d, {{1}, {2}, {3}}));
   delete d;
 }
 
@@ -260,3 +254,5 @@ TEST(SequenceDictionaryTest, CancelStaysUntilTheTablesAreRebuilt) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -6,6 +6,11 @@
 // destructor is protected so that nobody deletes an implementation through
 // it. Sequence objects that the Find operations put into `out` belong to the
 // caller; output vectors are appended to, never cleared.
+//
+// Thread safety: none of the operations is safe for concurrent use on one
+// object, the read-only looking ones included (the implementation refills a
+// scratch key on lookups). A host that serves several threads gives each its
+// own model or serialises the calls.
 #ifndef SEQLATTICE_DICTIONARY_SEQUENCESEMILATTICE_H_
 #define SEQLATTICE_DICTIONARY_SEQUENCESEMILATTICE_H_
 

@@ -11,10 +11,9 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::SequenceSemiLattice;
+namespace {
 
 static_assert(std::is_abstract<SequenceSemiLattice>::value,
               "the interface is abstract");
@@ -68,3 +67,5 @@ TEST(SequenceSemiLatticeTest, TheDictionaryKeepsTheInterfacesSlots) {
 #endif
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -12,17 +12,9 @@
 #include "seqlattice/export/export_test_util.h"
 #include "seqlattice/rules/coutstate_test_util.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using export_test::MakeRule;
-using export_test::MakeSequence;
-using export_test::Sets;
-using SEQUENCE_NAMESPACE_800::CollectItems;
-using SEQUENCE_NAMESPACE_800::JoinedSequence;
-using SEQUENCE_NAMESPACE_800::SeqAssociationRule;
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::TimedItemSet;
+namespace {
 
 TimedItemSet MakeSet(const std::vector<int>& items, double time = 0.0) {
   TimedItemSet set(static_cast<int>(items.size()), time);
@@ -47,11 +39,11 @@ std::vector<std::pair<std::vector<int>, int>> ItemsetNumbers(
 // The five rules of the sample model, in the order of confidence.
 std::vector<SeqAssociationRule> SampleRules() {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{10}}, {{20}}));
-  rules.push_back(MakeRule({{10, 20}}, {{30}}));
-  rules.push_back(MakeRule({{20}}, {{30}}));
-  rules.push_back(MakeRule({{10}, {20}}, {{30}}));
-  rules.push_back(MakeRule({{10}}, {{30}}));
+  rules.push_back(test::MakeRule({{10}}, {{20}}));
+  rules.push_back(test::MakeRule({{10, 20}}, {{30}}));
+  rules.push_back(test::MakeRule({{20}}, {{30}}));
+  rules.push_back(test::MakeRule({{10}, {20}}, {{30}}));
+  rules.push_back(test::MakeRule({{10}}, {{30}}));
   return rules;
 }
 
@@ -74,8 +66,8 @@ TEST(CollectItemsTest, EmptyRuleVectorGivesEmptyMapsAndNoSequences) {
 
 TEST(CollectItemsTest, ItemsAreNumberedInCodeOrderNotDiscoveryOrder) {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{7}}, {{3}}));
-  rules.push_back(MakeRule({{5}}, {{7}}));
+  rules.push_back(test::MakeRule({{7}}, {{3}}));
+  rules.push_back(test::MakeRule({{5}}, {{7}}));
   const CollectItems c(rules);
   EXPECT_EQ(ItemNumbers(c),
             (std::vector<std::pair<int, int>>{{3, 1}, {5, 2}, {7, 3}}));
@@ -86,7 +78,7 @@ TEST(CollectItemsTest, ItemsAreNumberedInCodeOrderNotDiscoveryOrder) {
 
 TEST(CollectItemsTest, ItemsetLookupIgnoresTheTime) {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{1, 2}}, {{4}}));
+  rules.push_back(test::MakeRule({{1, 2}}, {{4}}));
   const CollectItems c(rules);
   const int number = c.IndexOfUniqItemset(MakeSet({1, 2}));
   EXPECT_EQ(number, 1);
@@ -101,11 +93,11 @@ TEST(CollectItemsTest, UnknownItemSetOrSequenceGivesMinusOne) {
   const CollectItems c(rules);
   EXPECT_EQ(c.IndexOfUniqItem(99), -1);
   EXPECT_EQ(c.IndexOfUniqItemset(MakeSet({10, 30})), -1);
-  EXPECT_EQ(c.IndexOfUniqSequence(MakeSequence({{30}, {10}})), -1);
+  EXPECT_EQ(c.IndexOfUniqSequence(test::MakeSequence({{30}, {10}})), -1);
   const CollectItems empty;
   EXPECT_EQ(empty.IndexOfUniqItem(10), -1);
   EXPECT_EQ(empty.IndexOfUniqItemset(MakeSet({10})), -1);
-  EXPECT_EQ(empty.IndexOfUniqSequence(MakeSequence({{10}})), -1);
+  EXPECT_EQ(empty.IndexOfUniqSequence(test::MakeSequence({{10}})), -1);
 }
 
 // Worked by hand: the sequences are the antecedents, consequents and joined
@@ -119,14 +111,14 @@ TEST(CollectItemsTest, SampleRulesNumberedAsWorkedByHand) {
   EXPECT_EQ(ItemsetNumbers(c),
             (std::vector<std::pair<std::vector<int>, int>>{
                 {{10}, 1}, {{10, 20}, 2}, {{20}, 3}, {{30}, 4}}));
-  const std::vector<std::pair<Sets, int>> expected = {
+  const std::vector<std::pair<test::Sets, int>> expected = {
       {{{10}}, 1},       {{{10}, {20}}, 2}, {{{10}, {20}, {30}}, 3},
       {{{10}, {30}}, 4}, {{{10, 20}}, 5},   {{{10, 20}, {30}}, 6},
       {{{20}}, 7},       {{{20}, {30}}, 8}, {{{30}}, 9}};
   ASSERT_EQ(c.GetNSequences(), 9);
   ASSERT_EQ(c.GetUniqSequences().size(), 9u);
   for (const auto& [sets, number] : expected) {
-    EXPECT_EQ(c.IndexOfUniqSequence(MakeSequence(sets)), number)
+    EXPECT_EQ(c.IndexOfUniqSequence(test::MakeSequence(sets)), number)
         << "sequence numbered " << number;
   }
   int walked = 0;
@@ -137,8 +129,8 @@ TEST(CollectItemsTest, SampleRulesNumberedAsWorkedByHand) {
 
 TEST(CollectItemsTest, AnEntryMetAgainKeepsItsPlace) {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{1}}, {{2}}));
-  rules.push_back(MakeRule({{1}}, {{2}}));
+  rules.push_back(test::MakeRule({{1}}, {{2}}));
+  rules.push_back(test::MakeRule({{1}}, {{2}}));
   const CollectItems c(rules);
   EXPECT_EQ(c.GetNSequences(), 3);
   EXPECT_EQ(c.GetNUniqItems(), 2);
@@ -147,7 +139,7 @@ TEST(CollectItemsTest, AnEntryMetAgainKeepsItsPlace) {
 
 TEST(CollectItemsTest, CurrentJoinAlsoDeclaresTheSidesOwnSets) {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{1}, {2}}, {{3}, {4}}, 0));
+  rules.push_back(test::MakeRule({{1}, {2}}, {{3}, {4}}, 0));
   const CollectItems c(rules);
   // Joined: (1)(2 3)(4). Its items and sets, then (1), (2) and (3) from the
   // antecedent and the consequent's first set.
@@ -156,13 +148,13 @@ TEST(CollectItemsTest, CurrentJoinAlsoDeclaresTheSidesOwnSets) {
   EXPECT_EQ(ItemsetNumbers(c),
             (std::vector<std::pair<std::vector<int>, int>>{
                 {{1}, 1}, {{2}, 2}, {{2, 3}, 3}, {{3}, 4}, {{4}, 5}}));
-  EXPECT_EQ(c.IndexOfUniqSequence(MakeSequence({{1}, {2, 3}, {4}})), 2);
+  EXPECT_EQ(c.IndexOfUniqSequence(test::MakeSequence({{1}, {2, 3}, {4}})), 2);
   EXPECT_EQ(c.GetNSequences(), 3);
 }
 
 TEST(CollectItemsTest, CurrentJoinDoesNotEnterTheSidesItemsAgain) {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{1}}, {{2}}, 0));
+  rules.push_back(test::MakeRule({{1}}, {{2}}, 0));
   const CollectItems c(rules);
   EXPECT_EQ(ItemsetNumbers(c), (std::vector<std::pair<std::vector<int>, int>>{
                                    {{1}, 1}, {{1, 2}, 2}, {{2}, 3}}));
@@ -171,32 +163,35 @@ TEST(CollectItemsTest, CurrentJoinDoesNotEnterTheSidesItemsAgain) {
 
 TEST(CollectItemsTest, UnknownJoinTypeCollectsTheAntecedentAlone) {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{1}}, {{2}}, 2));
+  rules.push_back(test::MakeRule({{1}}, {{2}}, 2));
   const CollectItems c(rules);
   EXPECT_EQ(ItemNumbers(c), (std::vector<std::pair<int, int>>{{1, 1}}));
   EXPECT_EQ(c.GetNUniqItemsets(), 1);
   // The antecedent and the joined sequence are the same entry.
   EXPECT_EQ(c.GetNSequences(), 2);
-  EXPECT_EQ(c.IndexOfUniqSequence(MakeSequence({{2}})), 2);
+  EXPECT_EQ(c.IndexOfUniqSequence(test::MakeSequence({{2}})), 2);
 }
 
 // Same item sets in the same order, whatever the times.
-bool SameSets(const Sequence& a, const Sets& b) {
-  const Sequence other = MakeSequence(b);
+bool SameSets(const Sequence& a, const test::Sets& b) {
+  const Sequence other = test::MakeSequence(b);
   return a.Length() == other.Length() && !(a < other) && !(other < a);
 }
 
 TEST(CollectItemsTest, JoinedSequenceFollowsTheJoinType) {
-  EXPECT_TRUE(SameSets(JoinedSequence(MakeRule({{1}, {2}}, {{3}, {4}}, 1)),
-                       {{1}, {2}, {3}, {4}}));
-  EXPECT_TRUE(SameSets(JoinedSequence(MakeRule({{1}, {2}}, {{3}, {4}}, 0)),
-                       {{1}, {2, 3}, {4}}));
-  EXPECT_TRUE(SameSets(JoinedSequence(MakeRule({{1}}, {{3}}, -1)), {{1}}));
-  EXPECT_TRUE(SameSets(JoinedSequence(MakeRule({{1}}, {{3}}, 2)), {{1}}));
+  EXPECT_TRUE(
+      SameSets(JoinedSequence(test::MakeRule({{1}, {2}}, {{3}, {4}}, 1)),
+               {{1}, {2}, {3}, {4}}));
+  EXPECT_TRUE(
+      SameSets(JoinedSequence(test::MakeRule({{1}, {2}}, {{3}, {4}}, 0)),
+               {{1}, {2, 3}, {4}}));
+  EXPECT_TRUE(
+      SameSets(JoinedSequence(test::MakeRule({{1}}, {{3}}, -1)), {{1}}));
+  EXPECT_TRUE(SameSets(JoinedSequence(test::MakeRule({{1}}, {{3}}, 2)), {{1}}));
 }
 
 TEST(CollectItemsTest, FromDictionaryTakesOneItemAndOneSetPatternsOnly) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   const CollectItems c(dictionary.get());
   EXPECT_EQ(ItemNumbers(c),
             (std::vector<std::pair<int, int>>{{10, 1}, {20, 2}, {30, 3}}));
@@ -210,9 +205,9 @@ TEST(CollectItemsTest, FromDictionaryTakesOneItemAndOneSetPatternsOnly) {
 
 TEST(CollectItemsTest, FromDictionarySkipsItemsOnlyInLongerPatterns) {
   SequenceDictionary dictionary(4);
-  export_test::SetTotal(dictionary, 3);
-  export_test::AddPattern(dictionary, {{1}}, 3);
-  export_test::AddPattern(dictionary, {{1}, {2}}, 2);  // (2) was pruned
+  test::SetTotal(dictionary, 3);
+  test::addPattern(dictionary, {{1}}, 3);
+  test::addPattern(dictionary, {{1}, {2}}, 2);  // (2) was pruned
   const CollectItems c(&dictionary);
   EXPECT_EQ(ItemNumbers(c), (std::vector<std::pair<int, int>>{{1, 1}}));
   EXPECT_EQ(ItemsetNumbers(c),
@@ -235,7 +230,7 @@ TEST(CollectItemsTest, NullDictionaryIsRejected) {
 
 // Listings on std::cout start from a fresh stream state and leave it as
 // they found it.
-class CollectItemsDisplayTest : public SEQUENCE_NAMESPACE_800::FreshCoutTest {
+class CollectItemsDisplayTest : public test::FreshCoutTest {
  protected:
   static std::string Listing(const CollectItems& c) {
     testing::internal::CaptureStdout();
@@ -246,7 +241,7 @@ class CollectItemsDisplayTest : public SEQUENCE_NAMESPACE_800::FreshCoutTest {
 
 TEST_F(CollectItemsDisplayTest, ListsTheThreeMaps) {
   std::vector<SeqAssociationRule> rules;
-  rules.push_back(MakeRule({{3}}, {{1, 2}}));
+  rules.push_back(test::MakeRule({{3}}, {{1, 2}}));
   EXPECT_EQ(Listing(CollectItems(rules)),
             "N of items = 3\n"
             "(item,id) pairs: ((1,1),(2,2),(3,3))\n"
@@ -268,8 +263,8 @@ TEST_F(CollectItemsDisplayTest, EmptyCollection) {
 // counted: it lists the map, not the count.
 TEST_F(CollectItemsDisplayTest, FromDictionaryShowsNoSequences) {
   SequenceDictionary dictionary(3);
-  export_test::SetTotal(dictionary, 2);
-  export_test::AddPattern(dictionary, {{4}}, 2);
+  test::SetTotal(dictionary, 2);
+  test::addPattern(dictionary, {{4}}, 2);
   EXPECT_EQ(Listing(CollectItems(&dictionary)),
             "N of items = 1\n(item,id) pairs: ((4,1))\n"
             "N of item sets = 1\n(itemset,id) pairs: (((4[0]),1))\n"
@@ -277,3 +272,5 @@ TEST_F(CollectItemsDisplayTest, FromDictionaryShowsNoSequences) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -16,32 +16,15 @@
 #include <utility>
 #include <vector>
 
+#include "seqlattice/dictionary/dictionary_test_util.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/rules/seqassociationrule.h"
 #include "seqlattice/sequence/sequence.h"
 #include "seqlattice/sequence/timeditemset.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
-namespace export_test {
-
-using Sets = std::vector<std::vector<int>>;
-using SEQUENCE_NAMESPACE_800::SeqAssociationRule;
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::TimedItemSet;
-
-// A Sequence whose set k has the time k + 1 (times must not matter).
-inline Sequence MakeSequence(const Sets& sets) {
-  Sequence sequence;
-  for (std::size_t k = 0; k < sets.size(); ++k) {
-    TimedItemSet set(static_cast<int>(sets[k].size()),
-                     static_cast<double>(k + 1));
-    for (int item : sets[k]) set.AddItem(item);
-    sequence.AddTimedItemSet(&set);
-  }
-  return sequence;
-}
+namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
 
 inline SeqAssociationRule MakeRule(const Sets& antecedent,
                                    const Sets& consequent, int joinType = 1,
@@ -49,22 +32,6 @@ inline SeqAssociationRule MakeRule(const Sets& antecedent,
                                    double confidence = 0.5) {
   return SeqAssociationRule(MakeSequence(antecedent), MakeSequence(consequent),
                             support, confidence, 0.5, joinType);
-}
-
-// Stores the pattern with the given count.
-inline void AddPattern(SequenceDictionary& dictionary, const Sets& sets,
-                       int count) {
-  std::vector<std::vector<int>> rows;
-  std::vector<int*> pointers;
-  for (const std::vector<int>& set : sets) {
-    std::vector<int> row(1, static_cast<int>(set.size()));
-    row.insert(row.end(), set.begin(), set.end());
-    rows.push_back(row);
-  }
-  for (std::vector<int>& row : rows) pointers.push_back(row.data());
-  SequenceCounter counter(0, count, nullptr);
-  dictionary.addSequence(pointers.data(), static_cast<int>(rows.size()),
-                         &counter);
 }
 
 // N, the count of the empty pattern.
@@ -80,15 +47,15 @@ inline void SetTotal(SequenceDictionary& dictionary, int n) {
 inline std::unique_ptr<SequenceDictionary> SampleDictionary() {
   std::unique_ptr<SequenceDictionary> dictionary(new SequenceDictionary(5));
   SetTotal(*dictionary, 10);
-  AddPattern(*dictionary, {{10}}, 6);
-  AddPattern(*dictionary, {{20}}, 5);
-  AddPattern(*dictionary, {{30}}, 4);
-  AddPattern(*dictionary, {{10, 20}}, 3);
-  AddPattern(*dictionary, {{10}, {20}}, 4);
-  AddPattern(*dictionary, {{10}, {30}}, 2);
-  AddPattern(*dictionary, {{20}, {30}}, 3);
-  AddPattern(*dictionary, {{10}, {20}, {30}}, 2);
-  AddPattern(*dictionary, {{10, 20}, {30}}, 2);
+  addPattern(*dictionary, {{10}}, 6);
+  addPattern(*dictionary, {{20}}, 5);
+  addPattern(*dictionary, {{30}}, 4);
+  addPattern(*dictionary, {{10, 20}}, 3);
+  addPattern(*dictionary, {{10}, {20}}, 4);
+  addPattern(*dictionary, {{10}, {30}}, 2);
+  addPattern(*dictionary, {{20}, {30}}, 3);
+  addPattern(*dictionary, {{10}, {20}, {30}}, 2);
+  addPattern(*dictionary, {{10, 20}, {30}}, 2);
   dictionary->reduceAll(2.0);  // removes nothing, sets minSupport 0.2
   dictionary->setSlidingWindow(7.0);
   dictionary->setMinGap(1.0);
@@ -177,6 +144,7 @@ inline bool FileExists(const std::string& path) {
   return std::ifstream(path).good();
 }
 
-}  // namespace export_test
+}  // namespace test
+}  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_EXPORT_EXPORT_TEST_UTIL_H_

@@ -10,19 +10,15 @@
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/store/hashpairseq.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using export_test::AddPattern;
-using export_test::ExpectWellFormed;
-using export_test::Occurrences;
-using export_test::SetTotal;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
+namespace {
 
 // The document, checked to be well-formed.
 std::string Export(const SequenceDictionary& dictionary, double minSupport) {
   std::ostringstream out;
   EXPECT_TRUE(dictionary.ExportLatticeXML(out, minSupport).IsOK());
-  ExpectWellFormed(out.str());
+  test::ExpectWellFormed(out.str());
   return out.str();
 }
 
@@ -38,16 +34,15 @@ std::vector<int> SequenceIds(const std::string& document) {
 }
 
 TEST(LatticeExportTest, SampleModelMatchesTheGoldenDocument) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   const std::string document = Export(*dictionary, 0.1);
-  EXPECT_EQ(document,
-            export_test::ReadFile(export_test::DataPath("sample_lattice.xml")));
+  EXPECT_EQ(document, test::ReadFile(test::DataPath("sample_lattice.xml")));
 }
 
 // The whole document of a dictionary holding only the empty pattern.
 TEST(LatticeExportTest, LargestSequenceZeroGivesOneLevel) {
   SequenceDictionary dictionary(3);
-  SetTotal(dictionary, 4);
+  test::SetTotal(dictionary, 4);
   ASSERT_EQ(dictionary.LargestSequence(), 0);
   const std::string document = Export(dictionary, 0.0);
   EXPECT_EQ(
@@ -80,8 +75,8 @@ TEST(LatticeExportTest, LargestSequenceZeroGivesOneLevel) {
 
 TEST(LatticeExportTest, PatternWithoutAdjacentItemsGetsAnEmptyList) {
   SequenceDictionary dictionary(3);
-  SetTotal(dictionary, 4);
-  AddPattern(dictionary, {{5}}, 2);  // lattice not built: no sets at all
+  test::SetTotal(dictionary, 4);
+  test::addPattern(dictionary, {{5}}, 2);  // lattice not built: no sets at all
   const std::string document = Export(dictionary, 0.0);
   EXPECT_NE(document.find("      <Sequence id=\"2\" support=\"0.5\" "
                           "occurrence=\"2\" numberOfSets=\"1\">\n"
@@ -91,10 +86,10 @@ TEST(LatticeExportTest, PatternWithoutAdjacentItemsGetsAnEmptyList) {
                           "      </Sequence>\n"),
             std::string::npos)
       << document;
-  EXPECT_EQ(
-      Occurrences(document, "<SeqAdjacentList numberOfAdjacentItems=\"0\"/>"),
-      2);
-  EXPECT_EQ(Occurrences(document, "<AdjacentItem"), 0);
+  EXPECT_EQ(test::Occurrences(document,
+                              "<SeqAdjacentList numberOfAdjacentItems=\"0\"/>"),
+            2);
+  EXPECT_EQ(test::Occurrences(document, "<AdjacentItem"), 0);
 
   ASSERT_TRUE(dictionary.buildLattice().IsOK());
   const std::string built = Export(dictionary, 0.0);
@@ -104,12 +99,13 @@ TEST(LatticeExportTest, PatternWithoutAdjacentItemsGetsAnEmptyList) {
                        "        </SeqAdjacentList>"),
             std::string::npos)
       << built;
-  EXPECT_EQ(
-      Occurrences(built, "<SeqAdjacentList numberOfAdjacentItems=\"0\"/>"), 1);
+  EXPECT_EQ(test::Occurrences(built,
+                              "<SeqAdjacentList numberOfAdjacentItems=\"0\"/>"),
+            1);
 }
 
 TEST(LatticeExportTest, SequenceIdsRunOnAcrossLevels) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   const std::string document = Export(*dictionary, 0.0);
   EXPECT_EQ(SequenceIds(document),
             (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
@@ -124,8 +120,8 @@ TEST(LatticeExportTest, SequenceIdsRunOnAcrossLevels) {
 
 TEST(LatticeExportTest, MinimumSupportIsTheLargerOfDictionaryAndArgument) {
   SequenceDictionary dictionary(3);
-  SetTotal(dictionary, 10);
-  AddPattern(dictionary, {{1}}, 5);
+  test::SetTotal(dictionary, 10);
+  test::addPattern(dictionary, {{1}}, 5);
   dictionary.reduceAll(3.0);  // minSupport 0.3
   EXPECT_NE(Export(dictionary, 0.1).find("minimumSupport=\"0.3\""),
             std::string::npos);
@@ -136,11 +132,11 @@ TEST(LatticeExportTest, MinimumSupportIsTheLargerOfDictionaryAndArgument) {
 // Levels behind the first empty one are not part of the lattice.
 TEST(LatticeExportTest, LevelsStopAtTheFirstEmptyLevel) {
   SequenceDictionary dictionary(5);
-  SetTotal(dictionary, 4);
-  AddPattern(dictionary, {{1}}, 3);
-  AddPattern(dictionary, {{1}, {2}, {3}}, 2);  // level 2 is empty
+  test::SetTotal(dictionary, 4);
+  test::addPattern(dictionary, {{1}}, 3);
+  test::addPattern(dictionary, {{1}, {2}, {3}}, 2);  // level 2 is empty
   const std::string document = Export(dictionary, 0.0);
-  EXPECT_EQ(Occurrences(document, "<LatticeLevel"), 2);
+  EXPECT_EQ(test::Occurrences(document, "<LatticeLevel"), 2);
   EXPECT_NE(document.find("maxSequenceSize=\"1\""), std::string::npos);
   EXPECT_NE(document.find("numberOfSequences=\"2\"/>"), std::string::npos);
 }
@@ -148,9 +144,9 @@ TEST(LatticeExportTest, LevelsStopAtTheFirstEmptyLevel) {
 // A set that is not a stored one-set pattern has no number.
 TEST(LatticeExportTest, SetOfAPrunedPatternIsReferredToAsMinusOne) {
   SequenceDictionary dictionary(4);
-  SetTotal(dictionary, 4);
-  AddPattern(dictionary, {{1}}, 3);
-  AddPattern(dictionary, {{1}, {2}}, 2);
+  test::SetTotal(dictionary, 4);
+  test::addPattern(dictionary, {{1}}, 3);
+  test::addPattern(dictionary, {{1}, {2}}, 2);
   const std::string document = Export(dictionary, 0.0);
   EXPECT_NE(document.find("<ItemsetRef itemsetRef=\"1\"/>\n"
                           "        <ItemsetRef itemsetRef=\"-1\"/>"),
@@ -160,7 +156,7 @@ TEST(LatticeExportTest, SetOfAPrunedPatternIsReferredToAsMinusOne) {
 
 TEST(LatticeExportTest, MissingEmptyPatternWritesNothing) {
   SequenceDictionary dictionary(3);
-  AddPattern(dictionary, {{1}}, 3);
+  test::addPattern(dictionary, {{1}}, 3);
   dictionary.getLevel(0)->clear();
   std::ostringstream out;
   const auto status = dictionary.ExportLatticeXML(out, 0.0);
@@ -170,10 +166,9 @@ TEST(LatticeExportTest, MissingEmptyPatternWritesNothing) {
 
 TEST(LatticeExportTest, PatternWithoutCounterWritesNothing) {
   SequenceDictionary dictionary(3);
-  SetTotal(dictionary, 4);
+  test::SetTotal(dictionary, 4);
   int one[] = {1, 7};
-  dictionary.getLevel(1)->put(new SEQUENCE_NAMESPACE_800::NTSequence(one),
-                              nullptr);
+  dictionary.getLevel(1)->put(new NTSequence(one), nullptr);
   std::ostringstream out;
   EXPECT_EQ(dictionary.ExportLatticeXML(out, 0.0).GetCode(),
             KvCommon_850::kStatusFailure);
@@ -181,3 +176,5 @@ TEST(LatticeExportTest, PatternWithoutCounterWritesNothing) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

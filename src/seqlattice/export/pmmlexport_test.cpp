@@ -10,27 +10,21 @@
 #include "seqlattice/export/export_test_util.h"
 #include "seqlattice/store/hashpairseq.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using export_test::AddPattern;
-using export_test::ExpectWellFormed;
-using export_test::MakeRule;
-using export_test::Occurrences;
-using export_test::SetTotal;
-using KvCommon_850::KvStatus;
-using SEQUENCE_NAMESPACE_800::SeqAssociationRule;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
+namespace {
 
 // A written document must be well-formed.
 void CheckWritten(const std::string& document) {
-  if (!document.empty()) ExpectWellFormed(document);
+  if (!document.empty()) test::ExpectWellFormed(document);
 }
 
 // Every rule of the dictionary, best confidence first.
-KvStatus ExportAll(const SequenceDictionary& dictionary, std::string& document,
-                   double minSupport = 0.0, char sortBy = 'C') {
+KvCommon_850::KvStatus ExportAll(const SequenceDictionary& dictionary,
+                                 std::string& document, double minSupport = 0.0,
+                                 char sortBy = 'C') {
   std::ostringstream out;
-  const KvStatus status = dictionary.ExportRulesXML(
+  const KvCommon_850::KvStatus status = dictionary.ExportRulesXML(
       out, minSupport, 1.0, 0.0, 1.0, 0.0, 1.0, 2, 1.5, sortBy, false);
   document = out.str();
   CheckWritten(document);
@@ -43,32 +37,32 @@ class FixedRulesDictionary : public SequenceDictionary {
  public:
   explicit FixedRulesDictionary(int nLevels) : SequenceDictionary(nLevels) {}
 
-  KvStatus GetRules(std::vector<SeqAssociationRule>& rules, double, double,
-                    double, double, double, double, char, bool) const override {
+  KvCommon_850::KvStatus GetRules(std::vector<SeqAssociationRule>& rules,
+                                  double, double, double, double, double,
+                                  double, char, bool) const override {
     if (!status.IsOK()) return status;
     rules.insert(rules.end(), fixed.begin(), fixed.end());
     return status;
   }
 
   std::vector<SeqAssociationRule> fixed;
-  KvStatus status;
+  KvCommon_850::KvStatus status;
 };
 
 // The PMML 3.2 schema's verdict: xmllint's messages, "" when valid.
 std::string SchemaErrors(const std::string& document) {
-  const export_test::XmllintRun run = export_test::RunXmllint(
-      document, "--schema '" + export_test::SchemaPath() + "'");
+  const test::XmllintRun run =
+      test::RunXmllint(document, "--schema '" + test::SchemaPath() + "'");
   return run.exitCode == 0 ? "" : run.messages;
 }
 
 #define SKIP_WITHOUT_SCHEMA()                                                 \
   do {                                                                        \
-    if (!export_test::HaveXmllint()) {                                        \
+    if (!test::HaveXmllint()) {                                               \
       GTEST_SKIP() << "xmllint (libxml2-utils) is not installed";             \
     }                                                                         \
-    if (!export_test::FileExists(export_test::SchemaPath())) {                \
-      GTEST_SKIP() << "PMML 3.2 schema not found at "                         \
-                   << export_test::SchemaPath()                               \
+    if (!test::FileExists(test::SchemaPath())) {                              \
+      GTEST_SKIP() << "PMML 3.2 schema not found at " << test::SchemaPath()   \
                    << "; set SEQLATTICE_PMML_SCHEMA to its path to validate"; \
     }                                                                         \
   } while (false)
@@ -88,33 +82,32 @@ const char kNoSequenceError[] =
     "DOC fails to validate\n";
 
 TEST(PmmlExportTest, SampleModelMatchesTheGoldenDocument) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   std::string document;
   EXPECT_TRUE(ExportAll(*dictionary, document).IsOK());
-  EXPECT_EQ(document,
-            export_test::ReadFile(export_test::DataPath("sample_model.xml")));
+  EXPECT_EQ(document, test::ReadFile(test::DataPath("sample_model.xml")));
 }
 
 TEST(PmmlExportTest, ModelWithSeveralRulesIsValidPmml) {
   SKIP_WITHOUT_SCHEMA();
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   std::string document;
   ASSERT_TRUE(ExportAll(*dictionary, document).IsOK());
-  ASSERT_EQ(Occurrences(document, "<SequenceRule "), 5);
+  ASSERT_EQ(test::Occurrences(document, "<SequenceRule "), 5);
   EXPECT_EQ(SchemaErrors(document), "");
 }
 
 // (1)(2 3) yields the rule (1) => (2 3).
 std::unique_ptr<SequenceDictionary> WideConsequentDictionary() {
   std::unique_ptr<SequenceDictionary> dictionary(new SequenceDictionary(4));
-  SetTotal(*dictionary, 8);
-  AddPattern(*dictionary, {{1}}, 6);
-  AddPattern(*dictionary, {{2}}, 5);
-  AddPattern(*dictionary, {{3}}, 5);
-  AddPattern(*dictionary, {{1}, {2}}, 4);
-  AddPattern(*dictionary, {{1}, {3}}, 4);
-  AddPattern(*dictionary, {{2, 3}}, 4);
-  AddPattern(*dictionary, {{1}, {2, 3}}, 3);
+  test::SetTotal(*dictionary, 8);
+  test::addPattern(*dictionary, {{1}}, 6);
+  test::addPattern(*dictionary, {{2}}, 5);
+  test::addPattern(*dictionary, {{3}}, 5);
+  test::addPattern(*dictionary, {{1}, {2}}, 4);
+  test::addPattern(*dictionary, {{1}, {3}}, 4);
+  test::addPattern(*dictionary, {{2, 3}}, 4);
+  test::addPattern(*dictionary, {{1}, {2, 3}}, 3);
   EXPECT_TRUE(dictionary->buildLattice().IsOK());
   return dictionary;
 }
@@ -155,8 +148,8 @@ TEST(PmmlExportTest, RulesWithSeveralItemsInTheLastSetAreValidPmml) {
 
 TEST(PmmlExportTest, ModelWithoutRulesKeepsEverythingButRules) {
   SequenceDictionary dictionary(3);
-  SetTotal(dictionary, 5);
-  AddPattern(dictionary, {{1}}, 4);
+  test::SetTotal(dictionary, 5);
+  test::addPattern(dictionary, {{1}}, 4);
   dictionary.setSlidingWindow(2.5);
   std::string document;
   ASSERT_TRUE(ExportAll(dictionary, document).IsOK());
@@ -223,8 +216,8 @@ TEST(PmmlExportTest, ModelWithoutRulesKeepsEverythingButRules) {
 
 TEST(PmmlExportTest, MinimumSupportIsTheLargerOfDictionaryAndArgument) {
   SequenceDictionary dictionary(3);
-  SetTotal(dictionary, 10);
-  AddPattern(dictionary, {{1}}, 5);
+  test::SetTotal(dictionary, 10);
+  test::addPattern(dictionary, {{1}}, 5);
   dictionary.reduceAll(3.0);  // minSupport 0.3
   const std::string extension =
       "<Extension extender=\"seqlattice.org\" name=\"minimumSupport\" "
@@ -237,18 +230,18 @@ TEST(PmmlExportTest, MinimumSupportIsTheLargerOfDictionaryAndArgument) {
 }
 
 TEST(PmmlExportTest, RulesWithTheSameAntecedentReferToOneSequence) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   std::string document;
   ASSERT_TRUE(ExportAll(*dictionary, document).IsOK());
   // (10) => (20) and (10) => (30); (10) is sequence 1.
-  EXPECT_EQ(Occurrences(document,
-                        "<AntecedentSequence>\n"
-                        "        <SequenceReference seqId=\"1\"/>"),
+  EXPECT_EQ(test::Occurrences(document,
+                              "<AntecedentSequence>\n"
+                              "        <SequenceReference seqId=\"1\"/>"),
             2);
 }
 
 TEST(PmmlExportTest, CancelledExtractionWritesNothing) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   dictionary->setCancel();
   std::string document;
   EXPECT_EQ(ExportAll(*dictionary, document).GetCode(),
@@ -258,25 +251,26 @@ TEST(PmmlExportTest, CancelledExtractionWritesNothing) {
 
 TEST(PmmlExportTest, FailedExtractionStatusIsReturnedUnchanged) {
   FixedRulesDictionary dictionary(3);
-  dictionary.status = KvStatus(KvCommon_850::kStatusFailure, false);
+  dictionary.status =
+      KvCommon_850::KvStatus(KvCommon_850::kStatusFailure, false);
   std::string document;
-  const KvStatus status = ExportAll(dictionary, document);
+  const KvCommon_850::KvStatus status = ExportAll(dictionary, document);
   EXPECT_FALSE(status.IsOK());
   EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
   EXPECT_EQ(document, "");
 }
 
 TEST(PmmlExportTest, UnknownSortLetterGivesAModelWithoutRules) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   std::string document;
   EXPECT_TRUE(ExportAll(*dictionary, document, 0.0, 'X').IsOK());
   EXPECT_NE(document.find("name=\"numberOfRules\" value=\"0\"/>"),
             std::string::npos);
-  EXPECT_EQ(Occurrences(document, "<SequenceRule"), 0);
+  EXPECT_EQ(test::Occurrences(document, "<SequenceRule"), 0);
 }
 
 TEST(PmmlExportTest, HostFiguresAreWrittenAsGiven) {
-  const auto dictionary = export_test::SampleDictionary();
+  const auto dictionary = test::SampleDictionary();
   std::ostringstream out;
   ASSERT_TRUE(dictionary
                   ->ExportRulesXML(out, 0.0, 1.0, 0.25, 1.0, 0.0, 1.0, 17, 2.25,
@@ -296,11 +290,11 @@ TEST(PmmlExportTest, HostFiguresAreWrittenAsGiven) {
 // "acrossTimeWindows" with an unknown gap.
 TEST(PmmlExportTest, CurrentJoinRulesStillUseAcrossTimeWindows) {
   FixedRulesDictionary dictionary(4);
-  SetTotal(dictionary, 4);
-  AddPattern(dictionary, {{1}}, 4);
-  AddPattern(dictionary, {{2}}, 3);
-  AddPattern(dictionary, {{1, 2}}, 2);
-  dictionary.fixed.push_back(MakeRule({{1}}, {{2}}, 0, 0.5, 0.5));
+  test::SetTotal(dictionary, 4);
+  test::addPattern(dictionary, {{1}}, 4);
+  test::addPattern(dictionary, {{2}}, 3);
+  test::addPattern(dictionary, {{1, 2}}, 2);
+  dictionary.fixed.push_back(test::MakeRule({{1}}, {{2}}, 0, 0.5, 0.5));
   std::string document;
   ASSERT_TRUE(ExportAll(dictionary, document).IsOK());
   EXPECT_NE(document.find("<SequenceRule id=\"1\" support=\"0.5\" "
@@ -308,20 +302,20 @@ TEST(PmmlExportTest, CurrentJoinRulesStillUseAcrossTimeWindows) {
                           "confidence=\"0.5\">"),
             std::string::npos)
       << document;
-  EXPECT_EQ(Occurrences(document,
-                        "delimiter=\"acrossTimeWindows\" "
-                        "gap=\"unknown\""),
+  EXPECT_EQ(test::Occurrences(document,
+                              "delimiter=\"acrossTimeWindows\" "
+                              "gap=\"unknown\""),
             1);
-  EXPECT_EQ(Occurrences(document, "sameTimeWindow"), 0);
+  EXPECT_EQ(test::Occurrences(document, "sameTimeWindow"), 0);
   // (1), (1 2) and (2) are all declared: the sides' own sets too.
-  EXPECT_EQ(Occurrences(document, "<Itemset "), 3);
+  EXPECT_EQ(test::Occurrences(document, "<Itemset "), 3);
 }
 
 TEST(PmmlExportTest, RuleWithoutCounterWritesNothing) {
   FixedRulesDictionary dictionary(4);
-  SetTotal(dictionary, 4);
-  AddPattern(dictionary, {{1}}, 4);
-  dictionary.fixed.push_back(MakeRule({{1}}, {{9}}));
+  test::SetTotal(dictionary, 4);
+  test::addPattern(dictionary, {{1}}, 4);
+  dictionary.fixed.push_back(test::MakeRule({{1}}, {{9}}));
   std::string document;
   EXPECT_EQ(ExportAll(dictionary, document).GetCode(),
             KvCommon_850::kStatusFailure);
@@ -331,9 +325,9 @@ TEST(PmmlExportTest, RuleWithoutCounterWritesNothing) {
 // A current join needs two non-empty sides.
 TEST(PmmlExportTest, CurrentJoinWithAnEmptySideWritesNothing) {
   FixedRulesDictionary dictionary(3);
-  SetTotal(dictionary, 4);
-  AddPattern(dictionary, {{1}}, 4);
-  dictionary.fixed.push_back(MakeRule({}, {{1}}, 0));
+  test::SetTotal(dictionary, 4);
+  test::addPattern(dictionary, {{1}}, 4);
+  dictionary.fixed.push_back(test::MakeRule({}, {{1}}, 0));
   std::string document;
   EXPECT_EQ(ExportAll(dictionary, document).GetCode(),
             KvCommon_850::kStatusFailure);
@@ -350,3 +344,5 @@ TEST(PmmlExportTest, MissingEmptyPatternWritesNothing) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

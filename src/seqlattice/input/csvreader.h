@@ -11,7 +11,8 @@
 //
 // Bad input throws InputError naming the file, the line and the problem, as
 // in "orders.csv:17: expected 3 columns, found 2". A database that outgrows
-// CsvOptions::memoryLimit throws the database's mining::MiningError.
+// CsvOptions::memoryLimit throws the database's mining::MiningError. The
+// grouping of the rows is columnreader.h's.
 #ifndef SEQLATTICE_INPUT_CSVREADER_H_
 #define SEQLATTICE_INPUT_CSVREADER_H_
 
@@ -21,8 +22,7 @@
 #include <string>
 #include <vector>
 
-#include "seqlattice/input/itemlabels.h"
-#include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/input/columnreader.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace input {
@@ -37,13 +37,6 @@ struct CsvOptions {
   // assign (to read new data with a model's codes); the result's items are
   // then left empty.
   std::function<int(const std::string&)> itemCode;
-};
-
-// A customer database with the labels of its customers and items.
-struct LabelledDatabase {
-  mining::SequenceDatabase database;
-  std::vector<std::string> customers;  // label of customer c of database
-  ItemLabels items;
 };
 
 // fileName labels the messages only.

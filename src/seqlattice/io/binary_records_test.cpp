@@ -10,48 +10,31 @@
 #include "seqlattice/io/io_test_util.h"
 #include "seqlattice/pattern/packedsequence.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using dictionary_test::addPattern;
-using dictionary_test::counterOf;
-using dictionary_test::PatternArrays;
-using dictionary_test::Sets;
-using io_test::Bytes;
-using io_test::expectIOException;
-using io_test::Printed;
-using io_test::readBinary;
-using io_test::ScratchFile;
-using io_test::smallSettings;
-using io_test::writeBinary;
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::PackedSequence;
-using SEQUENCE_NAMESPACE_800::SeqDictionarySettings;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
-
 // The record of the empty tables of a dictionary: tag and count 0 per level.
-Bytes& appendEmptyTables(Bytes& bytes, int levels) {
+test::Bytes& appendEmptyTables(test::Bytes& bytes, int levels) {
   for (int k = 0; k < levels; ++k) bytes.text("HT", 2).i32(0);
   return bytes;
 }
 
 TEST(BinaryDictionaryTest, EmptyTablesTakeFixedBytesAndCount) {
   for (int levels : {1, 3, 10}) {
-    const SeqDictionarySettings settings = smallSettings(levels);
+    const SeqDictionarySettings settings = test::smallSettings(levels);
     SequenceDictionary dictionary(settings);
     dictionary.getLevel(0)->clear();
     dictionary.setSlidingWindow(2.5);
     dictionary.setMinGap(1.0);
     dictionary.setMaxGap(4.0);
-    const io_test::Written written = writeBinary(dictionary);
+    const test::Written written = test::writeBinary(dictionary);
 
     EXPECT_EQ(written.bytes.size(), 2u + 1 + 42 + 6 * levels + 32);
     EXPECT_EQ(written.count, 6L * levels + 35);
-    Bytes expected;
+    test::Bytes expected;
     expected.text("SD0", 3);
-    io_test::appendSettings(expected, settings);
+    test::appendSettings(expected, settings);
     appendEmptyTables(expected, levels).f64(0.0).f64(2.5).f64(1.0).f64(4.0);
     EXPECT_EQ(written.bytes, expected.str()) << levels << " levels";
   }
@@ -59,22 +42,22 @@ TEST(BinaryDictionaryTest, EmptyTablesTakeFixedBytesAndCount) {
 
 TEST(BinaryDictionaryTest, UnfilledDictionarySavesWithoutTables) {
   const SequenceDictionary unfilled;
-  Bytes expected;
+  test::Bytes expected;
   expected.text("SD0", 3);
-  io_test::appendSettings(expected, SeqDictionarySettings());
+  test::appendSettings(expected, SeqDictionarySettings());
   expected.f64(0.0).f64(0.0).f64(0.0).f64(0.0);
-  EXPECT_EQ(writeBinary(unfilled).bytes, expected.str());
+  EXPECT_EQ(test::writeBinary(unfilled).bytes, expected.str());
   std::ostringstream xml;
   EXPECT_EQ(unfilled.writeObjectXML(xml), 8);
   EXPECT_EQ(xml.str().find("HashtableSQPair"), std::string::npos);
 }
 
 TEST(BinaryDictionaryTest, LevelZeroEntryIsSavedAsPatternAndCounter) {
-  SequenceDictionary dictionary(smallSettings(2));
-  const io_test::Written written = writeBinary(dictionary);
-  Bytes expected;
+  SequenceDictionary dictionary(test::smallSettings(2));
+  const test::Written written = test::writeBinary(dictionary);
+  test::Bytes expected;
   expected.text("SD0", 3);
-  io_test::appendSettings(expected, smallSettings(2));
+  test::appendSettings(expected, test::smallSettings(2));
   // The empty pattern: tag, word 0, no items, no sets; its all-zero counter.
   expected.text("HT", 2).i32(1);
   expected.text("NT:\0", 4).i64(0).i32(0).i32(0);
@@ -87,8 +70,8 @@ TEST(BinaryDictionaryTest, LevelZeroEntryIsSavedAsPatternAndCounter) {
 
 // A saved dictionary with the lattice-built byte replaced.
 std::string withBuiltByte(char byte) {
-  SequenceDictionary dictionary(smallSettings(2));
-  std::string bytes = io_test::saveBinary(dictionary);
+  SequenceDictionary dictionary(test::smallSettings(2));
+  std::string bytes = test::saveBinary(dictionary);
   bytes[2] = byte;
   return bytes;
 }
@@ -96,24 +79,25 @@ std::string withBuiltByte(char byte) {
 TEST(BinaryDictionaryTest, OnlyTheCharacterOneReadsAsBuilt) {
   for (char byte : {'0', 'x', '\x01', '\0', 'T'}) {
     SequenceDictionary loaded;
-    readBinary(withBuiltByte(byte), loaded);
+    test::readBinary(withBuiltByte(byte), loaded);
     EXPECT_FALSE(loaded.isLatticeBuilt()) << static_cast<int>(byte);
   }
   SequenceDictionary loaded;
-  readBinary(withBuiltByte('1'), loaded);
+  test::readBinary(withBuiltByte('1'), loaded);
   EXPECT_TRUE(loaded.isLatticeBuilt());
 }
 
 TEST(BinaryDictionaryTest, SettingsLevelCountDecidesHowManyTablesAreRead) {
-  Bytes threeTables;
+  test::Bytes threeTables;
   threeTables.text("SD1", 3);
-  io_test::appendSettings(threeTables, smallSettings(3));
+  test::appendSettings(threeTables, test::smallSettings(3));
   appendEmptyTables(threeTables, 3).f64(0.5).f64(6.0).f64(1.0).f64(2.0);
   const std::string trailer = "MORE";
 
   SequenceDictionary loaded;
   long consumed = 0;
-  const long count = readBinary(threeTables.str() + trailer, loaded, &consumed);
+  const long count =
+      test::readBinary(threeTables.str() + trailer, loaded, &consumed);
   EXPECT_EQ(consumed, static_cast<long>(threeTables.str().size()));
   EXPECT_EQ(count, 3 + 3 * 6 + 32);
   EXPECT_EQ(loaded.getNLevels(), 3);
@@ -124,33 +108,35 @@ TEST(BinaryDictionaryTest, SettingsLevelCountDecidesHowManyTablesAreRead) {
   EXPECT_EQ(loaded.getMaxGap(), 2.0);
 
   // With only two table records the doubles land where the third tag is due.
-  Bytes twoTables;
+  test::Bytes twoTables;
   twoTables.text("SD1", 3);
-  io_test::appendSettings(twoTables, smallSettings(3));
+  test::appendSettings(twoTables, test::smallSettings(3));
   appendEmptyTables(twoTables, 2).f64(0.5).f64(6.0).f64(1.0).f64(2.0);
   SequenceDictionary partial;
-  const Printed printed =
-      expectIOException([&] { readBinary(twoTables.str(), partial); });
+  const test::Printed printed = test::expectIOException(
+      [&] { test::readBinary(twoTables.str(), partial); });
   EXPECT_EQ(printed.err, "Error reading HashtableSQPair!\n");
 }
 
 TEST(BinaryDictionaryTest, WrongDictionaryTagFails) {
-  std::string bytes = io_test::saveBinary(SequenceDictionary(smallSettings(2)));
+  std::string bytes =
+      test::saveBinary(SequenceDictionary(test::smallSettings(2)));
   bytes[0] = 'D';
   bytes[1] = 'S';
   SequenceDictionary loaded;
-  const Printed printed = expectIOException([&] { readBinary(bytes, loaded); });
+  const test::Printed printed =
+      test::expectIOException([&] { test::readBinary(bytes, loaded); });
   EXPECT_EQ(printed.err, "Error reading SequenceDictionary!\n");
   EXPECT_EQ(printed.out, "");
 }
 
 TEST(BinaryDictionaryTest, OnlyTheBadBitStopsASave) {
-  SequenceDictionary dictionary(smallSettings(2));
-  ScratchFile file;
+  SequenceDictionary dictionary(test::smallSettings(2));
+  test::ScratchFile file;
   std::fstream out = file.openBinary(true);
   out.setstate(std::ios::badbit);
-  const Printed printed =
-      expectIOException([&] { dictionary.writeObject(out); });
+  const test::Printed printed =
+      test::expectIOException([&] { dictionary.writeObject(out); });
   EXPECT_EQ(printed.out, "Bad stream for saving SequenceDictionary!\n");
   EXPECT_EQ(printed.err, "");
 
@@ -163,36 +149,36 @@ TEST(BinaryDictionaryTest, OnlyTheBadBitStopsASave) {
 }
 
 TEST(BinaryDictionaryTest, ReadCountMatchesWriteCount) {
-  SequenceDictionary dictionary(smallSettings(4));
-  addPattern(dictionary, {{3}}, 5, 1, 0);
-  addPattern(dictionary, {{3, 4}}, 2, 2, 1);
-  addPattern(dictionary, {{3}, {4, 6}}, 2, 3, 0);
-  counterOf(dictionary, {{3}})->addAdjacentItem(4, 0);
-  counterOf(dictionary, {{3}})->addAdjacentItem(4, 1);
+  SequenceDictionary dictionary(test::smallSettings(4));
+  test::addPattern(dictionary, {{3}}, 5, 1, 0);
+  test::addPattern(dictionary, {{3, 4}}, 2, 2, 1);
+  test::addPattern(dictionary, {{3}, {4, 6}}, 2, 3, 0);
+  test::counterOf(dictionary, {{3}})->addAdjacentItem(4, 0);
+  test::counterOf(dictionary, {{3}})->addAdjacentItem(4, 1);
   auto* bucket = new StatsBucket();
   bucket->InitialGap(2.0);
-  counterOf(dictionary, {{3, 4}})->setStatsBucket(bucket);
-  const io_test::Written written = writeBinary(dictionary);
+  test::counterOf(dictionary, {{3, 4}})->setStatsBucket(bucket);
+  const test::Written written = test::writeBinary(dictionary);
   // Level 1: (3) with two pairs; level 2: (3 4) with statistics; level 3.
   const long expected = 3 + (6 + 16 + 23) + (6 + 20 + 23 + 16) +
                         (6 + 24 + 23 + 30) + (6 + 28 + 23) + 32;
   EXPECT_EQ(written.count, expected);
   SequenceDictionary loaded;
-  EXPECT_EQ(readBinary(written.bytes, loaded), expected);
-  io_test::expectLoadedAs(dictionary, loaded, 4);
+  EXPECT_EQ(test::readBinary(written.bytes, loaded), expected);
+  test::expectLoadedAs(dictionary, loaded, 4);
 }
 
 TEST(BinaryPatternTest, RecordHoldsTagWordItemsAndSetCount) {
-  PatternArrays arrays({{4}, {7, 9}});
+  test::PatternArrays arrays({{4}, {7, 9}});
   const NTSequence pattern(arrays.sets(), arrays.nSets());
-  const io_test::Written written = writeBinary(pattern);
-  EXPECT_EQ(
-      written.bytes,
-      Bytes().text("NT:\0", 4).i64(5).i32(3).i32(4).i32(7).i32(9).i32(2).str());
+  const test::Written written = test::writeBinary(pattern);
+  test::Bytes expected;
+  expected.text("NT:\0", 4).i64(5).i32(3).i32(4).i32(7).i32(9).i32(2);
+  EXPECT_EQ(written.bytes, expected.str());
   EXPECT_EQ(written.count, 28);
 
   NTSequence read;
-  EXPECT_EQ(readBinary(written.bytes, read), 28);
+  EXPECT_EQ(test::readBinary(written.bytes, read), 28);
   EXPECT_TRUE(read == pattern);
   EXPECT_EQ(read.getHashCode(), pattern.computeHash());
   EXPECT_EQ(read.getNSets(), 2);
@@ -200,20 +186,21 @@ TEST(BinaryPatternTest, RecordHoldsTagWordItemsAndSetCount) {
 
 TEST(BinaryPatternTest, ShortItemListCountsTheItemsReadWhole) {
   const std::string bytes =
-      Bytes().text("NT:\0", 4).i64(3).i32(3).i32(4).i32(7).str();
+      test::Bytes().text("NT:\0", 4).i64(3).i32(3).i32(4).i32(7).str();
   NTSequence read;
-  EXPECT_EQ(readBinary(bytes, read), 16 + 8);
+  EXPECT_EQ(test::readBinary(bytes, read), 16 + 8);
   EXPECT_EQ(read.size(), 3);
 }
 
 // A stream that ends after the pattern word: the item count cannot be read,
 // so the pattern keeps its items and set count; only the word is new.
 TEST(BinaryPatternTest, UnreadableItemCountKeepsTheItems) {
-  PatternArrays arrays({{4}, {7, 9}});
+  test::PatternArrays arrays({{4}, {7, 9}});
   const NTSequence original(arrays.sets(), arrays.nSets());
   NTSequence read(original);
   long consumed = 0;
-  EXPECT_EQ(readBinary(Bytes().text("NT:\0", 4).i64(6).str(), read, &consumed),
+  EXPECT_EQ(test::readBinary(test::Bytes().text("NT:\0", 4).i64(6).str(), read,
+                             &consumed),
             16);
   EXPECT_EQ(consumed, 12);
   EXPECT_EQ(read.getPattern(), 6);
@@ -227,28 +214,19 @@ TEST(BinaryPatternTest, UnreadableItemCountKeepsTheItems) {
 }
 
 TEST(BinaryPatternTest, TimedRecordKeepsTimesWhole) {
-  PatternArrays arrays({{1, 2}, {5}});
+  test::PatternArrays arrays({{1, 2}, {5}});
   const double start[] = {1.25, -3.5};
   const double end[] = {2.75, 8.0};
   const PackedSequence pattern(arrays.sets(), start, end, arrays.nSets());
-  const io_test::Written written = writeBinary(pattern);
-  EXPECT_EQ(written.bytes, Bytes()
-                               .text("PS:\0", 4)
-                               .i64(3)
-                               .i32(3)
-                               .i32(1)
-                               .i32(2)
-                               .i32(5)
-                               .i32(2)
-                               .f64(1.25)
-                               .f64(2.75)
-                               .f64(-3.5)
-                               .f64(8.0)
-                               .str());
+  const test::Written written = test::writeBinary(pattern);
+  test::Bytes expected;
+  expected.text("PS:\0", 4).i64(3).i32(3).i32(1).i32(2).i32(5).i32(2);
+  expected.f64(1.25).f64(2.75).f64(-3.5).f64(8.0);
+  EXPECT_EQ(written.bytes, expected.str());
   EXPECT_EQ(written.count, 16 + 12 + 32);
 
   PackedSequence read;
-  EXPECT_EQ(readBinary(written.bytes, read), 16 + 12 + 32);
+  EXPECT_EQ(test::readBinary(written.bytes, read), 16 + 12 + 32);
   EXPECT_TRUE(read == pattern);
   EXPECT_EQ(read.getItemsCapacity(), 3);
   EXPECT_EQ(read.getSetCapacity(), 2);
@@ -257,12 +235,12 @@ TEST(BinaryPatternTest, TimedRecordKeepsTimesWhole) {
 }
 
 TEST(BinaryPatternTest, TimedRecordWithNegativeSetCountKeepsItsSets) {
-  PatternArrays arrays({{1}, {5}});
+  test::PatternArrays arrays({{1}, {5}});
   const double times[] = {1.0, 2.0};
   PackedSequence read(arrays.sets(), times, arrays.nSets());
   const std::string bytes =
-      Bytes().text("PS:\0", 4).i64(1).i32(1).i32(9).i32(-1).str();
-  EXPECT_EQ(readBinary(bytes, read), 16 + 4);
+      test::Bytes().text("PS:\0", 4).i64(1).i32(1).i32(9).i32(-1).str();
+  EXPECT_EQ(test::readBinary(bytes, read), 16 + 4);
   EXPECT_EQ(read.size(), 1);
   EXPECT_EQ(read.getNSets(), 2);
   EXPECT_EQ(read.getTimeForSet(1), std::make_pair(2.0, 2.0));
@@ -272,21 +250,23 @@ TEST(BinaryPatternTest, WrongTagsFailOnTheirStreams) {
   // Each reader meets the other's tag. The timed pattern reports on the
   // standard output, unlike every other reader.
   NTSequence pattern;
-  Printed printed = expectIOException(
-      [&] { readBinary(Bytes().text("PS:\0", 4).i64(0).str(), pattern); });
+  test::Printed printed = test::expectIOException([&] {
+    test::readBinary(test::Bytes().text("PS:\0", 4).i64(0).str(), pattern);
+  });
   EXPECT_EQ(printed.err, "Failure reading NTSequence!\n");
   EXPECT_EQ(printed.out, "");
 
   PackedSequence timed;
-  printed = expectIOException(
-      [&] { readBinary(Bytes().text("NT:\0", 4).i64(0).str(), timed); });
+  printed = test::expectIOException([&] {
+    test::readBinary(test::Bytes().text("NT:\0", 4).i64(0).str(), timed);
+  });
   EXPECT_EQ(printed.out, "Failure reading PackedSequence!\n");
   EXPECT_EQ(printed.err, "");
 }
 
 // A counter record: tag, numbers, pairs, statistics flag.
-Bytes counterRecord(int count, int ordinal, int missed, int pairs) {
-  Bytes bytes;
+test::Bytes counterRecord(int count, int ordinal, int missed, int pairs) {
+  test::Bytes bytes;
   bytes.text("SD\0", 3).i32(count).i32(ordinal).i32(missed).i32(pairs);
   return bytes;
 }
@@ -302,7 +282,7 @@ TEST(BinaryCounterTest, RecordHoldsNumbersPairsAndStatistics) {
   bucket->UpdateGap(4.0);
   counter.setStatsBucket(bucket);
 
-  const io_test::Written written = writeBinary(counter);
+  const test::Written written = test::writeBinary(counter);
   const std::string expected = counterRecord(9, 4, 2, 3)
                                    .i32(5)
                                    .i32(0)
@@ -322,8 +302,8 @@ TEST(BinaryCounterTest, RecordHoldsNumbersPairsAndStatistics) {
   EXPECT_EQ(written.count, 19 + 24 + 4 + 30);
 
   SequenceCounter read(0, 0, nullptr);
-  EXPECT_EQ(readBinary(expected, read), 19 + 24 + 4 + 30);
-  EXPECT_EQ(io_test::describe(&read), io_test::describe(&counter));
+  EXPECT_EQ(test::readBinary(expected, read), 19 + 24 + 4 + 30);
+  EXPECT_EQ(test::describe(&read), test::describe(&counter));
 }
 
 TEST(BinaryCounterTest, EmptyAdjacencySetIsSavedAsNoPairsAndReadAsNone) {
@@ -331,12 +311,12 @@ TEST(BinaryCounterTest, EmptyAdjacencySetIsSavedAsNoPairsAndReadAsNone) {
   counter.addAdjacentItem(3, 4);
   counter.clearAdjacentItems();
   ASSERT_NE(counter.getAdjacentItems(), nullptr);
-  const io_test::Written written = writeBinary(counter);
+  const test::Written written = test::writeBinary(counter);
   EXPECT_EQ(written.bytes, counterRecord(2, 1, 0, 0).i32(0).str());
   EXPECT_EQ(written.count, 23);
 
   SequenceCounter read(0, 0, nullptr);
-  readBinary(written.bytes, read);
+  test::readBinary(written.bytes, read);
   EXPECT_EQ(read.getAdjacentItems(), nullptr);
   EXPECT_EQ(read.getCount(), 2);
   EXPECT_EQ(read.getOrdinalOfEntry(), 1);
@@ -353,7 +333,7 @@ TEST(BinaryCounterTest, AnyPositiveStatisticsFlagReadsABucket) {
                                 .str();
   SequenceCounter read(0, 0, nullptr);
   long consumed = 0;
-  EXPECT_EQ(readBinary(bytes, read, &consumed), 23 + 30);
+  EXPECT_EQ(test::readBinary(bytes, read, &consumed), 23 + 30);
   EXPECT_EQ(consumed, 57);
   ASSERT_NE(read.getStatsBucket(), nullptr);
   EXPECT_EQ(read.getStatsBucket()->GetNOfGaps(), 3.0);
@@ -364,13 +344,14 @@ TEST(BinaryCounterTest, RepeatedPairsCollapse) {
   const std::string bytes =
       counterRecord(1, 0, 0, 2).i32(6).i32(1).i32(6).i32(1).i32(0).str();
   SequenceCounter read(0, 0, nullptr);
-  EXPECT_EQ(readBinary(bytes, read), 19 + 16 + 4);
+  EXPECT_EQ(test::readBinary(bytes, read), 19 + 16 + 4);
   EXPECT_EQ(read.getNAdjacent(), 1);
 }
 
 TEST(BinaryCounterTest, FailuresAndTheirMessages) {
   const std::pair<std::string, std::string> cases[] = {
-      {Bytes().text("SDX", 3).i32(0).str(), "Error reading SequenceCounter!\n"},
+      {test::Bytes().text("SDX", 3).i32(0).str(),
+       "Error reading SequenceCounter!\n"},
       {counterRecord(1, 0, 0, -1).str(), "Error reading Sequence!\n"},
       {counterRecord(1, 0, 0, 0).i32(-2).str(), "Error reading StatsBucket!\n"},
       {counterRecord(1, 0, 0, 0).i32(1).text("BS", 2).str(),
@@ -378,7 +359,8 @@ TEST(BinaryCounterTest, FailuresAndTheirMessages) {
   };
   for (const auto& [bytes, message] : cases) {
     SequenceCounter read(0, 0, nullptr);
-    const Printed printed = expectIOException([&] { readBinary(bytes, read); });
+    const test::Printed printed =
+        test::expectIOException([&] { test::readBinary(bytes, read); });
     EXPECT_EQ(printed.err, message);
     EXPECT_EQ(printed.out, "");
   }
@@ -387,13 +369,14 @@ TEST(BinaryCounterTest, FailuresAndTheirMessages) {
 TEST(BinaryStatsTest, RecordTakes34BytesAndCounts30) {
   StatsBucket bucket;
   bucket.InitialGap(-0.5);
-  const io_test::Written written = writeBinary(bucket);
-  EXPECT_EQ(written.bytes,
-            Bytes().text("SB", 2).f64(1.0).f64(-0.5).f64(-0.5).f64(-0.5).str());
+  const test::Written written = test::writeBinary(bucket);
+  EXPECT_EQ(
+      written.bytes,
+      test::Bytes().text("SB", 2).f64(1.0).f64(-0.5).f64(-0.5).f64(-0.5).str());
   EXPECT_EQ(written.count, 30);
   StatsBucket read;
   long consumed = 0;
-  EXPECT_EQ(readBinary(written.bytes, read, &consumed), 30);
+  EXPECT_EQ(test::readBinary(written.bytes, read, &consumed), 30);
   EXPECT_EQ(consumed, 34);
   EXPECT_EQ(read.GetSumOfGaps(), -0.5);
 }
@@ -401,8 +384,8 @@ TEST(BinaryStatsTest, RecordTakes34BytesAndCounts30) {
 TEST(BinarySettingsTest, RecordStoresLevelCountBeforeHigherLevelSize) {
   SeqDictionarySettings settings;
   settings.reserved = 77;
-  const io_test::Written written = writeBinary(settings);
-  Bytes expected;
+  const test::Written written = test::writeBinary(settings);
+  test::Bytes expected;
   expected.text("DS", 2);
   for (int v : {2, 11519, 23039, 23039, 23039, 23039, 11519, 11519, 10, 89}) {
     expected.i32(v);
@@ -410,15 +393,16 @@ TEST(BinarySettingsTest, RecordStoresLevelCountBeforeHigherLevelSize) {
   EXPECT_EQ(written.bytes, expected.str());
   EXPECT_EQ(written.count, 42);
 
-  SeqDictionarySettings read = smallSettings(3);
-  EXPECT_EQ(readBinary(written.bytes, read), 42);
-  io_test::expectSameSettings(read, SeqDictionarySettings());
+  SeqDictionarySettings read = test::smallSettings(3);
+  EXPECT_EQ(test::readBinary(written.bytes, read), 42);
+  test::expectSameSettings(read, SeqDictionarySettings());
 }
 
 TEST(BinarySettingsTest, WrongTagFails) {
   SeqDictionarySettings read;
-  const Printed printed = expectIOException(
-      [&] { readBinary(Bytes().text("SD", 2).i32(2).str(), read); });
+  const test::Printed printed = test::expectIOException([&] {
+    test::readBinary(test::Bytes().text("SD", 2).i32(2).str(), read);
+  });
   EXPECT_EQ(printed.err, "Error reading SeqDictionarySettings!\n");
 }
 
@@ -427,27 +411,27 @@ TEST(BinaryTableTest, EmptyOrNegativeEntryCountConsumesSixBytes) {
     HashtableSQPair table(5);
     long consumed = 0;
     const std::string bytes =
-        Bytes().text("HT", 2).i32(entries).text("NT:\0", 4).str();
-    EXPECT_EQ(readBinary(bytes, table, &consumed), 6);
+        test::Bytes().text("HT", 2).i32(entries).text("NT:\0", 4).str();
+    EXPECT_EQ(test::readBinary(bytes, table, &consumed), 6);
     EXPECT_EQ(consumed, 6);
     EXPECT_EQ(table.getCount(), 0);
   }
 }
 
 TEST(BinaryTableTest, EntriesAreAddedAndLaterDuplicatesReplace) {
-  PatternArrays first(Sets{{5}});
+  test::PatternArrays first(test::Sets{{5}});
   HashtableSQPair table(5);
   table.put(new NTSequence(first.sets(), first.nSets()),
             new SequenceCounter(0, 1, nullptr));
-  Bytes record;
+  test::Bytes record;
   record.text("HT", 2).i32(3);
   for (int item : {6, 7, 6}) {
     record.text("NT:\0", 4).i64(1).i32(1).i32(item).i32(1);
     record.text("SD\0", 3).i32(item * 10).i32(0).i32(0).i32(0).i32(0);
   }
-  EXPECT_EQ(readBinary(record.str(), table), 6 + 3 * (20 + 23));
+  EXPECT_EQ(test::readBinary(record.str(), table), 6 + 3 * (20 + 23));
   EXPECT_EQ(table.getCount(), 3);
-  PatternArrays six(Sets{{6}});
+  test::PatternArrays six(test::Sets{{6}});
   NTSequence key(six.sets(), six.nSets());
   ASSERT_NE(table.get(&key), nullptr);
   EXPECT_EQ(table.get(&key)->value->getCount(), 60);
@@ -455,36 +439,37 @@ TEST(BinaryTableTest, EntriesAreAddedAndLaterDuplicatesReplace) {
 
 TEST(BinaryTableTest, WrongTagFails) {
   HashtableSQPair table(5);
-  const Printed printed = expectIOException(
-      [&] { readBinary(Bytes().text("TH", 2).i32(0).str(), table); });
+  const test::Printed printed = test::expectIOException([&] {
+    test::readBinary(test::Bytes().text("TH", 2).i32(0).str(), table);
+  });
   EXPECT_EQ(printed.err, "Error reading HashtableSQPair!\n");
 }
 
 TEST(BinaryTableTest, RecordFollowsIterationOrder) {
   HashtableSQPair table(11);
   for (int item : {1, 12, 3}) {
-    PatternArrays arrays(Sets{{item}});
+    test::PatternArrays arrays(test::Sets{{item}});
     table.put(new NTSequence(arrays.sets(), arrays.nSets()),
               new SequenceCounter(item, item, nullptr));
   }
   // Bucket 1 holds 12, then 1 (the head was inserted last); bucket 3 holds 3.
-  Bytes expected;
+  test::Bytes expected;
   expected.text("HT", 2).i32(3);
   for (int item : {12, 1, 3}) {
     expected.text("NT:\0", 4).i64(1).i32(1).i32(item).i32(1);
     expected.append(counterRecord(item, item, 0, 0).i32(0));
   }
-  const io_test::Written written = writeBinary(table);
+  const test::Written written = test::writeBinary(table);
   EXPECT_EQ(written.bytes, expected.str());
   EXPECT_EQ(written.count, 6 + 3 * (20 + 23));
 }
 
 TEST(BinaryTableTest, EntryWithoutCounterIsSavedAsZeroCounter) {
   HashtableSQPair table(3);
-  PatternArrays arrays(Sets{{2}});
+  test::PatternArrays arrays(test::Sets{{2}});
   table.put(new NTSequence(arrays.sets(), arrays.nSets()), nullptr);
-  const io_test::Written written = writeBinary(table);
-  EXPECT_EQ(written.bytes, Bytes()
+  const test::Written written = test::writeBinary(table);
+  EXPECT_EQ(written.bytes, test::Bytes()
                                .text("HT", 2)
                                .i32(1)
                                .text("NT:\0", 4)
@@ -497,3 +482,5 @@ TEST(BinaryTableTest, EntryWithoutCounterIsSavedAsZeroCounter) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -13,30 +13,14 @@
 #include "seqlattice/io/io_test_util.h"
 #include "seqlattice/pattern/packedsequence.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using dictionary_test::addPattern;
-using dictionary_test::counterOf;
-using io_test::Bytes;
-using io_test::expectIOException;
-using io_test::Outcome;
-using io_test::Printed;
-using io_test::readBinary;
-using io_test::readXML;
-using io_test::ScratchFile;
-using io_test::smallSettings;
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::PackedSequence;
-using SEQUENCE_NAMESPACE_800::SeqDictionarySettings;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
+namespace {
 
 // A pattern record of one set holding `count` items 1, 2, ... (or none when
 // the count is negative).
-Bytes patternRecord(const char* tag, int count) {
-  Bytes bytes;
+test::Bytes patternRecord(const char* tag, int count) {
+  test::Bytes bytes;
   bytes.text(tag, 4).i64(1).i32(count);
   for (int i = 0; i < count; ++i) bytes.i32(i + 1);
   return bytes.i32(1);
@@ -45,22 +29,23 @@ Bytes patternRecord(const char* tag, int count) {
 TEST(CorruptPatternTest, ItemCountsOutsideWhatAPatternHoldsFail) {
   for (int count : {32, 1000, -1}) {
     NTSequence read;
-    const Printed printed = expectIOException(
-        [&] { readBinary(patternRecord("NT:\0", count).str(), read); });
+    const test::Printed printed = test::expectIOException(
+        [&] { test::readBinary(patternRecord("NT:\0", count).str(), read); });
     EXPECT_EQ(printed.err, "Failure reading NTSequence!\n") << count;
   }
   NTSequence longest;
-  EXPECT_EQ(readBinary(patternRecord("NT:\0", 31).str(), longest), 16 + 4 * 31);
+  EXPECT_EQ(test::readBinary(patternRecord("NT:\0", 31).str(), longest),
+            16 + 4 * 31);
   EXPECT_EQ(longest.size(), 31);
 }
 
 TEST(CorruptPatternTest, TimedPatternCountsOutsideWhatAPatternHoldsFail) {
-  const Bytes tooManySets =
-      Bytes().text("PS:\0", 4).i64(1).i32(1).i32(4).i32(32);
-  for (const Bytes& bytes : {patternRecord("PS:\0", 32), tooManySets}) {
+  const test::Bytes tooManySets =
+      test::Bytes().text("PS:\0", 4).i64(1).i32(1).i32(4).i32(32);
+  for (const test::Bytes& bytes : {patternRecord("PS:\0", 32), tooManySets}) {
     PackedSequence read;
-    const Printed printed =
-        expectIOException([&] { readBinary(bytes.str(), read); });
+    const test::Printed printed =
+        test::expectIOException([&] { test::readBinary(bytes.str(), read); });
     EXPECT_EQ(printed.out, "Failure reading PackedSequence!\n");
   }
 }
@@ -70,14 +55,14 @@ TEST(CorruptPatternTest, XMLItemCountsOutsideWhatAPatternHoldsFail) {
     std::ostringstream text;
     text << "<NTSequence>\n<long>1</long>\n<int>" << count << "</int>\n";
     NTSequence read;
-    const Printed printed =
-        expectIOException([&] { readXML(text.str(), read); });
+    const test::Printed printed =
+        test::expectIOException([&] { test::readXML(text.str(), read); });
     EXPECT_EQ(printed.err, "Failure reading NTSequence!\n") << count;
   }
 }
 
 TEST(CorruptCounterTest, MorePairsThanTheStreamHoldsFail) {
-  const std::string bytes = Bytes()
+  const std::string bytes = test::Bytes()
                                 .text("SD\0", 3)
                                 .i32(1)
                                 .i32(0)
@@ -87,7 +72,8 @@ TEST(CorruptCounterTest, MorePairsThanTheStreamHoldsFail) {
                                 .i32(1)
                                 .str();
   SequenceCounter read(0, 0, nullptr);
-  const Printed printed = expectIOException([&] { readBinary(bytes, read); });
+  const test::Printed printed =
+      test::expectIOException([&] { test::readBinary(bytes, read); });
   EXPECT_EQ(printed.err, "Error reading Sequence!\n");
   EXPECT_EQ(read.getAdjacentItems(), nullptr);
 }
@@ -96,20 +82,23 @@ TEST(CorruptTableTest, MoreEntriesThanTheStreamHoldsFail) {
   // Two entries need 86 bytes; 85 follow the count.
   const std::string entry =
       patternRecord("NT:\0", 0)
-          .append(Bytes().text("SD\0", 3).i32(1).i32(0).i32(0).i32(0).i32(0))
+          .append(
+              test::Bytes().text("SD\0", 3).i32(1).i32(0).i32(0).i32(0).i32(0))
           .str();
   ASSERT_EQ(entry.size(), 43u);
-  const std::string bytes = Bytes().text("HT", 2).i32(2).str() + entry +
+  const std::string bytes = test::Bytes().text("HT", 2).i32(2).str() + entry +
                             entry.substr(0, entry.size() - 1);
   HashtableSQPair table(3);
-  const Printed printed = expectIOException([&] { readBinary(bytes, table); });
+  const test::Printed printed =
+      test::expectIOException([&] { test::readBinary(bytes, table); });
   EXPECT_EQ(printed.err, "Error reading HashtableSQPair!\n");
   EXPECT_EQ(table.getCount(), 0);
 
   HashtableSQPair xmlTable(3);
-  const Printed xmlPrinted = expectIOException([&] {
-    readXML("<HashtableSQPair>\n<int>2000000000</int>\n</HashtableSQPair>\n",
-            xmlTable);
+  const test::Printed xmlPrinted = test::expectIOException([&] {
+    test::readXML(
+        "<HashtableSQPair>\n<int>2000000000</int>\n</HashtableSQPair>\n",
+        xmlTable);
   });
   EXPECT_EQ(xmlPrinted.err, "Error reading HashtableSQPair!\n");
 }
@@ -118,7 +107,7 @@ TEST(CorruptTableTest, PatternOfANegativeItemIsNoCorruption) {
   // A one-item pattern hashes to its item; a negative item is still a
   // pattern that a table holds.
   const std::string bytes =
-      Bytes()
+      test::Bytes()
           .text("HT", 2)
           .i32(1)
           .text("NT:\0", 4)
@@ -126,10 +115,11 @@ TEST(CorruptTableTest, PatternOfANegativeItemIsNoCorruption) {
           .i32(1)
           .i32(-3)
           .i32(1)
-          .append(Bytes().text("SD\0", 3).i32(1).i32(0).i32(0).i32(0).i32(0))
+          .append(
+              test::Bytes().text("SD\0", 3).i32(1).i32(0).i32(0).i32(0).i32(0))
           .str();
   HashtableSQPair table(3);
-  EXPECT_EQ(readBinary(bytes, table), 6 + 20 + 23);
+  EXPECT_EQ(test::readBinary(bytes, table), 6 + 20 + 23);
   EXPECT_EQ(table.getCount(), 1);
   int item[] = {1, -3};
   const NTSequence key(item);
@@ -139,7 +129,7 @@ TEST(CorruptTableTest, PatternOfANegativeItemIsNoCorruption) {
 }
 
 SeqDictionarySettings withSize(int level, int size, int levels) {
-  SeqDictionarySettings s = smallSettings(levels);
+  SeqDictionarySettings s = test::smallSettings(levels);
   int* sizes[] = {&s.level0Size, &s.level1Size, &s.level2Size,
                   &s.level3Size, &s.level4Size, &s.level5Size,
                   &s.level6Size, &s.level7Size, &s.higherLevelSize};
@@ -149,21 +139,23 @@ SeqDictionarySettings withSize(int level, int size, int levels) {
 
 TEST(CorruptSettingsTest, SettingsWithoutBuildableTablesFail) {
   const SeqDictionarySettings bad[] = {
-      smallSettings(0),        smallSettings(-3),  smallSettings(65),
-      withSize(0, 0, 4),       withSize(3, -1, 4), withSize(9, 0, 10),
+      test::smallSettings(0),  test::smallSettings(-3), test::smallSettings(65),
+      withSize(0, 0, 4),       withSize(3, -1, 4),      withSize(9, 0, 10),
       withSize(2, 1 << 21, 4),
   };
   for (const SeqDictionarySettings& settings : bad) {
-    Bytes bytes;
-    io_test::appendSettings(bytes, settings);
+    test::Bytes bytes;
+    test::appendSettings(bytes, settings);
     SeqDictionarySettings read;
-    Printed printed = expectIOException([&] { readBinary(bytes.str(), read); });
+    test::Printed printed =
+        test::expectIOException([&] { test::readBinary(bytes.str(), read); });
     EXPECT_EQ(printed.err, "Error reading SeqDictionarySettings!\n");
 
     std::ostringstream text;
     settings.writeObjectXML(text);
     SeqDictionarySettings readXMLSettings;
-    printed = expectIOException([&] { readXML(text.str(), readXMLSettings); });
+    printed = test::expectIOException(
+        [&] { test::readXML(text.str(), readXMLSettings); });
     EXPECT_EQ(printed.err, "");
     EXPECT_EQ(printed.out, "");
   }
@@ -171,40 +163,41 @@ TEST(CorruptSettingsTest, SettingsWithoutBuildableTablesFail) {
 
 TEST(CorruptSettingsTest, SizesOfLevelsNotInUseAreNotChecked) {
   const SeqDictionarySettings fine[] = {withSize(5, 0, 3), withSize(8, -7, 8),
-                                        smallSettings(64)};
+                                        test::smallSettings(64)};
   for (const SeqDictionarySettings& settings : fine) {
-    Bytes bytes;
-    io_test::appendSettings(bytes, settings);
+    test::Bytes bytes;
+    test::appendSettings(bytes, settings);
     SeqDictionarySettings read;
-    EXPECT_EQ(readBinary(bytes.str(), read), 42);
-    io_test::expectSameSettings(read, settings);
+    EXPECT_EQ(test::readBinary(bytes.str(), read), 42);
+    test::expectSameSettings(read, settings);
   }
 }
 
 TEST(CorruptSettingsTest, LargeTablesNeedAFileToMatch) {
   // 1,048,576 buckets and one more per byte of the rest of the file.
   SeqDictionarySettings settings = withSize(1, (1 << 20) - 2 + 100, 2);
-  Bytes bytes;
-  io_test::appendSettings(bytes, settings);
+  test::Bytes bytes;
+  test::appendSettings(bytes, settings);
   SeqDictionarySettings read;
-  expectIOException(
-      [&] { readBinary(bytes.str() + std::string(99, 'x'), read); });
-  EXPECT_EQ(readBinary(bytes.str() + std::string(100, 'x'), read), 42);
+  test::expectIOException(
+      [&] { test::readBinary(bytes.str() + std::string(99, 'x'), read); });
+  EXPECT_EQ(test::readBinary(bytes.str() + std::string(100, 'x'), read), 42);
 }
 
 // A small dictionary of a few hundred bytes: three levels, adjacency sets,
 // one counter with statistics.
 std::unique_ptr<SequenceDictionary> sweepDictionary() {
-  auto dictionary = std::make_unique<SequenceDictionary>(smallSettings(3));
+  auto dictionary =
+      std::make_unique<SequenceDictionary>(test::smallSettings(3));
   for (int i = 0; i < 4; ++i) dictionary->incrementCount(nullptr, 0);
-  addPattern(*dictionary, {{1}}, 4, 1);
-  addPattern(*dictionary, {{2}}, 3, 2);
-  addPattern(*dictionary, {{1}, {2}}, 3, 3, 1);
-  counterOf(*dictionary, {{1}})->addAdjacentItem(2, 1);
-  counterOf(*dictionary, {{1}})->addAdjacentItem(2, 0);
+  test::addPattern(*dictionary, {{1}}, 4, 1);
+  test::addPattern(*dictionary, {{2}}, 3, 2);
+  test::addPattern(*dictionary, {{1}, {2}}, 3, 3, 1);
+  test::counterOf(*dictionary, {{1}})->addAdjacentItem(2, 1);
+  test::counterOf(*dictionary, {{1}})->addAdjacentItem(2, 0);
   auto* bucket = new StatsBucket();
   bucket->InitialGap(1.5);
-  counterOf(*dictionary, {{1}, {2}})->setStatsBucket(bucket);
+  test::counterOf(*dictionary, {{1}, {2}})->setStatsBucket(bucket);
   dictionary->setSlidingWindow(10.0);
   dictionary->setMaxGap(3.0);
   return dictionary;
@@ -213,7 +206,7 @@ std::unique_ptr<SequenceDictionary> sweepDictionary() {
 // Saves a loaded dictionary in both formats, to nowhere: what was loaded
 // must be writable too.
 void saveToNowhere(const SequenceDictionary& dictionary) {
-  io_test::NullBuffer nothing;
+  test::NullBuffer nothing;
   std::ostream xml(&nothing);
   dictionary.writeObjectXML(xml);
   std::fstream binary;  // never opened: every write fails quietly
@@ -224,35 +217,35 @@ struct Tally {
   int loaded = 0;
   int zero = 0;
   int failed = 0;
-  void add(Outcome outcome) {
-    if (outcome == Outcome::kLoaded) ++loaded;
-    if (outcome == Outcome::kZero) ++zero;
-    if (outcome == Outcome::kIOException) ++failed;
+  void add(test::Outcome outcome) {
+    if (outcome == test::Outcome::kLoaded) ++loaded;
+    if (outcome == test::Outcome::kZero) ++zero;
+    if (outcome == test::Outcome::kIOException) ++failed;
   }
 };
 
 // Loads a binary file from its start into a new dictionary, which is then
 // destroyed.
-Outcome loadAndDrop(std::fstream& in) {
+test::Outcome loadAndDrop(std::fstream& in) {
   in.clear();
   in.seekg(0);
   auto dictionary = std::make_unique<SequenceDictionary>();
   try {
     dictionary->readObject(in);
-  } catch (io_test::IOException* e) {
+  } catch (SeqExceptions::IOException* e) {
     delete e;
-    return Outcome::kIOException;
+    return test::Outcome::kIOException;
   }
-  return Outcome::kLoaded;
+  return test::Outcome::kLoaded;
 }
 
 TEST(CorruptBinarySweepTest, EveryTruncationEndsCleanly) {
-  const std::string bytes = io_test::saveBinary(*sweepDictionary());
+  const std::string bytes = test::saveBinary(*sweepDictionary());
   ASSERT_GT(bytes.size(), 200u);
   ASSERT_LT(bytes.size(), 400u);
-  io_test::QuietStreams quiet;
+  test::QuietStreams quiet;
   Tally tally;
-  ScratchFile file;
+  test::ScratchFile file;
   for (std::size_t length = 0; length < bytes.size(); ++length) {
     file.write(bytes.substr(0, length));
     std::fstream in = file.openBinary(false);
@@ -265,10 +258,10 @@ TEST(CorruptBinarySweepTest, EveryTruncationEndsCleanly) {
 }
 
 TEST(CorruptBinarySweepTest, EverySingleByteChangeEndsCleanly) {
-  const std::string bytes = io_test::saveBinary(*sweepDictionary());
-  io_test::QuietStreams quiet;
+  const std::string bytes = test::saveBinary(*sweepDictionary());
+  test::QuietStreams quiet;
   Tally tally;
-  ScratchFile file;
+  test::ScratchFile file;
   file.write(bytes);
   std::fstream stream = file.openBinary(false);
   for (std::size_t at = 0; at < bytes.size(); ++at) {
@@ -287,21 +280,21 @@ TEST(CorruptBinarySweepTest, EverySingleByteChangeEndsCleanly) {
   EXPECT_EQ(tally.loaded + tally.failed, 255 * static_cast<int>(bytes.size()));
   EXPECT_GT(tally.loaded, 0);
   EXPECT_GT(tally.failed, 0);
-  EXPECT_EQ(loadAndDrop(stream), Outcome::kLoaded);
+  EXPECT_EQ(loadAndDrop(stream), test::Outcome::kLoaded);
 }
 
-Outcome loadXMLAndDrop(const ScratchFile& file) {
+test::Outcome loadXMLAndDrop(const test::ScratchFile& file) {
   auto dictionary = std::make_unique<SequenceDictionary>();
-  const Outcome outcome = io_test::loadXML(file, *dictionary);
-  if (outcome == Outcome::kLoaded) saveToNowhere(*dictionary);
+  const test::Outcome outcome = test::loadXML(file, *dictionary);
+  if (outcome == test::Outcome::kLoaded) saveToNowhere(*dictionary);
   return outcome;
 }
 
 TEST(CorruptXMLSweepTest, SampledTruncationsAndChangesEndCleanly) {
-  const std::string text = io_test::saveXML(*sweepDictionary());
-  io_test::QuietStreams quiet;
+  const std::string text = test::saveXML(*sweepDictionary());
+  test::QuietStreams quiet;
   std::mt19937 random(20261122);
-  ScratchFile file;
+  test::ScratchFile file;
   Tally tally;
   std::uniform_int_distribution<std::size_t> position(0, text.size() - 1);
   for (int i = 0; i < 300; ++i) {
@@ -327,16 +320,18 @@ TEST(CorruptXMLSweepTest, SampledTruncationsAndChangesEndCleanly) {
 }
 
 TEST(CorruptLoadTest, FailedLoadsLeaveDestroyableDictionaries) {
-  const std::string bytes = io_test::saveBinary(*sweepDictionary());
-  io_test::QuietStreams quiet;
-  ScratchFile file;
+  const std::string bytes = test::saveBinary(*sweepDictionary());
+  test::QuietStreams quiet;
+  test::ScratchFile file;
   // Cut in the tag, the settings, the level-0 table, a later table.
   for (std::size_t length : {1u, 20u, 60u, 150u}) {
     file.write(bytes.substr(0, length));
     auto* dictionary = new SequenceDictionary();
-    EXPECT_EQ(io_test::loadBinary(file, *dictionary), Outcome::kIOException);
+    EXPECT_EQ(test::loadBinary(file, *dictionary), test::Outcome::kIOException);
     delete dictionary;
   }
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -25,16 +25,8 @@
 #include "seqlattice/store/statsbucket.h"
 #include "seqlattice/support/seqexceptions.h"
 
-namespace io_test {
-
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::ISQCPair;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::SeqDictionarySettings;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
-using IOException = SEQUENCE_NAMESPACE_800::SeqExceptions::IOException;
+namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
 
 // Builds binary records byte by byte, in host order.
 class Bytes {
@@ -154,7 +146,7 @@ Printed expectIOException(Action action) {
   Printed printed = capturePrinted([&] {
     try {
       action();
-    } catch (IOException* e) {
+    } catch (SeqExceptions::IOException* e) {
       thrown = true;
       delete e;
     }
@@ -251,7 +243,7 @@ inline Outcome loadBinary(const ScratchFile& file,
   try {
     dictionary.readObject(in);
     return Outcome::kLoaded;
-  } catch (IOException* e) {
+  } catch (SeqExceptions::IOException* e) {
     delete e;
     return Outcome::kIOException;
   }
@@ -265,7 +257,7 @@ inline Outcome loadXML(const ScratchFile& file, SequenceDictionary& dictionary,
                           ? dictionary.readObjectXML(in)
                           : dictionary.readObjectXML(in, version);
     return read == 0 ? Outcome::kZero : Outcome::kLoaded;
-  } catch (IOException* e) {
+  } catch (SeqExceptions::IOException* e) {
     delete e;
     return Outcome::kIOException;
   }
@@ -386,6 +378,7 @@ inline void expectLoadedAs(const SequenceDictionary& saved,
   }
 }
 
-}  // namespace io_test
+}  // namespace test
+}  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_IO_IO_TEST_UTIL_H_

@@ -12,14 +12,9 @@
 #include "seqlattice/dictionary/dictionary_test_util.h"
 #include "seqlattice/io/io_test_util.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using dictionary_test::Sets;
-using io_test::Outcome;
-using io_test::ScratchFile;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
+namespace {
 
 class RandomDictionary {
  public:
@@ -30,14 +25,13 @@ class RandomDictionary {
   std::unique_ptr<SequenceDictionary> make() {
     const int levels = 2 + below(6);
     auto dictionary =
-        std::make_unique<SequenceDictionary>(io_test::smallSettings(levels));
+        std::make_unique<SequenceDictionary>(test::smallSettings(levels));
     for (int i = below(50); i > 0; --i) dictionary->incrementCount(nullptr, 0);
     for (int size = 1; size < levels; ++size) {
       for (int i = 1 + below(40); i > 0; --i) {
-        const Sets sets = pattern(size);
-        dictionary_test::addPattern(*dictionary, sets, number(), number(),
-                                    number());
-        decorate(*dictionary_test::counterOf(*dictionary, sets));
+        const test::Sets sets = pattern(size);
+        test::addPattern(*dictionary, sets, number(), number(), number());
+        decorate(*test::counterOf(*dictionary, sets));
       }
     }
     dictionary->setSlidingWindow(real());
@@ -52,8 +46,8 @@ class RandomDictionary {
   // Sets of ascending, distinct items from -10 to 29, `size` items in all.
   // Items are the host's signed codes: a one-item pattern of a negative item
   // has a negative hash code, which the tables take like any other.
-  Sets pattern(int size) {
-    Sets sets;
+  test::Sets pattern(int size) {
+    test::Sets sets;
     while (size > 0) {
       const int n = 1 + below(std::min(size, 4));
       std::vector<int> set;
@@ -123,66 +117,68 @@ void expectRoundTrips(Save save, Load load) {
     SCOPED_TRACE(seed);
     const std::unique_ptr<SequenceDictionary> saved =
         RandomDictionary(seed).make();
-    ScratchFile file;
+    test::ScratchFile file;
     file.write(save(*saved));
     SequenceDictionary loaded;
-    ASSERT_EQ(load(file, loaded), Outcome::kLoaded);
-    io_test::expectLoadedAs(*saved, loaded, saved->getNLevels());
+    ASSERT_EQ(load(file, loaded), test::Outcome::kLoaded);
+    test::expectLoadedAs(*saved, loaded, saved->getNLevels());
   }
 }
 
 TEST(RoundTripTest, RandomDictionariesInTheBinaryFormat) {
-  expectRoundTrips(io_test::saveBinary, io_test::loadBinary);
+  expectRoundTrips(test::saveBinary, test::loadBinary);
 }
 
 TEST(RoundTripTest, RandomDictionariesInTheXMLFormat) {
-  expectRoundTrips(io_test::saveXML,
-                   [](const ScratchFile& file, SequenceDictionary& dictionary) {
-                     return io_test::loadXML(file, dictionary);
-                   });
+  expectRoundTrips(test::saveXML, [](const test::ScratchFile& file,
+                                     SequenceDictionary& dictionary) {
+    return test::loadXML(file, dictionary);
+  });
 }
 
 // Patterns whose hash codes are negative: the one-item pattern of a negative
 // item hashes to the item itself, INT_MIN included.
 std::unique_ptr<SequenceDictionary> negativeItemDictionary() {
   auto dictionary =
-      std::make_unique<SequenceDictionary>(io_test::smallSettings(3));
-  dictionary_test::addPattern(*dictionary, {{-3}}, 4);
-  dictionary_test::addPattern(*dictionary, {{INT_MIN}}, 2);
-  dictionary_test::addPattern(*dictionary, {{7}}, 3);
-  dictionary_test::addPattern(*dictionary, {{-3}, {7}}, 2);
-  dictionary_test::addPattern(*dictionary, {{INT_MIN, -3}}, 1);
+      std::make_unique<SequenceDictionary>(test::smallSettings(3));
+  test::addPattern(*dictionary, {{-3}}, 4);
+  test::addPattern(*dictionary, {{INT_MIN}}, 2);
+  test::addPattern(*dictionary, {{7}}, 3);
+  test::addPattern(*dictionary, {{-3}, {7}}, 2);
+  test::addPattern(*dictionary, {{INT_MIN, -3}}, 1);
   return dictionary;
 }
 
 TEST(RoundTripTest, PatternsOfNegativeItemsComeBackInBothFormats) {
   const std::unique_ptr<SequenceDictionary> saved = negativeItemDictionary();
-  ScratchFile file;
-  file.write(io_test::saveBinary(*saved));
+  test::ScratchFile file;
+  file.write(test::saveBinary(*saved));
   SequenceDictionary fromBinary;
-  ASSERT_EQ(io_test::loadBinary(file, fromBinary), Outcome::kLoaded);
-  io_test::expectLoadedAs(*saved, fromBinary, 3);
-  ASSERT_NE(dictionary_test::counterOf(fromBinary, {{INT_MIN}}), nullptr);
-  EXPECT_EQ(dictionary_test::counterOf(fromBinary, {{INT_MIN}})->getCount(), 2);
+  ASSERT_EQ(test::loadBinary(file, fromBinary), test::Outcome::kLoaded);
+  test::expectLoadedAs(*saved, fromBinary, 3);
+  ASSERT_NE(test::counterOf(fromBinary, {{INT_MIN}}), nullptr);
+  EXPECT_EQ(test::counterOf(fromBinary, {{INT_MIN}})->getCount(), 2);
 
-  file.write(io_test::saveXML(*saved));
+  file.write(test::saveXML(*saved));
   SequenceDictionary fromXML;
-  ASSERT_EQ(io_test::loadXML(file, fromXML), Outcome::kLoaded);
-  io_test::expectLoadedAs(*saved, fromXML, 3);
-  ASSERT_NE(dictionary_test::counterOf(fromXML, {{-3}}), nullptr);
-  EXPECT_EQ(dictionary_test::counterOf(fromXML, {{-3}})->getCount(), 4);
+  ASSERT_EQ(test::loadXML(file, fromXML), test::Outcome::kLoaded);
+  test::expectLoadedAs(*saved, fromXML, 3);
+  ASSERT_NE(test::counterOf(fromXML, {{-3}}), nullptr);
+  EXPECT_EQ(test::counterOf(fromXML, {{-3}})->getCount(), 4);
 }
 
 TEST(RoundTripTest, ASecondLoadGivesTheSameDictionaryAgain) {
   const std::unique_ptr<SequenceDictionary> saved = RandomDictionary(99).make();
-  ScratchFile file;
-  file.write(io_test::saveBinary(*saved));
+  test::ScratchFile file;
+  file.write(test::saveBinary(*saved));
   SequenceDictionary once;
-  ASSERT_EQ(io_test::loadBinary(file, once), Outcome::kLoaded);
-  file.write(io_test::saveXML(once));
+  ASSERT_EQ(test::loadBinary(file, once), test::Outcome::kLoaded);
+  file.write(test::saveXML(once));
   SequenceDictionary twice;
-  ASSERT_EQ(io_test::loadXML(file, twice), Outcome::kLoaded);
-  io_test::expectLoadedAs(once, twice, once.getNLevels());
+  ASSERT_EQ(test::loadXML(file, twice), test::Outcome::kLoaded);
+  test::expectLoadedAs(once, twice, once.getNLevels());
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -9,23 +9,9 @@
 #include "seqlattice/io/io_test_util.h"
 #include "seqlattice/pattern/packedsequence.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using dictionary_test::addPattern;
-using dictionary_test::counterOf;
-using dictionary_test::PatternArrays;
-using dictionary_test::Sets;
-using io_test::expectIOException;
-using io_test::Printed;
-using io_test::readXML;
-using io_test::smallSettings;
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::PackedSequence;
-using SEQUENCE_NAMESPACE_800::SeqDictionarySettings;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
+namespace {
 
 // Builds the expected text of an element: tags indented by 2 (depth - 1),
 // values by 2 depth.
@@ -73,20 +59,20 @@ int occurrences(const std::string& text, const std::string& part) {
 }
 
 TEST(XMLPatternTest, ElementHoldsWordCountItemsAndSets) {
-  PatternArrays arrays({{4}, {7, 9}});
+  test::PatternArrays arrays({{4}, {7, 9}});
   const NTSequence pattern(arrays.sets(), arrays.nSets());
   const auto [text, count] = writeXML(pattern);
   EXPECT_EQ(text, Element("NTSequence", 4).l(5).i(3).i(4).i(7).i(9).i(2).end());
   EXPECT_EQ(count, 3 + 5);
 
   NTSequence read;
-  EXPECT_EQ(readXML(text, read), 3 + 5);
+  EXPECT_EQ(test::readXML(text, read), 3 + 5);
   EXPECT_TRUE(read == pattern);
   EXPECT_EQ(read.getNSets(), 2);
 }
 
 TEST(XMLPatternTest, TimedPatternTruncatesTimesTowardZero) {
-  PatternArrays arrays(Sets{{6}});
+  test::PatternArrays arrays(test::Sets{{6}});
   const double start[] = {2.75};
   const double end[] = {-1.5};
   const PackedSequence pattern(arrays.sets(), start, end, 1);
@@ -96,22 +82,22 @@ TEST(XMLPatternTest, TimedPatternTruncatesTimesTowardZero) {
   EXPECT_EQ(count, 1 + 2 + 5);
 
   PackedSequence read;
-  EXPECT_EQ(readXML(text, read), 1 + 2 + 5);
+  EXPECT_EQ(test::readXML(text, read), 1 + 2 + 5);
   EXPECT_TRUE(read == pattern);
   EXPECT_EQ(read.getTimeForSet(0), std::make_pair(2.0, -1.0));
 }
 
 TEST(XMLPatternTest, FailuresGoToTheirStreams) {
   NTSequence pattern;
-  Printed printed = expectIOException([&] {
-    readXML(Element("PackedSequence", 4).l(0).i(0).i(0).end(), pattern);
+  test::Printed printed = test::expectIOException([&] {
+    test::readXML(Element("PackedSequence", 4).l(0).i(0).i(0).end(), pattern);
   });
   EXPECT_EQ(printed.err, "Failure reading NTSequence!\n");
   EXPECT_EQ(printed.out, "");
 
   PackedSequence timed;
-  printed = expectIOException([&] {
-    readXML(Element("PackedSequence", 4).l(0).i(0).l(0).end(), timed);
+  printed = test::expectIOException([&] {
+    test::readXML(Element("PackedSequence", 4).l(0).i(0).l(0).end(), timed);
   });
   EXPECT_EQ(printed.out, "Failure reading PackedSequence!\n");
   EXPECT_EQ(printed.err, "");
@@ -144,8 +130,8 @@ TEST(XMLCounterTest, ElementHoldsNumbersPairsAndNestedStatistics) {
   EXPECT_EQ(count, 7 + 4 + 6);
 
   SequenceCounter read(0, 0, nullptr);
-  EXPECT_EQ(readXML(text, read), 7 + 4 + 6);
-  EXPECT_EQ(io_test::describe(&read), io_test::describe(&counter));
+  EXPECT_EQ(test::readXML(text, read), 7 + 4 + 6);
+  EXPECT_EQ(test::describe(&read), test::describe(&counter));
 }
 
 TEST(XMLCounterTest, EmptyAdjacencySetIsWrittenAsNoPairsAndReadAsNone) {
@@ -157,7 +143,7 @@ TEST(XMLCounterTest, EmptyAdjacencySetIsWrittenAsNoPairsAndReadAsNone) {
   EXPECT_EQ(count, 7);
 
   SequenceCounter read(0, 0, nullptr);
-  EXPECT_EQ(readXML(text, read), 7);
+  EXPECT_EQ(test::readXML(text, read), 7);
   EXPECT_EQ(read.getAdjacentItems(), nullptr);
   EXPECT_EQ(read.getStatsBucket(), nullptr);
 }
@@ -183,14 +169,15 @@ TEST(XMLCounterTest, FailuresAndTheirMessages) {
   };
   for (const auto& [text, message] : cases) {
     SequenceCounter read(0, 0, nullptr);
-    const Printed printed = expectIOException([&] { readXML(text, read); });
+    const test::Printed printed =
+        test::expectIOException([&] { test::readXML(text, read); });
     EXPECT_EQ(printed.err, message) << text;
     EXPECT_EQ(printed.out, "");
   }
 }
 
 TEST(XMLSettingsTest, ElementHoldsTenValuesLevelCountFirst) {
-  const SeqDictionarySettings settings = smallSettings(4);
+  const SeqDictionarySettings settings = test::smallSettings(4);
   const auto [text, count] = writeXML(settings);
   EXPECT_EQ(text, Element("DictionarySettings", 2)
                       .i(2)
@@ -206,14 +193,15 @@ TEST(XMLSettingsTest, ElementHoldsTenValuesLevelCountFirst) {
                       .end());
   EXPECT_EQ(count, 12);
   SeqDictionarySettings read;
-  EXPECT_EQ(readXML(text, read), 12);
-  io_test::expectSameSettings(read, settings);
+  EXPECT_EQ(test::readXML(text, read), 12);
+  test::expectSameSettings(read, settings);
 }
 
 TEST(XMLSettingsTest, FailuresThrowWithoutMessage) {
   SeqDictionarySettings read;
-  const Printed printed = expectIOException(
-      [&] { readXML(Element("DictionarySettings", 2).i(2).end(), read); });
+  const test::Printed printed = test::expectIOException([&] {
+    test::readXML(Element("DictionarySettings", 2).i(2).end(), read);
+  });
   EXPECT_EQ(printed.out, "");
   EXPECT_EQ(printed.err, "");
 }
@@ -226,7 +214,8 @@ TEST(XMLTableTest, FailuresAreReportedForTheTable) {
   };
   for (const std::string& text : cases) {
     HashtableSQPair table(3);
-    const Printed printed = expectIOException([&] { readXML(text, table); });
+    const test::Printed printed =
+        test::expectIOException([&] { test::readXML(text, table); });
     EXPECT_EQ(printed.err, "Error reading HashtableSQPair!\n") << text;
   }
 }
@@ -234,7 +223,7 @@ TEST(XMLTableTest, FailuresAreReportedForTheTable) {
 TEST(XMLTableTest, EntriesFollowIterationOrder) {
   HashtableSQPair table(11);
   for (int item : {1, 12}) {
-    PatternArrays arrays(Sets{{item}});
+    test::PatternArrays arrays(test::Sets{{item}});
     table.put(new NTSequence(arrays.sets(), arrays.nSets()),
               new SequenceCounter(0, item, nullptr));
   }
@@ -249,15 +238,15 @@ TEST(XMLTableTest, EntriesFollowIterationOrder) {
   EXPECT_EQ(text, expected.end());
   EXPECT_EQ(count, 3 + 2 * (6 + 7));
   HashtableSQPair read(11);
-  EXPECT_EQ(readXML(text, read), 3 + 2 * (6 + 7));
+  EXPECT_EQ(test::readXML(text, read), 3 + 2 * (6 + 7));
   // Re-inserted in saved order, the two entries of one chain swap places.
-  EXPECT_EQ(io_test::keysOf(read), io_test::loadOrder(table, 11));
-  EXPECT_EQ(io_test::keysOf(read)[0], io_test::keysOf(table)[1]);
+  EXPECT_EQ(test::keysOf(read), test::loadOrder(table, 11));
+  EXPECT_EQ(test::keysOf(read)[0], test::keysOf(table)[1]);
 }
 
 // Doubles at the end of a dictionary element, as the writer formats them.
 SequenceDictionary* timedDictionary(int levels) {
-  auto* dictionary = new SequenceDictionary(smallSettings(levels));
+  auto* dictionary = new SequenceDictionary(test::smallSettings(levels));
   dictionary->setSlidingWindow(7.0);
   dictionary->setMinGap(1.0);
   dictionary->setMaxGap(9.5);
@@ -275,7 +264,7 @@ TEST(XMLDictionaryTest, OnlyLevelZeroInUseWritesOneTable) {
         Element("SequenceDictionary", 1)
             .i(0)
             .i(0)
-            .nest(writeXML(smallSettings(levels)).first)
+            .nest(writeXML(test::smallSettings(levels)).first)
             .nest(writeXML(*dictionary->getLevel(0)).first)
             .d("0")
             .d("7")
@@ -287,18 +276,18 @@ TEST(XMLDictionaryTest, OnlyLevelZeroInUseWritesOneTable) {
 }
 
 TEST(XMLDictionaryTest, LevelsUpToTheLargestInUseAreWritten) {
-  SequenceDictionary dictionary(smallSettings(6));
-  addPattern(dictionary, {{3}}, 4);
-  addPattern(dictionary, {{3, 5}}, 2);
+  SequenceDictionary dictionary(test::smallSettings(6));
+  test::addPattern(dictionary, {{3}}, 4);
+  test::addPattern(dictionary, {{3, 5}}, 2);
   // Level 4 is behind the empty level 3 and is not written.
-  addPattern(dictionary, {{1, 2, 3, 4}}, 1);
+  test::addPattern(dictionary, {{1, 2, 3, 4}}, 1);
   const auto [text, count] = writeXML(dictionary);
   EXPECT_EQ(occurrences(text, "<HashtableSQPair>"), 3);
   EXPECT_EQ(count, 8 + (3 + 12) + (3 + 6 + 7) + (3 + 7 + 7));
 
   SequenceDictionary loaded;
-  EXPECT_EQ(readXML(text, loaded), 12 + 3 + (15 + 16 + 17) + 4);
-  io_test::expectLoadedAs(dictionary, loaded, 3);
+  EXPECT_EQ(test::readXML(text, loaded), 12 + 3 + (15 + 16 + 17) + 4);
+  test::expectLoadedAs(dictionary, loaded, 3);
   EXPECT_EQ(loaded.getLevel(4)->getCount(), 0);
 }
 
@@ -317,7 +306,7 @@ TEST(XMLDictionaryTest, VersionOneZeroDocumentsLackTheMinimumSupport) {
   const std::string text = versionOneZeroText(2);
 
   SequenceDictionary loaded;
-  io_test::ScratchFile file;
+  test::ScratchFile file;
   file.write(text);
   {
     std::ifstream in = file.openText();
@@ -338,11 +327,11 @@ TEST(XMLDictionaryTest, VersionOneZeroDocumentsLackTheMinimumSupport) {
 
 TEST(XMLDictionaryTest, VersionOneZeroKeepsTheSupportHeldBefore) {
   const std::string text = versionOneZeroText(2);
-  SequenceDictionary loaded(smallSettings(2));
-  addPattern(loaded, {{1}}, 3);
+  SequenceDictionary loaded(test::smallSettings(2));
+  test::addPattern(loaded, {{1}}, 3);
   loaded.reduceAll(0.25);
   const double before = loaded.getMinSupport();
-  io_test::ScratchFile file;
+  test::ScratchFile file;
   file.write(text);
   std::ifstream in = file.openText();
   EXPECT_EQ(loaded.readObjectXML(in, "1.0"), 12 + 3 + 15 + 4);
@@ -353,8 +342,8 @@ TEST(XMLDictionaryTest, VersionOneZeroKeepsTheSupportHeldBefore) {
 void expectQuietZero(const std::string& text) {
   SequenceDictionary loaded;
   long count = -1;
-  const Printed printed =
-      io_test::capturePrinted([&] { count = readXML(text, loaded); });
+  const test::Printed printed =
+      test::capturePrinted([&] { count = test::readXML(text, loaded); });
   EXPECT_EQ(count, 0);
   EXPECT_EQ(printed.out, "");
   EXPECT_EQ(printed.err, "");
@@ -371,17 +360,17 @@ TEST(XMLDictionaryTest, LargestLevelBeyondTheSettingsYieldsZero) {
   const std::string text = Element("SequenceDictionary", 1)
                                .i(1)
                                .i(2)
-                               .nest(writeXML(smallSettings(2)).first)
+                               .nest(writeXML(test::smallSettings(2)).first)
                                .end();
   expectQuietZero(text);
 }
 
 TEST(XMLDictionaryTest, OnlyTheBadBitStopsASave) {
-  SequenceDictionary dictionary(smallSettings(2));
+  SequenceDictionary dictionary(test::smallSettings(2));
   std::ostringstream out;
   out.setstate(std::ios::badbit);
-  const Printed printed =
-      expectIOException([&] { dictionary.writeObjectXML(out); });
+  const test::Printed printed =
+      test::expectIOException([&] { dictionary.writeObjectXML(out); });
   EXPECT_EQ(printed.out, "Bad stream for saving SequenceDictionary to XML!\n");
   std::ostringstream failed;
   failed.setstate(std::ios::failbit);
@@ -389,3 +378,5 @@ TEST(XMLDictionaryTest, OnlyTheBadBitStopsASave) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -9,6 +9,10 @@
 //
 // The dictionary stays the caller's; it should be freshly made (patterns
 // stored before are overwritten when equal, kept otherwise).
+//
+// Thread safety: the miner calls the sink from the calling thread only, so
+// filling needs no lock; but nothing else may touch the dictionary while it is
+// filled, not even a lookup (lookups rewrite the dictionary's scratch key).
 #ifndef SEQLATTICE_MINING_DICTIONARYFILLER_H_
 #define SEQLATTICE_MINING_DICTIONARYFILLER_H_
 

@@ -15,19 +15,10 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testing_util::CoutFormatGuard;
-using testing_util::MakePattern;
-using testing_util::MakeSequence;
-using testing_util::SetArrays;
-using testing_util::SetList;
-using testing_util::SetsOf;
-using testing_util::Shown;
-using Sets = std::vector<std::vector<int>>;
-
 // An NTSequence whose cached hash is a timed pattern's, so that copying it
 // shows whether the hash is copied or recomputed.
-NTSequence WithForeignHash(const Sets& sets) {
-  SetArrays arrays(sets);
+NTSequence WithForeignHash(const test::Sets& sets) {
+  test::PatternArrays arrays(sets);
   std::vector<double> times(static_cast<size_t>(arrays.nSets()), 1.0);
   const PackedSequence packed(arrays.sets(), times.data(), arrays.nSets());
   NTSequence p;
@@ -40,12 +31,12 @@ TEST(NTSequenceCopyTest, CopyConstructorCopiesTheHash) {
   ASSERT_NE(original.getHashCode(), original.computeHash());
   const NTSequence copy(original);
   EXPECT_EQ(copy.getHashCode(), original.getHashCode());
-  EXPECT_EQ(SetsOf(copy), (Sets{{1, 2}, {3}}));
+  EXPECT_EQ(test::SetsOf(copy), (test::Sets{{1, 2}, {3}}));
   EXPECT_TRUE(copy == original);
 }
 
 TEST(NTSequenceCopyTest, AssignmentReplacesContentAndHash) {
-  NTSequence target = MakePattern({{9, 8, 7, 6}});
+  NTSequence target = test::MakePattern({{9, 8, 7, 6}});
   const NTSequence source = WithForeignHash({{1}, {2}});
   target = source;
   EXPECT_EQ(target.size(), 2);
@@ -66,27 +57,27 @@ TEST(NTSequenceCopyTest, CopyOfDefaultIsEmpty) {
 }
 
 TEST(NTSequenceReuseTest, RefillsFromSetArrays) {
-  NTSequence p = MakePattern({{1}});
-  SetArrays arrays(SetList{{4, 5}, {6}});
+  NTSequence p = test::MakePattern({{1}});
+  test::PatternArrays arrays(test::Sets{{4, 5}, {6}});
   p.reuseAs(arrays.sets(), arrays.nSets());
-  EXPECT_TRUE(p == MakePattern({{4, 5}, {6}}));
+  EXPECT_TRUE(p == test::MakePattern({{4, 5}, {6}}));
   EXPECT_EQ(p.getHashCode(), p.computeHash());
 }
 
 TEST(NTSequenceReuseTest, RefillsFromSequence) {
-  NTSequence p = MakePattern({{1}, {2}, {3}});
-  const Sequence seq = MakeSequence({{8}, {3, 9}}, {1, 5});
+  NTSequence p = test::MakePattern({{1}, {2}, {3}});
+  const Sequence seq = test::MakeSequence({{8}, {3, 9}}, {1, 5});
   p.reuseAs(&seq);
-  EXPECT_TRUE(p == MakePattern({{8}, {3, 9}}));
+  EXPECT_TRUE(p == test::MakePattern({{8}, {3, 9}}));
 }
 
 TEST(NTSequenceReuseTest, RefillFromTimedPatternKeepsItsHash) {
-  SetArrays arrays(SetList{{1, 2}, {3}});
+  test::PatternArrays arrays(test::Sets{{1, 2}, {3}});
   const double times[] = {1, 2};
   const PackedSequence packed(arrays.sets(), times, 2);
-  NTSequence p = MakePattern({{7}});
+  NTSequence p = test::MakePattern({{7}});
   p.reuseAs(&packed);
-  EXPECT_EQ(SetsOf(p), (Sets{{1, 2}, {3}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{1, 2}, {3}}));
   EXPECT_EQ(p.getPattern(), 3);
   EXPECT_EQ(p.getHashCode(), packed.getHashCode());
   EXPECT_EQ(p.getHashCode(), 1224991915);
@@ -99,109 +90,109 @@ TEST(NTSequenceReuseTest, SameItemCountKeepsTheScratchBuffer) {
   NTSequence scratch;  // 32 slots, 0 items
   const Sequence empty;
   scratch.reuseAs(&empty);  // still 0 items: no reallocation
-  NTSequence big = MakePattern({{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}});
+  NTSequence big = test::MakePattern({{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}});
   EXPECT_EQ(scratch.removeItem(0, &big), 0);
   EXPECT_EQ(scratch.size(), 9);
 }
 
 TEST(NTSequenceReuseTest, OtherItemCountReallocatesToExactlyThatSize) {
   NTSequence scratch;
-  SetArrays three(SetList{{1, 2, 3}});
+  test::PatternArrays three(test::Sets{{1, 2, 3}});
   scratch.reuseAs(three.sets(), three.nSets());  // 3 slots now
-  NTSequence five = MakePattern({{1, 2, 3, 4, 5}});
+  NTSequence five = test::MakePattern({{1, 2, 3, 4, 5}});
   EXPECT_THROW(scratch.removeItem(0, &five), std::length_error);
-  NTSequence four = MakePattern({{1, 2}, {3, 4}});
+  NTSequence four = test::MakePattern({{1, 2}, {3, 4}});
   EXPECT_EQ(scratch.removeItem(3, &four), 0);
-  EXPECT_TRUE(scratch == MakePattern({{1, 2}, {3}}));
+  EXPECT_TRUE(scratch == test::MakePattern({{1, 2}, {3}}));
 }
 
 TEST(NTSequenceReuseTest, SmallerItemCountShrinksTheArray) {
-  NTSequence p = MakePattern({{1, 2, 3, 4}});
-  SetArrays two(SetList{{5}, {6}});
+  NTSequence p = test::MakePattern({{1, 2, 3, 4}});
+  test::PatternArrays two(test::Sets{{5}, {6}});
   p.reuseAs(two.sets(), two.nSets());
-  EXPECT_TRUE(p == MakePattern({{5}, {6}}));
-  NTSequence four = MakePattern({{1, 2, 3, 4}});
+  EXPECT_TRUE(p == test::MakePattern({{5}, {6}}));
+  NTSequence four = test::MakePattern({{1, 2, 3, 4}});
   EXPECT_THROW(p.removeItem(0, &four), std::length_error);
 }
 
 TEST(NTSequenceExtendTest, PositionOnePrependsASingletonSet) {
-  const NTSequence src = MakePattern({{2, 4}, {6}});
+  const NTSequence src = test::MakePattern({{2, 4}, {6}});
   const NTSequence p(src, 9, 1);
-  EXPECT_EQ(SetsOf(p), (Sets{{9}, {2, 4}, {6}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{9}, {2, 4}, {6}}));
   EXPECT_EQ(p.getPattern(), 0b1011);
   EXPECT_EQ(p.getNSets(), 3);
   EXPECT_EQ(p.getHashCode(), p.computeHash());
 }
 
 TEST(NTSequenceExtendTest, LastOddPositionAppendsASingletonSet) {
-  const NTSequence src = MakePattern({{2, 4}, {6}});
+  const NTSequence src = test::MakePattern({{2, 4}, {6}});
   const NTSequence p(src, 1, 2 * src.getNSets() + 1);
-  EXPECT_EQ(SetsOf(p), (Sets{{2, 4}, {6}, {1}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{2, 4}, {6}, {1}}));
   EXPECT_EQ(p.getPattern(), 0b0111);
 }
 
 TEST(NTSequenceExtendTest, OddPositionInsertsASetInTheMiddle) {
-  const NTSequence p(MakePattern({{2, 4}, {6}}), 5, 3);
-  EXPECT_TRUE(p == MakePattern({{2, 4}, {5}, {6}}));
+  const NTSequence p(test::MakePattern({{2, 4}, {6}}), 5, 3);
+  EXPECT_TRUE(p == test::MakePattern({{2, 4}, {5}, {6}}));
 }
 
 TEST(NTSequenceExtendTest, PositionZeroMergesIntoTheFirstSetInOrder) {
-  const NTSequence src = MakePattern({{2, 4}, {6}});
-  EXPECT_TRUE(NTSequence(src, 3, 0) == MakePattern({{2, 3, 4}, {6}}));
-  EXPECT_TRUE(NTSequence(src, 1, 0) == MakePattern({{1, 2, 4}, {6}}));
+  const NTSequence src = test::MakePattern({{2, 4}, {6}});
+  EXPECT_TRUE(NTSequence(src, 3, 0) == test::MakePattern({{2, 3, 4}, {6}}));
+  EXPECT_TRUE(NTSequence(src, 1, 0) == test::MakePattern({{1, 2, 4}, {6}}));
   // Greater than every item: it becomes the last of the set and closes it.
   const NTSequence last(src, 5, 0);
-  EXPECT_EQ(SetsOf(last), (Sets{{2, 4, 5}, {6}}));
+  EXPECT_EQ(test::SetsOf(last), (test::Sets{{2, 4, 5}, {6}}));
   EXPECT_EQ(last.getPattern(), 0b0011);
   // An equal item goes after the one present.
-  EXPECT_EQ(SetsOf(NTSequence(src, 4, 0)), (Sets{{2, 4, 4}, {6}}));
+  EXPECT_EQ(test::SetsOf(NTSequence(src, 4, 0)), (test::Sets{{2, 4, 4}, {6}}));
 }
 
 TEST(NTSequenceExtendTest, EvenPositionMergesIntoALaterSet) {
-  const NTSequence src = MakePattern({{2, 4}, {6}});
-  EXPECT_TRUE(NTSequence(src, 7, 2) == MakePattern({{2, 4}, {6, 7}}));
-  EXPECT_TRUE(NTSequence(src, -1, 2) == MakePattern({{2, 4}, {-1, 6}}));
+  const NTSequence src = test::MakePattern({{2, 4}, {6}});
+  EXPECT_TRUE(NTSequence(src, 7, 2) == test::MakePattern({{2, 4}, {6, 7}}));
+  EXPECT_TRUE(NTSequence(src, -1, 2) == test::MakePattern({{2, 4}, {-1, 6}}));
 }
 
 TEST(NTSequenceExtendTest, EmptySourceTakesOnlyPositionOne) {
   const NTSequence p(NTSequence(), 8, 1);
-  EXPECT_TRUE(p == MakePattern({{8}}));
+  EXPECT_TRUE(p == test::MakePattern({{8}}));
   EXPECT_THROW(NTSequence(NTSequence(), 8, 0), std::out_of_range);
 }
 
 TEST(NTSequenceExtendTest, PositionsNamingNoSetAreRefused) {
-  const NTSequence src = MakePattern({{2, 4}, {6}});
+  const NTSequence src = test::MakePattern({{2, 4}, {6}});
   EXPECT_THROW(NTSequence(src, 1, 4), std::out_of_range);
   EXPECT_THROW(NTSequence(src, 1, 7), std::out_of_range);
   EXPECT_THROW(NTSequence(src, 1, -1), std::out_of_range);
 }
 
 TEST(NTSequenceAddTest, AddItemAfterLastAppendsASet) {
-  NTSequence p = MakePattern({{1, 2}});
+  NTSequence p = test::MakePattern({{1, 2}});
   p.addItemAfterLast(0);
-  EXPECT_EQ(SetsOf(p), (Sets{{1, 2}, {0}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{1, 2}, {0}}));
   EXPECT_EQ(p.getPattern(), 0b011);  // 1 * 2 + 1
   EXPECT_EQ(p.getHashCode(), p.computeHash());
   NTSequence empty;
   empty.addItemAfterLast(4);
-  EXPECT_TRUE(empty == MakePattern({{4}}));
+  EXPECT_TRUE(empty == test::MakePattern({{4}}));
 }
 
 TEST(NTSequenceAddTest, AddItemToSetInsertsInOrderAfterEqualItems) {
-  NTSequence p = MakePattern({{1}, {3, 5}});
+  NTSequence p = test::MakePattern({{1}, {3, 5}});
   p.addItemToSet(4, 1);
-  EXPECT_TRUE(p == MakePattern({{1}, {3, 4, 5}}));
+  EXPECT_TRUE(p == test::MakePattern({{1}, {3, 4, 5}}));
   p.addItemToSet(9, 1);
-  EXPECT_TRUE(p == MakePattern({{1}, {3, 4, 5, 9}}));
+  EXPECT_TRUE(p == test::MakePattern({{1}, {3, 4, 5, 9}}));
   p.addItemToSet(1, 0);
-  EXPECT_TRUE(p == MakePattern({{1, 1}, {3, 4, 5, 9}}));
+  EXPECT_TRUE(p == test::MakePattern({{1, 1}, {3, 4, 5, 9}}));
   EXPECT_EQ(p.getNSets(), 2);
   EXPECT_THROW(p.addItemToSet(1, 2), std::out_of_range);
 }
 
 struct RemovalCase {
   int k;
-  Sets expected;
+  test::Sets expected;
   long pattern;
   int nSets;
   int result;
@@ -209,7 +200,7 @@ struct RemovalCase {
 
 TEST(NTSequenceRemoveTest, EveryPositionOfAThreeSetPattern) {
   // (1 2)(3)(4 5): pattern 01101 = 13.
-  NTSequence src = MakePattern({{1, 2}, {3}, {4, 5}});
+  NTSequence src = test::MakePattern({{1, 2}, {3}, {4, 5}});
   ASSERT_EQ(src.getPattern(), 13);
   const std::vector<RemovalCase> cases = {
       {0, {{2}, {3}, {4, 5}}, 0b1101, 3, 0},
@@ -222,35 +213,35 @@ TEST(NTSequenceRemoveTest, EveryPositionOfAThreeSetPattern) {
     SCOPED_TRACE(c.k);
     NTSequence scratch;
     EXPECT_EQ(scratch.removeItem(c.k, &src), c.result);
-    EXPECT_EQ(SetsOf(scratch), c.expected);
+    EXPECT_EQ(test::SetsOf(scratch), c.expected);
     EXPECT_EQ(scratch.size(), 4);
     EXPECT_EQ(scratch.getNSets(), c.nSets);
     EXPECT_EQ(scratch.getPattern(), c.pattern);
     // The same pattern built directly has the same hash.
-    const NTSequence built = MakePattern(c.expected);
+    const NTSequence built = test::MakePattern(c.expected);
     EXPECT_EQ(scratch.getHashCode(), built.getHashCode());
     EXPECT_TRUE(scratch == built);
   }
 }
 
 TEST(NTSequenceRemoveTest, OnlyItemOfASetReturnsOneAndDropsTheSet) {
-  NTSequence src = MakePattern({{1}, {2}});
+  NTSequence src = test::MakePattern({{1}, {2}});
   NTSequence scratch;
   EXPECT_EQ(scratch.removeItem(0, &src), 1);
   EXPECT_EQ(scratch.getNSets(), 1);
-  EXPECT_TRUE(scratch == MakePattern({{2}}));
+  EXPECT_TRUE(scratch == test::MakePattern({{2}}));
 }
 
 TEST(NTSequenceRemoveTest, LastItemOfATwoItemSetReturnsZero) {
-  NTSequence src = MakePattern({{1}, {2, 3}});
+  NTSequence src = test::MakePattern({{1}, {2, 3}});
   NTSequence scratch;
   EXPECT_EQ(scratch.removeItem(2, &src), 0);
   EXPECT_EQ(scratch.getNSets(), 2);
-  EXPECT_TRUE(scratch == MakePattern({{1}, {2}}));
+  EXPECT_TRUE(scratch == test::MakePattern({{1}, {2}}));
 }
 
 TEST(NTSequenceRemoveTest, OneItemPatternBecomesEmpty) {
-  NTSequence src = MakePattern({{5}});
+  NTSequence src = test::MakePattern({{5}});
   NTSequence scratch;
   EXPECT_EQ(scratch.removeItem(0, &src), 1);
   EXPECT_TRUE(scratch == NTSequence());
@@ -259,7 +250,7 @@ TEST(NTSequenceRemoveTest, OneItemPatternBecomesEmpty) {
 
 TEST(NTSequenceRemoveTest, EmptySourceGivesEmptyPatternAndZero) {
   NTSequence src;
-  NTSequence scratch = MakePattern({{1}, {2}});
+  NTSequence scratch = test::MakePattern({{1}, {2}});
   EXPECT_EQ(scratch.removeItem(0, &src), 0);
   EXPECT_EQ(scratch.size(), 0);
   EXPECT_EQ(scratch.getNSets(), 0);
@@ -268,13 +259,13 @@ TEST(NTSequenceRemoveTest, EmptySourceGivesEmptyPatternAndZero) {
 }
 
 TEST(NTSequenceRemoveTest, RemovingFromItselfWorksInPlace) {
-  NTSequence p = MakePattern({{1, 2}, {3}, {4}});
+  NTSequence p = test::MakePattern({{1, 2}, {3}, {4}});
   EXPECT_EQ(p.removeItem(2, &p), 1);
-  EXPECT_TRUE(p == MakePattern({{1, 2}, {4}}));
+  EXPECT_TRUE(p == test::MakePattern({{1, 2}, {4}}));
 }
 
 TEST(NTSequenceRemoveTest, IndexOutsideTheSourceIsRefused) {
-  NTSequence src = MakePattern({{1, 2}});
+  NTSequence src = test::MakePattern({{1, 2}});
   NTSequence scratch;
   EXPECT_THROW(scratch.removeItem(2, &src), std::out_of_range);
   EXPECT_THROW(scratch.removeItem(-1, &src), std::out_of_range);
@@ -291,16 +282,16 @@ TEST(NTSequenceRemoveTest, ScratchBufferHoldsThirtyOneItems) {
 }
 
 TEST(NTSequenceDisplayTest, PrintsHashPatternAndSets) {
-  const NTSequence p = MakePattern({{3, 7}, {9}});
-  EXPECT_EQ(Shown(p), "HashCode  1096664155\nPattern  3\n<(3 7)(9)>\n");
+  const NTSequence p = test::MakePattern({{3, 7}, {9}});
+  EXPECT_EQ(test::Shown(p), "HashCode  1096664155\nPattern  3\n<(3 7)(9)>\n");
 }
 
 TEST(NTSequenceDisplayTest, PrintsOnCoutWhenGivenCout) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   std::cout.precision(4);
   std::cout.unsetf(std::ios::floatfield);
   testing::internal::CaptureStdout();
-  MakePattern({{-1}, {2, 3, 4}}).display(std::cout);
+  test::MakePattern({{-1}, {2, 3, 4}}).display(std::cout);
   NTSequence().display(std::cout);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             // (-1)(2 3 4): A = 9601*9587*(-1) = -92044787
@@ -318,7 +309,7 @@ TEST(NTSequenceDisplayTest, PrintsOnCoutWhenGivenCout) {
 
 TEST(NTSequenceDisplayTest, OneItemPattern) {
   std::ostringstream os;
-  MakePattern({{-5}}).display(os);
+  test::MakePattern({{-5}}).display(os);
   EXPECT_EQ(os.str(), "HashCode  -5\nPattern  1\n<(-5)>\n");
   EXPECT_EQ(os.precision(), 6);
 }

@@ -14,13 +14,6 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testing_util::MakePattern;
-using testing_util::MakeSequence;
-using testing_util::SetArrays;
-using testing_util::SetList;
-using testing_util::SetsOf;
-using Sets = std::vector<std::vector<int>>;
-
 TEST(NTSequenceTest, DefaultIsEmpty) {
   const NTSequence p;
   EXPECT_EQ(p.size(), 0);
@@ -36,21 +29,21 @@ TEST(NTSequenceTest, SingleSetConstructorCopiesItemsInGivenOrder) {
   EXPECT_EQ(p.size(), 3);
   EXPECT_EQ(p.getNSets(), 1);
   EXPECT_EQ(p.getPattern(), 1);
-  EXPECT_EQ(SetsOf(p), (Sets{{9, 2, 5}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{9, 2, 5}}));
   EXPECT_EQ(p.getHashCode(), p.computeHash());
 }
 
 TEST(NTSequenceTest, SetArraysConstructorBuildsTheBoundaryWord) {
   // (x y z) is 001, (x)(y z) is 101, (x y)(z) is 011.
-  EXPECT_EQ(MakePattern({{1, 2, 3}}).getPattern(), 1);
-  EXPECT_EQ(MakePattern({{1}, {2, 3}}).getPattern(), 5);
-  EXPECT_EQ(MakePattern({{1, 2}, {3}}).getPattern(), 3);
-  EXPECT_EQ(MakePattern({{1}, {2}, {3}}).getPattern(), 7);
-  const NTSequence p = MakePattern({{4, 8}, {1}, {6, 7, 9}});
+  EXPECT_EQ(test::MakePattern({{1, 2, 3}}).getPattern(), 1);
+  EXPECT_EQ(test::MakePattern({{1}, {2, 3}}).getPattern(), 5);
+  EXPECT_EQ(test::MakePattern({{1, 2}, {3}}).getPattern(), 3);
+  EXPECT_EQ(test::MakePattern({{1}, {2}, {3}}).getPattern(), 7);
+  const NTSequence p = test::MakePattern({{4, 8}, {1}, {6, 7, 9}});
   EXPECT_EQ(p.size(), 6);
   EXPECT_EQ(p.getNSets(), 3);
   EXPECT_EQ(p.getPattern(), 0b011001);
-  EXPECT_EQ(SetsOf(p), (Sets{{4, 8}, {1}, {6, 7, 9}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{4, 8}, {1}, {6, 7, 9}}));
 }
 
 TEST(NTSequenceTest, NoSetsGiveTheEmptyPattern) {
@@ -61,31 +54,31 @@ TEST(NTSequenceTest, NoSetsGiveTheEmptyPattern) {
 }
 
 TEST(NTSequenceTest, NegativeCountsAreRefused) {
-  SetArrays arrays(SetList{{1}});
+  test::PatternArrays arrays(test::Sets{{1}});
   arrays.sets()[0][0] = -1;
   EXPECT_THROW(NTSequence(arrays.sets(), 1), std::invalid_argument);
   EXPECT_THROW(NTSequence(arrays.sets(), -1), std::invalid_argument);
 }
 
 TEST(NTSequenceTest, FromSequenceTakesAllSetsAndIgnoresTimes) {
-  const Sequence seq = MakeSequence({{1, 5}, {2}, {4}}, {3, 7, 8});
+  const Sequence seq = test::MakeSequence({{1, 5}, {2}, {4}}, {3, 7, 8});
   const NTSequence p(&seq);
-  EXPECT_EQ(SetsOf(p), (Sets{{1, 5}, {2}, {4}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{1, 5}, {2}, {4}}));
   EXPECT_EQ(p.getPattern(), 0b0111);
-  EXPECT_TRUE(p == MakePattern({{1, 5}, {2}, {4}}));
+  EXPECT_TRUE(p == test::MakePattern({{1, 5}, {2}, {4}}));
 }
 
 TEST(NTSequenceTest, FromSequenceLeavesOutTheLastSets) {
-  const Sequence seq = MakeSequence({{1, 5}, {2}, {4}}, {3, 7, 8});
-  EXPECT_TRUE(NTSequence(seq, 1) == MakePattern({{1, 5}, {2}}));
-  EXPECT_TRUE(NTSequence(seq, 0) == MakePattern({{1, 5}, {2}, {4}}));
+  const Sequence seq = test::MakeSequence({{1, 5}, {2}, {4}}, {3, 7, 8});
+  EXPECT_TRUE(NTSequence(seq, 1) == test::MakePattern({{1, 5}, {2}}));
+  EXPECT_TRUE(NTSequence(seq, 0) == test::MakePattern({{1, 5}, {2}, {4}}));
   EXPECT_TRUE(NTSequence(seq, 3) == NTSequence());
   EXPECT_THROW(NTSequence(seq, 4), std::out_of_range);
   EXPECT_THROW(NTSequence(seq, -1), std::out_of_range);
 }
 
 TEST(NTSequenceTest, SizeOfSetIsZeroOutsideTheSets) {
-  const NTSequence p = MakePattern({{1, 2}, {3}});
+  const NTSequence p = test::MakePattern({{1, 2}, {3}});
   EXPECT_EQ(p.getSizeOfSet(0), 2);
   EXPECT_EQ(p.getSizeOfSet(1), 1);
   EXPECT_EQ(p.getSizeOfSet(2), 0);
@@ -94,7 +87,7 @@ TEST(NTSequenceTest, SizeOfSetIsZeroOutsideTheSets) {
 }
 
 TEST(NTSequenceTest, ItemInSetBeyondASetIsZero) {
-  const NTSequence p = MakePattern({{7, 8}, {9}});
+  const NTSequence p = test::MakePattern({{7, 8}, {9}});
   EXPECT_EQ(p.getItemInSet(0, 0), 7);
   EXPECT_EQ(p.getItemInSet(1, 0), 8);
   EXPECT_EQ(p.getItemInSet(0, 1), 9);
@@ -105,7 +98,7 @@ TEST(NTSequenceTest, ItemInSetBeyondASetIsZero) {
 }
 
 TEST(NTSequenceTest, SetAsArrayCopiesOneSetOnly) {
-  const NTSequence p = MakePattern({{7, 8}, {9, 10, 11}});
+  const NTSequence p = test::MakePattern({{7, 8}, {9, 10, 11}});
   std::vector<int> out(4, -1);
   p.getSetAsArray(1, out.data());
   EXPECT_EQ(out, (std::vector<int>{9, 10, 11, -1}));
@@ -116,7 +109,7 @@ TEST(NTSequenceTest, SetAsArrayCopiesOneSetOnly) {
 }
 
 TEST(NTSequenceTest, ItemIndexIsTheFirstFlatPosition) {
-  const NTSequence p = MakePattern({{4, 6}, {6}, {0}});
+  const NTSequence p = test::MakePattern({{4, 6}, {6}, {0}});
   EXPECT_EQ(p.getItemIndex(4), 0);
   EXPECT_EQ(p.getItemIndex(6), 1);
   EXPECT_EQ(p.getItemIndex(0), 3);
@@ -127,24 +120,24 @@ TEST(NTSequenceTest, ItemIndexIsTheFirstFlatPosition) {
 // Hash codes worked out by hand from the factor table
 // F = 9587, 9601, 9613, 9619, 9623, ...
 TEST(NTSequenceTest, HashOfOneItemIsTheItem) {
-  EXPECT_EQ(MakePattern({{7}}).getHashCode(), 7);
-  EXPECT_EQ(MakePattern({{-5}}).getHashCode(), -5);  // no absolute value
-  EXPECT_EQ(MakePattern({{0}}).getHashCode(), 0);
+  EXPECT_EQ(test::MakePattern({{7}}).getHashCode(), 7);
+  EXPECT_EQ(test::MakePattern({{-5}}).getHashCode(), -5);  // no absolute value
+  EXPECT_EQ(test::MakePattern({{0}}).getHashCode(), 0);
 }
 
 TEST(NTSequenceTest, HashOfTwoItemsInOneSet) {
   // h = 3*9829 + 5*9817 = 29487 + 49085 = 78572; pattern 1:
   // 78572 + (78572 << 1) + 1 = 78572 + 157144 + 1 = 235717.
-  EXPECT_EQ(MakePattern({{3, 5}}).getHashCode(), 235717);
+  EXPECT_EQ(test::MakePattern({{3, 5}}).getHashCode(), 235717);
 }
 
 TEST(NTSequenceTest, HashOfTwoItemsInTwoSets) {
   // h = 78572 as above; pattern 3: 78572 + (78572 << 3) + 1
   // = 78572 + 628576 + 1 = 707149.
-  EXPECT_EQ(MakePattern({{3}, {5}}).getHashCode(), 707149);
+  EXPECT_EQ(test::MakePattern({{3}, {5}}).getHashCode(), 707149);
   // h = -5*9829 + 1*9817 = -49145 + 9817 = -39328; pattern 3:
   // -39328 - 314624 + 1 = -353951, absolute value 353951.
-  EXPECT_EQ(MakePattern({{-5}, {1}}).getHashCode(), 353951);
+  EXPECT_EQ(test::MakePattern({{-5}, {1}}).getHashCode(), 353951);
 }
 
 TEST(NTSequenceTest, HashOfThreeItems) {
@@ -155,18 +148,18 @@ TEST(NTSequenceTest, HashOfThreeItems) {
   //   = 1014759141
   // (1 2)(3): pattern 3: 3 * 1014759141 = 3044277423, which wraps to
   //   3044277423 - 2^32 = -1250689873; absolute value 1250689873.
-  EXPECT_EQ(MakePattern({{1, 2}, {3}}).getHashCode(), 1250689873);
+  EXPECT_EQ(test::MakePattern({{1, 2}, {3}}).getHashCode(), 1250689873);
   // (1)(2 3): pattern 5: 5 * 1014759141 = 5073795705 - 2^32 = 778828409.
-  EXPECT_EQ(MakePattern({{1}, {2, 3}}).getHashCode(), 778828409);
+  EXPECT_EQ(test::MakePattern({{1}, {2, 3}}).getHashCode(), 778828409);
   // (1 2 3): pattern 1: 1014759141.
-  EXPECT_EQ(MakePattern({{1, 2, 3}}).getHashCode(), 1014759141);
+  EXPECT_EQ(test::MakePattern({{1, 2, 3}}).getHashCode(), 1014759141);
 }
 
 TEST(NTSequenceTest, HashOfThreeItemsWithANegativeItem) {
   // A = 92044787; A = 9613*9601*(-2) + 2*92044787 = -184588826 + 184089574
   //   = -499252; A = 277402341 + 2*(-499252) = 276403837.
   // (1)(-2 3): pattern 5: 5 * 276403837 = 1382019185 (fits in 32 bits).
-  EXPECT_EQ(MakePattern({{1}, {-2, 3}}).getHashCode(), 1382019185);
+  EXPECT_EQ(test::MakePattern({{1}, {-2, 3}}).getHashCode(), 1382019185);
 }
 
 TEST(NTSequenceTest, HashOfFourItems) {
@@ -177,7 +170,7 @@ TEST(NTSequenceTest, HashOfFourItems) {
   // low 32 bits of A: 4799545660 - 2^32 = 504578364;
   // (2)(4 6)(8): pattern 1011 = 11: 11 * 504578364 = 5550362004
   //   - 2^32 = 1255394708.
-  EXPECT_EQ(MakePattern({{2}, {4, 6}, {8}}).getHashCode(), 1255394708);
+  EXPECT_EQ(test::MakePattern({{2}, {4, 6}, {8}}).getHashCode(), 1255394708);
 }
 
 TEST(NTSequenceTest, HashOfTheDisplayExample) {
@@ -189,12 +182,13 @@ TEST(NTSequenceTest, HashOfTheDisplayExample) {
   // low 32 bits: 3228866249 - 2^32 = -1066101047; (3 7)(9): pattern 3:
   // 3 * -1066101047 = -3198303141, which wraps to -3198303141 + 2^32
   // = 1096664155.
-  EXPECT_EQ(MakePattern({{3, 7}, {9}}).getHashCode(), 1096664155);
+  EXPECT_EQ(test::MakePattern({{3, 7}, {9}}).getHashCode(), 1096664155);
 }
 
 TEST(NTSequenceTest, CachedHashMatchesComputeHashAfterConstruction) {
-  for (const NTSequence& p : {MakePattern({{1}}), MakePattern({{1, 2}, {3}}),
-                              MakePattern({{5}, {-4}, {3, 9, 11}, {2}})}) {
+  for (const NTSequence& p :
+       {test::MakePattern({{1}}), test::MakePattern({{1, 2}, {3}}),
+        test::MakePattern({{5}, {-4}, {3, 9, 11}, {2}})}) {
     EXPECT_EQ(p.getHashCode(), p.computeHash());
   }
 }
@@ -221,8 +215,8 @@ TEST(NTSequenceTest, HashOfTooLongPatternIsRefused) {
 }
 
 TEST(NTSequenceTest, SameItemsInOneOrTwoSetsDiffer) {
-  const NTSequence two = MakePattern({{4}, {6}});
-  const NTSequence one = MakePattern({{4, 6}});
+  const NTSequence two = test::MakePattern({{4}, {6}});
+  const NTSequence one = test::MakePattern({{4, 6}});
   EXPECT_EQ(two.getPattern(), 3);
   EXPECT_EQ(one.getPattern(), 1);
   EXPECT_NE(two.getHashCode(), one.getHashCode());
@@ -231,16 +225,16 @@ TEST(NTSequenceTest, SameItemsInOneOrTwoSetsDiffer) {
 
 TEST(NTSequenceTest, EqualityTellsPatternsApartWhenHashesCollide) {
   // (0)(0) and (0 0) both hash to 0 + (0 << s) + 1 = 1.
-  const NTSequence two = MakePattern({{0}, {0}});
-  const NTSequence one = MakePattern({{0, 0}});
+  const NTSequence two = test::MakePattern({{0}, {0}});
+  const NTSequence one = test::MakePattern({{0, 0}});
   ASSERT_EQ(two.getHashCode(), 1);
   ASSERT_EQ(one.getHashCode(), 1);
   EXPECT_FALSE(two == one);
   // 9817*9829 - 9829*9817 = 0: (9817 -9829) also hashes to 1 with pattern 1.
-  const NTSequence other = MakePattern({{9817, -9829}});
+  const NTSequence other = test::MakePattern({{9817, -9829}});
   ASSERT_EQ(other.getHashCode(), 1);
   EXPECT_FALSE(one == other);
-  EXPECT_TRUE(one == MakePattern({{0, 0}}));
+  EXPECT_TRUE(one == test::MakePattern({{0, 0}}));
 }
 
 TEST(NTSequenceTest, EmptyPatternsAreEqual) {
@@ -259,29 +253,33 @@ TEST(NTSequenceTest, OrderOverFlatPositions) {
   const NTSequence empty;
   const std::vector<OrderCase> cases = {
       // The empty pattern is less than every non-empty one.
-      {empty, MakePattern({{1}}), true, false},
-      {empty, MakePattern({{-100}}), true, false},
+      {empty, test::MakePattern({{1}}), true, false},
+      {empty, test::MakePattern({{-100}}), true, false},
       {empty, NTSequence(), false, false},
       // A proper prefix sorts first.
-      {MakePattern({{1}}), MakePattern({{1}, {2}}), true, false},
-      {MakePattern({{1}}), MakePattern({{1, 2}}), true, false},
-      {MakePattern({{1}, {2}}), MakePattern({{1}, {2}, {3}}), true, false},
+      {test::MakePattern({{1}}), test::MakePattern({{1}, {2}}), true, false},
+      {test::MakePattern({{1}}), test::MakePattern({{1, 2}}), true, false},
+      {test::MakePattern({{1}, {2}}), test::MakePattern({{1}, {2}, {3}}), true,
+       false},
       // Equal items: the pattern whose set closes there sorts first.
-      {MakePattern({{1}, {2}}), MakePattern({{1, 2}}), true, false},
-      {MakePattern({{1, 2}, {3}}), MakePattern({{1, 2, 3}}), true, false},
+      {test::MakePattern({{1}, {2}}), test::MakePattern({{1, 2}}), true, false},
+      {test::MakePattern({{1, 2}, {3}}), test::MakePattern({{1, 2, 3}}), true,
+       false},
       // ... and that decides, whatever the later items.
-      {MakePattern({{1}, {3}}), MakePattern({{1, 2}}), true, false},
+      {test::MakePattern({{1}, {3}}), test::MakePattern({{1, 2}}), true, false},
       // A closing item against a greater open one is less, against a
       // smaller one not.
-      {MakePattern({{2}}), MakePattern({{1, 9}}), false, true},
-      {MakePattern({{3}, {1}}), MakePattern({{2, 9}}), false, true},
+      {test::MakePattern({{2}}), test::MakePattern({{1, 9}}), false, true},
+      {test::MakePattern({{3}, {1}}), test::MakePattern({{2, 9}}), false, true},
       // Plain item order.
-      {MakePattern({{1, 2}}), MakePattern({{1, 3}}), true, false},
-      {MakePattern({{5}}), MakePattern({{1}, {2}}), false, true},
-      {MakePattern({{-1}}), MakePattern({{0}}), true, false},
+      {test::MakePattern({{1, 2}}), test::MakePattern({{1, 3}}), true, false},
+      {test::MakePattern({{5}}), test::MakePattern({{1}, {2}}), false, true},
+      {test::MakePattern({{-1}}), test::MakePattern({{0}}), true, false},
       // Equal patterns are not less either way.
-      {MakePattern({{1}, {2}}), MakePattern({{1}, {2}}), false, false},
-      {MakePattern({{4, 5, 6}}), MakePattern({{4, 5, 6}}), false, false},
+      {test::MakePattern({{1}, {2}}), test::MakePattern({{1}, {2}}), false,
+       false},
+      {test::MakePattern({{4, 5, 6}}), test::MakePattern({{4, 5, 6}}), false,
+       false},
   };
   for (size_t i = 0; i < cases.size(); ++i) {
     SCOPED_TRACE(i);
@@ -293,9 +291,9 @@ TEST(NTSequenceTest, OrderOverFlatPositions) {
 TEST(NTSequenceTest, OrderDoesNotLookAtTheHash) {
   // Same content, different cached hashes (taken over from a timed
   // pattern): neither is less.
-  const NTSequence a = MakePattern({{1, 2}, {3}});
+  const NTSequence a = test::MakePattern({{1, 2}, {3}});
   NTSequence b;
-  SetArrays arrays(SetList{{1, 2}, {3}});
+  test::PatternArrays arrays(test::Sets{{1, 2}, {3}});
   const double times[] = {1, 2};
   const PackedSequence packed(arrays.sets(), times, 2);
   b.reuseAs(&packed);
@@ -306,9 +304,10 @@ TEST(NTSequenceTest, OrderDoesNotLookAtTheHash) {
 }
 
 TEST(NTSequenceTest, CreateSequenceNumbersTheSetTimesFromOne) {
-  const NTSequence p = MakePattern({{5, 1}, {2}, {7, 8}});
+  const NTSequence p = test::MakePattern({{5, 1}, {2}, {7, 8}});
   const std::unique_ptr<Sequence> seq(p.createSequence());
-  EXPECT_TRUE(*seq == MakeSequence({{1, 5}, {2}, {7, 8}}, {1.0, 2.0, 3.0}));
+  EXPECT_TRUE(*seq ==
+              test::MakeSequence({{1, 5}, {2}, {7, 8}}, {1.0, 2.0, 3.0}));
   EXPECT_EQ(seq->GetTimeOfTimedItemSet(0), 1.0);
   EXPECT_EQ(seq->GetTimeOfTimedItemSet(2), 3.0);
   const std::unique_ptr<Sequence> none(NTSequence().createSequence());

@@ -16,15 +16,6 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testing_util::CoutFormatGuard;
-using testing_util::MakePacked;
-using testing_util::MakePattern;
-using testing_util::MakeSequence;
-using testing_util::SetArrays;
-using testing_util::SetList;
-using testing_util::SetsOf;
-using testing_util::Shown;
-using Sets = std::vector<std::vector<int>>;
 using Times = std::vector<std::pair<double, double>>;
 
 Times TimesOf(const PackedSequence& p) {
@@ -34,10 +25,10 @@ Times TimesOf(const PackedSequence& p) {
 }
 
 // One time per set: set k at time k + 1.
-PackedSequence MakeTimed(const Sets& sets) {
+PackedSequence MakeTimed(const test::Sets& sets) {
   std::vector<double> times;
   for (size_t k = 0; k < sets.size(); ++k) times.push_back(k + 1.0);
-  return MakePacked(sets, times, times);
+  return test::MakePacked(sets, times, times);
 }
 
 TEST(PackedSequenceTest, DefaultHasNoBuffers) {
@@ -52,8 +43,8 @@ TEST(PackedSequenceTest, DefaultHasNoBuffers) {
 
 TEST(PackedSequenceTest, SetArraysWithStartAndEndTimes) {
   const PackedSequence p =
-      MakePacked({{4, 8}, {1}, {6, 7}}, {1, 3, 9}, {2, 4, 10});
-  EXPECT_EQ(SetsOf(p), (Sets{{4, 8}, {1}, {6, 7}}));
+      test::MakePacked({{4, 8}, {1}, {6, 7}}, {1, 3, 9}, {2, 4, 10});
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{4, 8}, {1}, {6, 7}}));
   EXPECT_EQ(p.getPattern(), 0b01101);
   EXPECT_EQ(TimesOf(p), (Times{{1, 2}, {3, 4}, {9, 10}}));
   EXPECT_EQ(p.getItemsCapacity(), 5);
@@ -62,7 +53,7 @@ TEST(PackedSequenceTest, SetArraysWithStartAndEndTimes) {
 }
 
 TEST(PackedSequenceTest, SetArraysWithOneTimePerSet) {
-  SetArrays arrays(SetList{{1}, {2, 3}});
+  test::PatternArrays arrays(test::Sets{{1}, {2, 3}});
   const double times[] = {5, 8};
   const PackedSequence p(arrays.sets(), times, arrays.nSets());
   EXPECT_EQ(TimesOf(p), (Times{{5, 5}, {8, 8}}));
@@ -70,9 +61,9 @@ TEST(PackedSequenceTest, SetArraysWithOneTimePerSet) {
 }
 
 TEST(PackedSequenceTest, FromSequenceTakesEachSetsTime) {
-  const Sequence seq = MakeSequence({{1, 5}, {2}}, {3, 7});
+  const Sequence seq = test::MakeSequence({{1, 5}, {2}}, {3, 7});
   const PackedSequence p(&seq);
-  EXPECT_EQ(SetsOf(p), (Sets{{1, 5}, {2}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{1, 5}, {2}}));
   EXPECT_EQ(TimesOf(p), (Times{{3, 3}, {7, 7}}));
   EXPECT_EQ(p.getItemsCapacity(), 3);
   EXPECT_EQ(p.getSetCapacity(), 2);
@@ -173,20 +164,21 @@ TEST(PackedSequenceHashTest, PatternTooLongForTheTableIsRefused) {
 
 TEST(PackedSequenceHashTest, DiffersFromTheUntimedHash) {
   EXPECT_NE(MakeTimed({{1, 2}, {3}}).getHashCode(),
-            MakePattern({{1, 2}, {3}}).getHashCode());
+            test::MakePattern({{1, 2}, {3}}).getHashCode());
 }
 
 TEST(PackedSequenceTest, EqualityIgnoresTimes) {
-  const PackedSequence a = MakePacked({{1}, {2, 3}}, {1, 2}, {1, 5});
-  const PackedSequence b = MakePacked({{1}, {2, 3}}, {7, 8}, {9, 9});
+  const PackedSequence a = test::MakePacked({{1}, {2, 3}}, {1, 2}, {1, 5});
+  const PackedSequence b = test::MakePacked({{1}, {2, 3}}, {7, 8}, {9, 9});
   EXPECT_TRUE(a == b);
-  EXPECT_FALSE(a == MakePacked({{1, 2}, {3}}, {1, 2}, {1, 5}));
-  EXPECT_FALSE(a == MakePacked({{1}, {2, 4}}, {1, 2}, {1, 5}));
+  EXPECT_FALSE(a == test::MakePacked({{1, 2}, {3}}, {1, 2}, {1, 5}));
+  EXPECT_FALSE(a == test::MakePacked({{1}, {2, 4}}, {1, 2}, {1, 5}));
   EXPECT_TRUE(PackedSequence() == PackedSequence());
 }
 
 TEST(PackedSequenceMergeTest, NoMergeRequestedIsAlwaysFine) {
-  const PackedSequence p = MakePacked({{1}, {2}, {3}}, {1, 3, 9}, {1, 4, 9});
+  const PackedSequence p =
+      test::MakePacked({{1}, {2}, {3}}, {1, 3, 9}, {1, 4, 9});
   EXPECT_TRUE(p.mergeOk(0, 0.0));
   EXPECT_TRUE(p.mergeOk(0, -1.0));
   EXPECT_TRUE(p.mergeOk(0, 1e9));
@@ -195,7 +187,8 @@ TEST(PackedSequenceMergeTest, NoMergeRequestedIsAlwaysFine) {
 
 TEST(PackedSequenceMergeTest, RunsMustFitTheSpan) {
   // Sets (1,1), (3,4), (9,9); the boundary after set 0 is bit 1.
-  const PackedSequence p = MakePacked({{1}, {2}, {3}}, {1, 3, 9}, {1, 4, 9});
+  const PackedSequence p =
+      test::MakePacked({{1}, {2}, {3}}, {1, 3, 9}, {1, 4, 9});
   EXPECT_TRUE(p.mergeOk(0b10, 3.0));  // 4 - 1 = 3, exactly the span
   EXPECT_TRUE(p.mergeOk(0b10, 100.0));
   EXPECT_FALSE(p.mergeOk(0b10, 2.9));
@@ -209,7 +202,7 @@ TEST(PackedSequenceMergeTest, SeparateRunsAreCheckedOneByOne) {
   // Sets at 0, 1, 10, 12: merging 0-1 and 2-3 gives runs of spans 1 and 2;
   // bits: boundary after set 0 is bit 2, after set 2 is bit 0.
   const PackedSequence p =
-      MakePacked({{1}, {2}, {3}, {4}}, {0, 1, 10, 12}, {0, 1, 10, 12});
+      test::MakePacked({{1}, {2}, {3}, {4}}, {0, 1, 10, 12}, {0, 1, 10, 12});
   EXPECT_TRUE(p.mergeOk(0b101, 2.0));
   EXPECT_FALSE(p.mergeOk(0b101, 1.5));
   EXPECT_FALSE(p.mergeOk(0b111, 11.0));
@@ -217,7 +210,7 @@ TEST(PackedSequenceMergeTest, SeparateRunsAreCheckedOneByOne) {
 
 TEST(PackedSequenceCopyTest, CopyHasCapacitiesOfItsSizesAndTheHash) {
   PackedSequence big = MakeTimed({{1, 2, 3, 4}, {5}, {6}});
-  SetArrays small(SetList{{8}, {9}});
+  test::PatternArrays small(test::Sets{{8}, {9}});
   const double times[] = {3, 4};
   big.reuseAs(small.sets(), times, small.nSets());
   ASSERT_EQ(big.getItemsCapacity(), 6);
@@ -231,7 +224,7 @@ TEST(PackedSequenceCopyTest, CopyHasCapacitiesOfItsSizesAndTheHash) {
 
 TEST(PackedSequenceCopyTest, AssignmentReplacesEverything) {
   PackedSequence target = MakeTimed({{1, 2, 3, 4}, {5}, {6}});
-  const PackedSequence source = MakePacked({{7}, {8}}, {1, 2}, {3, 4});
+  const PackedSequence source = test::MakePacked({{7}, {8}}, {1, 2}, {3, 4});
   target = source;
   EXPECT_TRUE(target == source);
   EXPECT_EQ(TimesOf(target), (Times{{1, 3}, {2, 4}}));
@@ -246,19 +239,19 @@ TEST(PackedSequenceReuseTest, CapacitiesOnlyGrow) {
   PackedSequence p = MakeTimed({{1, 2}, {3}});
   EXPECT_EQ(p.getItemsCapacity(), 3);
   EXPECT_EQ(p.getSetCapacity(), 2);
-  SetArrays five(SetList{{1}, {2, 3}, {4, 5}});
+  test::PatternArrays five(test::Sets{{1}, {2, 3}, {4, 5}});
   const double times[] = {1, 2, 3, 4};
   p.reuseAs(five.sets(), times, five.nSets());
   EXPECT_EQ(p.getItemsCapacity(), 5);
   EXPECT_EQ(p.getSetCapacity(), 3);
-  SetArrays two(SetList{{6, 7}});
+  test::PatternArrays two(test::Sets{{6, 7}});
   p.reuseAs(two.sets(), times, two.nSets());
   EXPECT_EQ(p.size(), 2);
   EXPECT_EQ(p.getNSets(), 1);
   EXPECT_EQ(p.getItemsCapacity(), 5);
   EXPECT_EQ(p.getSetCapacity(), 3);
   EXPECT_TRUE(p == MakeTimed({{6, 7}}));
-  SetArrays fourSets(SetList{{1}, {2}, {3}, {4}});
+  test::PatternArrays fourSets(test::Sets{{1}, {2}, {3}, {4}});
   p.reuseAs(fourSets.sets(), times, fourSets.nSets());
   EXPECT_EQ(p.getItemsCapacity(), 5);
   EXPECT_EQ(p.getSetCapacity(), 4);
@@ -267,12 +260,12 @@ TEST(PackedSequenceReuseTest, CapacitiesOnlyGrow) {
 
 TEST(PackedSequenceReuseTest, FromSequenceAndFromTimedPattern) {
   PackedSequence p;
-  const Sequence seq = MakeSequence({{2}, {4, 6}}, {10, 20});
+  const Sequence seq = test::MakeSequence({{2}, {4, 6}}, {10, 20});
   p.reuseAs(&seq);
-  EXPECT_EQ(SetsOf(p), (Sets{{2}, {4, 6}}));
+  EXPECT_EQ(test::SetsOf(p), (test::Sets{{2}, {4, 6}}));
   EXPECT_EQ(TimesOf(p), (Times{{10, 10}, {20, 20}}));
   EXPECT_EQ(p.getHashCode(), p.computeHash());
-  const PackedSequence other = MakePacked({{9}}, {1}, {2});
+  const PackedSequence other = test::MakePacked({{9}}, {1}, {2});
   p.reuseAs(&other);
   EXPECT_TRUE(p == other);
   EXPECT_EQ(TimesOf(p), (Times{{1, 2}}));
@@ -283,10 +276,11 @@ TEST(PackedSequenceReuseTest, FromSequenceAndFromTimedPattern) {
 
 TEST(PackedSequenceRemoveTest, EveryPositionKeepsTheTimesOfItsSets) {
   // (1 2)[1,2] (3)[3,4] (4 5)[5,6]
-  PackedSequence src = MakePacked({{1, 2}, {3}, {4, 5}}, {1, 3, 5}, {2, 4, 6});
+  PackedSequence src =
+      test::MakePacked({{1, 2}, {3}, {4, 5}}, {1, 3, 5}, {2, 4, 6});
   struct Case {
     int k;
-    Sets sets;
+    test::Sets sets;
     long pattern;
     int result;
     Times times;
@@ -302,7 +296,7 @@ TEST(PackedSequenceRemoveTest, EveryPositionKeepsTheTimesOfItsSets) {
     SCOPED_TRACE(c.k);
     PackedSequence scratch(src);
     EXPECT_EQ(scratch.removeItem(c.k, &src), c.result);
-    EXPECT_EQ(SetsOf(scratch), c.sets);
+    EXPECT_EQ(test::SetsOf(scratch), c.sets);
     EXPECT_EQ(scratch.getPattern(), c.pattern);
     EXPECT_EQ(scratch.getNSets(), static_cast<int>(c.sets.size()));
     EXPECT_EQ(TimesOf(scratch), c.times);
@@ -311,12 +305,12 @@ TEST(PackedSequenceRemoveTest, EveryPositionKeepsTheTimesOfItsSets) {
 }
 
 TEST(PackedSequenceRemoveTest, FirstSetVanishingShiftsTheTimes) {
-  PackedSequence src = MakePacked({{1}, {2}, {3}}, {1, 3, 5}, {2, 4, 6});
+  PackedSequence src = test::MakePacked({{1}, {2}, {3}}, {1, 3, 5}, {2, 4, 6});
   PackedSequence scratch(src);
   EXPECT_EQ(scratch.removeItem(0, &src), 1);
   EXPECT_EQ(TimesOf(scratch), (Times{{3, 4}, {5, 6}}));
   EXPECT_EQ(scratch.removeItem(1, &scratch), 1);  // in place
-  EXPECT_EQ(SetsOf(scratch), (Sets{{2}}));
+  EXPECT_EQ(test::SetsOf(scratch), (test::Sets{{2}}));
   EXPECT_EQ(TimesOf(scratch), (Times{{3, 4}}));
 }
 
@@ -333,7 +327,7 @@ TEST(PackedSequenceRemoveTest, MissingBuffersAreReportedNotOverrun) {
   PackedSequence noBuffers;
   EXPECT_THROW(noBuffers.removeItem(0, &src), std::length_error);
   // Room for the items but not for the sets: refused, left empty.
-  PackedSequence noSets = MakePacked({{1, 2}}, {0}, {0});
+  PackedSequence noSets = test::MakePacked({{1, 2}}, {0}, {0});
   EXPECT_THROW(noSets.removeItem(0, &src), std::length_error);
   EXPECT_EQ(noSets.size(), 0);
   EXPECT_THROW(noSets.removeItem(3, &src), std::out_of_range);
@@ -342,7 +336,7 @@ TEST(PackedSequenceRemoveTest, MissingBuffersAreReportedNotOverrun) {
 TEST(PackedSequenceDisplayTest, PrintsTimesAndLeavesFixedPrecisionZero) {
   std::ostringstream os;
   os.precision(6);
-  const PackedSequence p = MakePacked({{3, 7}, {9}}, {1, 5.6}, {2, 9.4});
+  const PackedSequence p = test::MakePacked({{3, 7}, {9}}, {1, 5.6}, {2, 9.4});
   p.display(os);
   os << 2.75;
   // Hash of (3 7)(9): A = 9643*9631*3 = 278615199;
@@ -356,11 +350,11 @@ TEST(PackedSequenceDisplayTest, PrintsTimesAndLeavesFixedPrecisionZero) {
 }
 
 TEST(PackedSequenceDisplayTest, PrintsOnCoutWhenGivenCout) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   std::cout.precision(6);
   std::cout.unsetf(std::ios::floatfield);
   testing::internal::CaptureStdout();
-  MakePacked({{-4}}, {0.4}, {1e6}).display(std::cout);
+  test::MakePacked({{-4}}, {0.4}, {1e6}).display(std::cout);
   PackedSequence().display(std::cout);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "HashCode  -4\nPattern  1\n<(-4[0,1000000])>\n"

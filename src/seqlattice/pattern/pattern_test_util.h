@@ -9,42 +9,40 @@
 
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/pattern/packedsequence.h"
+#include "seqlattice/sequence/sequence_test_util.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace testing_util {
+namespace test {
 
-// Item sets as lists of items.
-using SetList = std::vector<std::vector<int>>;
-
-// Owns the arrays: set k is {count, items...}.
-class SetArrays {
+// The int** form of a pattern: sets()[k][0] is the size of set k, followed
+// by its items. Owns the arrays.
+class PatternArrays {
  public:
-  explicit SetArrays(const SetList& sets) {
-    for (const std::vector<int>& items : sets) {
-      std::vector<int> set{static_cast<int>(items.size())};
-      set.insert(set.end(), items.begin(), items.end());
-      storage_.push_back(set);
+  explicit PatternArrays(const Sets& sets) {
+    for (const std::vector<int>& set : sets) {
+      std::vector<int> row(1, static_cast<int>(set.size()));
+      row.insert(row.end(), set.begin(), set.end());
+      rows_.push_back(row);
     }
-    for (std::vector<int>& set : storage_) pointers_.push_back(set.data());
+    for (std::vector<int>& row : rows_) pointers_.push_back(row.data());
   }
   int** sets() { return pointers_.data(); }
-  int nSets() const { return static_cast<int>(pointers_.size()); }
+  int nSets() const { return static_cast<int>(rows_.size()); }
 
  private:
-  std::vector<std::vector<int>> storage_;
+  std::vector<std::vector<int>> rows_;
   std::vector<int*> pointers_;
 };
 
-inline NTSequence MakePattern(const SetList& sets) {
-  SetArrays arrays(sets);
+inline NTSequence MakePattern(const Sets& sets) {
+  PatternArrays arrays(sets);
   return NTSequence(arrays.sets(), arrays.nSets());
 }
 
 // Set k gets the times (starts[k], ends[k]).
-inline PackedSequence MakePacked(const SetList& sets,
-                                 std::vector<double> starts,
+inline PackedSequence MakePacked(const Sets& sets, std::vector<double> starts,
                                  std::vector<double> ends) {
-  SetArrays arrays(sets);
+  PatternArrays arrays(sets);
   return PackedSequence(arrays.sets(), starts.data(), ends.data(),
                         arrays.nSets());
 }
@@ -68,7 +66,7 @@ std::string Shown(const Pattern& p) {
   return os.str();
 }
 
-}  // namespace testing_util
+}  // namespace test
 }  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_PATTERN_PATTERN_TEST_UTIL_H_

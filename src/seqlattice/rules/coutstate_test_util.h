@@ -11,6 +11,7 @@
 #include "seqlattice/sequence/sequence_test_util.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
+namespace test {
 
 class FreshCoutTest : public testing::Test {
  protected:
@@ -20,9 +21,10 @@ class FreshCoutTest : public testing::Test {
   }
 
  private:
-  testing_util::CoutFormatGuard guard_;
+  CoutFormatGuard guard_;
 };
 
+}  // namespace test
 }  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_RULES_COUTSTATE_TEST_UTIL_H_

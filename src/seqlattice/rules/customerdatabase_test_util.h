@@ -14,12 +14,13 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/pattern/pattern_test_util.h"
 #include "seqlattice/sequence/sequence.h"
 #include "seqlattice/sequence/timeditemset.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace testutil {
+namespace test {
 
 typedef std::vector<int> ItemSet;      // ascending items
 typedef std::vector<ItemSet> History;  // item sets in time order
@@ -86,19 +87,14 @@ inline std::map<History, int> countPatterns(const CustomerDatabase& db,
   return result;
 }
 
-// Stores `pattern` with the given count through the host's int** interface.
-inline void addPattern(SequenceDictionary& dict, const History& pattern,
-                       int count) {
-  std::vector<std::vector<int>> rows;
-  std::vector<int*> sets;
-  for (const ItemSet& set : pattern) {
-    std::vector<int> row(1, static_cast<int>(set.size()));
-    row.insert(row.end(), set.begin(), set.end());
-    rows.push_back(row);
-  }
-  for (std::vector<int>& row : rows) sets.push_back(row.data());
+// Stores `pattern` with the given count through the host's int** interface,
+// under a CarmaSequenceDescriptor (test::addPattern stores a plain
+// SequenceCounter).
+inline void addCarmaPattern(SequenceDictionary& dict, const History& pattern,
+                            int count) {
+  PatternArrays arrays(pattern);
   CarmaSequenceDescriptor counter(0, 0, count);
-  dict.addSequence(sets.data(), static_cast<int>(sets.size()), &counter);
+  dict.addSequence(arrays.sets(), arrays.nSets(), &counter);
 }
 
 // Fills an empty dictionary with every pattern the database contains at least
@@ -108,7 +104,7 @@ inline void fillDictionary(SequenceDictionary& dict, const CustomerDatabase& db,
   int* none[1] = {nullptr};
   for (size_t c = 0; c < db.size(); ++c) dict.incrementCount(none, 0);
   for (const auto& entry : countPatterns(db, minCount, dict.getNLevels() - 1)) {
-    addPattern(dict, entry.first, entry.second);
+    addCarmaPattern(dict, entry.first, entry.second);
   }
   if (withLattice) dict.buildLattice();
 }
@@ -156,7 +152,7 @@ inline std::string show(const NTSequence& p) {
   return show(*sequence);
 }
 
-}  // namespace testutil
+}  // namespace test
 }  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_RULES_CUSTOMERDATABASE_TEST_UTIL_H_

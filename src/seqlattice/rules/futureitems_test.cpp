@@ -14,23 +14,19 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testutil::ExpectedPrediction;
-using testutil::expectPredictions;
-using testutil::History;
-
 class FutureItems : public testing::Test {
  protected:
-  std::vector<SeqConsequentDescriptor> predict(const History& history,
+  std::vector<SeqConsequentDescriptor> predict(const test::History& history,
                                                int maxItems, bool lastSetOnly) {
     std::vector<SeqConsequentDescriptor> out;
-    const Sequence customer = testutil::toSequence(history);
+    const Sequence customer = test::toSequence(history);
     EXPECT_TRUE(
         dict->GetFutureItems(out, &customer, maxItems, lastSetOnly).IsOK());
     return out;
   }
 
-  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
-      testutil::shopDatabase(), testutil::kShopMinCount);
+  std::unique_ptr<SequenceDictionary> dict =
+      test::buildDictionary(test::shopDatabase(), test::kShopMinCount);
 };
 
 // (1)(2) matches (2) and (1)(2).
@@ -39,7 +35,7 @@ class FutureItems : public testing::Test {
 // 0.3, so item 4 keeps support 0.6 and cause 6/8.
 // Items 5 and 3 tie at 3/8: the larger item comes first.
 TEST_F(FutureItems, LastSetOnlyUsesPatternsEndingInTheLastSet) {
-  expectPredictions(
+  test::expectPredictions(
       predict({{1}, {2}}, 10, true),
       {{4, 0.75, 0.6, 0.75}, {5, 0.375, 0.3, 0.75}, {3, 0.375, 0.3, 3.0 / 7}});
 }
@@ -50,15 +46,16 @@ TEST_F(FutureItems, LastSetOnlyUsesPatternsEndingInTheLastSet) {
 // kept). (1)(2) 4/8 would predict item 2, which the customer has acquired
 // since.
 TEST_F(FutureItems, LaterPassesExcludeItemsOfTheSetsLeftOut) {
-  expectPredictions(
+  test::expectPredictions(
       predict({{1}, {2}}, 10, false),
       {{4, 0.75, 0.6, 0.75}, {3, 0.5, 0.4, 4.0 / 7}, {5, 0.375, 0.3, 0.75}});
 }
 
 TEST_F(FutureItems, MaxItemsCutsAfterSorting) {
-  expectPredictions(predict({{1}, {2}}, 2, true),
-                    {{4, 0.75, 0.6, 0.75}, {5, 0.375, 0.3, 0.75}});
-  expectPredictions(predict({{1}, {2}}, 1, false), {{4, 0.75, 0.6, 0.75}});
+  test::expectPredictions(predict({{1}, {2}}, 2, true),
+                          {{4, 0.75, 0.6, 0.75}, {5, 0.375, 0.3, 0.75}});
+  test::expectPredictions(predict({{1}, {2}}, 1, false),
+                          {{4, 0.75, 0.6, 0.75}});
 }
 
 TEST_F(FutureItems, ZeroOrNegativeMaxItemsAppendsNothing) {
@@ -70,12 +67,12 @@ TEST_F(FutureItems, ZeroOrNegativeMaxItemsAppendsNothing) {
 // 3/7. (2)(3): (4,5) -> (2)(3)(4) 3/3 = 1.0 beats 6/7 although its support
 // 0.3 is lower; its cause is 3/8.
 TEST_F(FutureItems, GreaterConfidenceWinsOverGreaterSupport) {
-  const std::vector<ExpectedPrediction> expected = {{4, 1.0, 0.3, 0.375},
-                                                    {5, 3.0 / 7, 0.3, 0.75}};
-  expectPredictions(predict({{2}, {3}}, 10, true), expected);
+  const std::vector<test::ExpectedPrediction> expected = {
+      {4, 1.0, 0.3, 0.375}, {5, 3.0 / 7, 0.3, 0.75}};
+  test::expectPredictions(predict({{2}, {3}}, 10, true), expected);
   // Pass 1 matches (2) with item 3 excluded: (2)(4) 6/8 and (2)(5) 3/8 are
   // worse than what pass 0 found.
-  expectPredictions(predict({{2}, {3}}, 10, false), expected);
+  test::expectPredictions(predict({{2}, {3}}, 10, false), expected);
 }
 
 // (1)(2 3) matches (2), (3), (1)(2), (2 3), (1)(3), in that order.
@@ -85,7 +82,7 @@ TEST_F(FutureItems, GreaterConfidenceWinsOverGreaterSupport) {
 // Item 5: (2)(5) 3/8, then (3)(5) 3/7. Item 3: (2)(3) 3/8; that the last set
 // holds 3 does not keep it out of pass 0.
 TEST_F(FutureItems, EqualConfidenceTakesTheGreaterSupportAndItsCause) {
-  expectPredictions(
+  test::expectPredictions(
       predict({{1}, {2, 3}}, 10, true),
       {{4, 1.0, 0.4, 0.5}, {5, 3.0 / 7, 0.3, 0.75}, {3, 0.375, 0.3, 3.0 / 7}});
 }
@@ -94,8 +91,8 @@ TEST_F(FutureItems, EqualConfidenceTakesTheGreaterSupportAndItsCause) {
 // (3)(4) 6/7 and (3)(5) 3/7.
 TEST_F(FutureItems, UnknownLastSetPredictsOnlyFromLaterPasses) {
   EXPECT_TRUE(predict({{3}, {9}}, 10, true).empty());
-  expectPredictions(predict({{3}, {9}}, 10, false),
-                    {{4, 6.0 / 7, 0.6, 0.75}, {5, 3.0 / 7, 0.3, 0.75}});
+  test::expectPredictions(predict({{3}, {9}}, 10, false),
+                          {{4, 6.0 / 7, 0.6, 0.75}, {5, 3.0 / 7, 0.3, 0.75}});
 }
 
 // (1)(3)(4): pass 0 matches (4), (1)(4), (3)(4), (1)(3)(4), none of which has
@@ -105,35 +102,35 @@ TEST_F(FutureItems, UnknownLastSetPredictsOnlyFromLaterPasses) {
 // passes run for three sets.
 TEST_F(FutureItems, EveryPassUpToTheFirstSetContributes) {
   EXPECT_TRUE(predict({{1}, {3}, {4}}, 10, true).empty());
-  expectPredictions(predict({{1}, {3}, {4}}, 10, false),
-                    {{2, 0.5, 0.4, 0.5}, {5, 3.0 / 7, 0.3, 0.75}});
+  test::expectPredictions(predict({{1}, {3}, {4}}, 10, false),
+                          {{2, 0.5, 0.4, 0.5}, {5, 3.0 / 7, 0.3, 0.75}});
 }
 
 // (1)(5): (5) and (1)(5) have no pair at codes 3 and 5. Pass 1 matches (1):
 // (1)(2) 4/8, (1)(3) 4/8, (1)(4) 5/8; item 5 is excluded. Items 3 and 2 tie
 // at 0.5: the larger item first.
 TEST_F(FutureItems, EqualConfidencePutsTheLargerItemFirst) {
-  expectPredictions(
+  test::expectPredictions(
       predict({{1}, {5}}, 10, false),
       {{4, 0.625, 0.5, 0.625}, {3, 0.5, 0.4, 4.0 / 7}, {2, 0.5, 0.4, 0.5}});
-  expectPredictions(predict({{1}, {5}}, 2, false),
-                    {{4, 0.625, 0.5, 0.625}, {3, 0.5, 0.4, 4.0 / 7}});
+  test::expectPredictions(predict({{1}, {5}}, 2, false),
+                          {{4, 0.625, 0.5, 0.625}, {3, 0.5, 0.4, 4.0 / 7}});
 }
 
 // The one-item counts over N = 10: 4, 2, 1 at 0.8 (larger items first), 3 at
 // 0.7, 5 at 0.4.
 TEST_F(FutureItems, EmptyHistoryReturnsTheMostFrequentItems) {
-  const std::vector<ExpectedPrediction> expected = {{4, 0.8, 0.8, 1.0},
-                                                    {2, 0.8, 0.8, 1.0},
-                                                    {1, 0.8, 0.8, 1.0},
-                                                    {3, 0.7, 0.7, 1.0}};
+  const std::vector<test::ExpectedPrediction> expected = {{4, 0.8, 0.8, 1.0},
+                                                          {2, 0.8, 0.8, 1.0},
+                                                          {1, 0.8, 0.8, 1.0},
+                                                          {3, 0.7, 0.7, 1.0}};
   std::vector<SeqConsequentDescriptor> out;
   ASSERT_TRUE(dict->GetFutureItems(out, nullptr, 4, true).IsOK());
-  expectPredictions(out, expected);
+  test::expectPredictions(out, expected);
   out.clear();
   const Sequence empty;
   ASSERT_TRUE(dict->GetFutureItems(out, &empty, 4, false).IsOK());
-  expectPredictions(out, expected);
+  test::expectPredictions(out, expected);
   out.clear();
   ASSERT_TRUE(dict->GetFutureItems(out, nullptr, 0, false).IsOK());
   EXPECT_TRUE(out.empty());
@@ -141,17 +138,17 @@ TEST_F(FutureItems, EmptyHistoryReturnsTheMostFrequentItems) {
 
 TEST_F(FutureItems, AppendsAfterWhatThePredictionsHeld) {
   std::vector<SeqConsequentDescriptor> out;
-  const Sequence customer = testutil::toSequence({{1}, {2}});
+  const Sequence customer = test::toSequence({{1}, {2}});
   ASSERT_TRUE(dict->GetFutureItems(out, &customer, 1, true).IsOK());
   ASSERT_TRUE(dict->GetFutureItems(out, &customer, 2, true).IsOK());
-  expectPredictions(
+  test::expectPredictions(
       out, {{4, 0.75, 0.6, 0.75}, {4, 0.75, 0.6, 0.75}, {5, 0.375, 0.3, 0.75}});
 }
 
 TEST_F(FutureItems, CancelBeforeTheCallAppendsNothing) {
   std::vector<SeqConsequentDescriptor> out(1, {7, 0.1, 0.2, 0.3});
   dict->setCancel();
-  const Sequence customer = testutil::toSequence({{1}, {2}});
+  const Sequence customer = test::toSequence({{1}, {2}});
   const KvCommon_850::KvStatus status =
       dict->GetFutureItems(out, &customer, 10, false);
   EXPECT_FALSE(status.IsOK());
@@ -172,11 +169,12 @@ TEST_F(FutureItems, CancelBeforeTheCallAppendsNothing) {
 // excluded. (3)(9): pass 1 predicts 5 too, (3)(5) 3/7 with support 0.3, and
 // its cause is 0.0 for want of a count of (5).
 TEST_F(FutureItems, ExcludedItemsNeedNotBeKnownAndUnknownItemsHaveNoCause) {
-  const Sequence five = testutil::toSequence({{5}});
+  const Sequence five = test::toSequence({{5}});
   dict->remove(&five);
-  expectPredictions(predict({{3}, {5}}, 10, false), {{4, 6.0 / 7, 0.6, 0.75}});
-  expectPredictions(predict({{3}, {9}}, 10, false),
-                    {{4, 6.0 / 7, 0.6, 0.75}, {5, 3.0 / 7, 0.3, 0.0}});
+  test::expectPredictions(predict({{3}, {5}}, 10, false),
+                          {{4, 6.0 / 7, 0.6, 0.75}});
+  test::expectPredictions(predict({{3}, {9}}, 10, false),
+                          {{4, 6.0 / 7, 0.6, 0.75}, {5, 3.0 / 7, 0.3, 0.0}});
 }
 
 // The shop dictionary, raising its own cancel flag while a chosen pass of a
@@ -185,8 +183,7 @@ TEST_F(FutureItems, ExcludedItemsNeedNotBeKnownAndUnknownItemsHaveNoCause) {
 class CancellingDictionary : public SequenceDictionary {
  public:
   CancellingDictionary() : SequenceDictionary(10) {
-    testutil::fillDictionary(*this, testutil::shopDatabase(),
-                             testutil::kShopMinCount);
+    test::fillDictionary(*this, test::shopDatabase(), test::kShopMinCount);
     asks_ = 0;  // the lattice build asked too
   }
 
@@ -213,12 +210,12 @@ struct Outcome {
 
 // Predicts for `history` into a vector that already holds one descriptor
 // (item 7), which must stay first.
-Outcome predictCancelling(const History& history, bool lastSetOnly,
+Outcome predictCancelling(const test::History& history, bool lastSetOnly,
                           int cancelledPass) {
   CancellingDictionary dict;
   dict.cancelDuringPass(cancelledPass);
   std::vector<SeqConsequentDescriptor> out(1, {7, 0.1, 0.2, 0.3});
-  const Sequence customer = testutil::toSequence(history);
+  const Sequence customer = test::toSequence(history);
   const KvCommon_850::KvStatus status =
       dict.GetFutureItems(out, &customer, 10, lastSetOnly);
   EXPECT_FALSE(status.GetFlag());
@@ -229,14 +226,14 @@ Outcome predictCancelling(const History& history, bool lastSetOnly,
 }
 
 // (1)(3)(4) as in EveryPassUpToTheFirstSetContributes.
-const std::vector<ExpectedPrediction> kThreeSetPrediction = {
+const std::vector<test::ExpectedPrediction> kThreeSetPrediction = {
     {2, 0.5, 0.4, 0.5}, {5, 3.0 / 7, 0.3, 0.75}};
 
 TEST(FutureItemsPasses, ThreeItemSetsRunThreePassesOrOne) {
   Outcome all = predictCancelling({{1}, {3}, {4}}, false, -1);
   EXPECT_EQ(all.code, 0);
   EXPECT_EQ(all.passes, 3);
-  expectPredictions(all.appended, kThreeSetPrediction);
+  test::expectPredictions(all.appended, kThreeSetPrediction);
   Outcome last = predictCancelling({{1}, {3}, {4}}, true, -1);
   EXPECT_EQ(last.code, 0);
   EXPECT_EQ(last.passes, 1);
@@ -271,15 +268,15 @@ TEST(FutureItemsPasses, CancelInTheLastPossiblePassIsNotRead) {
   Outcome three = predictCancelling({{1}, {3}, {4}}, false, 2);
   EXPECT_EQ(three.code, 0);
   EXPECT_EQ(three.passes, 3);
-  expectPredictions(three.appended, kThreeSetPrediction);
+  test::expectPredictions(three.appended, kThreeSetPrediction);
   // (2): (2)(4) 6/8, (2)(5) 3/8, (2)(3) 3/8.
   for (bool lastSetOnly : {true, false}) {
     Outcome one = predictCancelling({{2}}, lastSetOnly, 0);
     EXPECT_EQ(one.code, 0);
     EXPECT_EQ(one.passes, 1);
-    expectPredictions(one.appended, {{4, 0.75, 0.6, 0.75},
-                                     {5, 0.375, 0.3, 0.75},
-                                     {3, 0.375, 0.3, 3.0 / 7}});
+    test::expectPredictions(one.appended, {{4, 0.75, 0.6, 0.75},
+                                           {5, 0.375, 0.3, 0.75},
+                                           {3, 0.375, 0.3, 3.0 / 7}});
   }
 }
 
@@ -288,11 +285,11 @@ TEST(FutureItemsPasses, CancelInTheLastPossiblePassIsNotRead) {
 // 0: (1)(1) 2/3, support 2/3, cause 2/3.
 TEST(FutureItemsRepeat, ItemOfTheLastSetCanBePredictedInPassZero) {
   std::unique_ptr<SequenceDictionary> dict =
-      testutil::buildDictionary({{{1}, {1}}, {{1}, {1}}, {{1}, {2}}}, 2);
+      test::buildDictionary({{{1}, {1}}, {{1}, {1}}, {{1}, {2}}}, 2);
   std::vector<SeqConsequentDescriptor> out;
-  const Sequence customer = testutil::toSequence({{1}});
+  const Sequence customer = test::toSequence({{1}});
   ASSERT_TRUE(dict->GetFutureItems(out, &customer, 5, true).IsOK());
-  expectPredictions(out, {{1, 2.0 / 3, 2.0 / 3, 2.0 / 3}});
+  test::expectPredictions(out, {{1, 2.0 / 3, 2.0 / 3, 2.0 / 3}});
 }
 
 // Zero counts make confidence 0/0: such candidates are still returned, after
@@ -301,16 +298,16 @@ TEST(FutureItemsZeroCounts, UndefinedConfidenceSortsLast) {
   SequenceDictionary dict(10);
   int* none[1] = {nullptr};
   dict.incrementCount(none, 0);  // N = 1
-  testutil::addPattern(dict, {{1}}, 0);
-  testutil::addPattern(dict, {{2}}, 1);
-  testutil::addPattern(dict, {{3}}, 1);
-  testutil::addPattern(dict, {{4}}, 1);
-  testutil::addPattern(dict, {{1}, {2}}, 0);
-  testutil::addPattern(dict, {{1}, {3}}, 0);
-  testutil::addPattern(dict, {{4}, {1}}, 1);
+  test::addCarmaPattern(dict, {{1}}, 0);
+  test::addCarmaPattern(dict, {{2}}, 1);
+  test::addCarmaPattern(dict, {{3}}, 1);
+  test::addCarmaPattern(dict, {{4}}, 1);
+  test::addCarmaPattern(dict, {{1}, {2}}, 0);
+  test::addCarmaPattern(dict, {{1}, {3}}, 0);
+  test::addCarmaPattern(dict, {{4}, {1}}, 1);
   ASSERT_TRUE(dict.buildLattice().IsOK());
   std::vector<SeqConsequentDescriptor> out;
-  const Sequence first = testutil::toSequence({{1}});
+  const Sequence first = test::toSequence({{1}});
   ASSERT_TRUE(dict.GetFutureItems(out, &first, 10, true).IsOK());
   ASSERT_EQ(out.size(), 2u);
   EXPECT_EQ(out[0].GetItem(), 3);
@@ -320,7 +317,7 @@ TEST(FutureItemsZeroCounts, UndefinedConfidenceSortsLast) {
   EXPECT_EQ(out[0].GetCause(), 0.0);
   // From (1 4), (4) adds (4)(1) 1/1 for item 1, ahead of the undefined ones.
   out.clear();
-  const Sequence second = testutil::toSequence({{1, 4}});
+  const Sequence second = test::toSequence({{1, 4}});
   ASSERT_TRUE(dict.GetFutureItems(out, &second, 10, true).IsOK());
   ASSERT_EQ(out.size(), 3u);
   EXPECT_EQ(out[0].GetItem(), 1);
@@ -335,7 +332,7 @@ TEST_F(FutureItems, MissingCountOfSequencesFails) {
   NTSequence empty;
   dict->remove(&empty);
   std::vector<SeqConsequentDescriptor> out;
-  const Sequence customer = testutil::toSequence({{1}, {2}});
+  const Sequence customer = test::toSequence({{1}, {2}});
   for (const Sequence* history :
        {&customer, static_cast<const Sequence*>(nullptr)}) {
     const KvCommon_850::KvStatus future =

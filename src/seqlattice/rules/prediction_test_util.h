@@ -10,7 +10,7 @@
 #include "seqlattice/rules/seqconsequentdescript.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace testutil {
+namespace test {
 
 struct ExpectedPrediction {
   int item;
@@ -31,7 +31,7 @@ inline void expectPredictions(const std::vector<SeqConsequentDescriptor>& got,
   }
 }
 
-}  // namespace testutil
+}  // namespace test
 }  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_RULES_PREDICTION_TEST_UTIL_H_

@@ -33,8 +33,6 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testutil::History;
-
 struct ExpectedRule {
   std::string text;  // "(1)(3)=>(4)"
   double support;
@@ -64,8 +62,8 @@ void expectRules(const std::vector<SeqAssociationRule>& got,
   ASSERT_EQ(got.size(), expected.size());
   for (size_t i = 0; i < got.size(); ++i) {
     SCOPED_TRACE(testing::Message() << "rule " << i);
-    EXPECT_EQ(testutil::show(got[i].GetAntecedent()) + "=>" +
-                  testutil::show(got[i].GetConsequent()),
+    EXPECT_EQ(test::show(got[i].GetAntecedent()) + "=>" +
+                  test::show(got[i].GetConsequent()),
               expected[i].text);
     EXPECT_NEAR(got[i].GetSupport(), expected[i].support, 1e-12);
     EXPECT_NEAR(got[i].GetConfidence(), expected[i].confidence, 1e-12);
@@ -102,8 +100,8 @@ class Rules : public testing::Test {
     EXPECT_TRUE(out.empty());
   }
 
-  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
-      testutil::shopDatabase(), testutil::kShopMinCount);
+  std::unique_ptr<SequenceDictionary> dict =
+      test::buildDictionary(test::shopDatabase(), test::kShopMinCount);
 };
 
 TEST_F(Rules, SortedBySupportWithTiesInOrderOfDiscovery) {
@@ -164,8 +162,8 @@ TEST_F(Rules, MaximalOnlyKeepsPatternsThatNothingExtends) {
 }
 
 TEST_F(Rules, MaximalOnlyExcludesNothingBeforeTheLatticeIsBuilt) {
-  dict = testutil::buildDictionary(testutil::shopDatabase(),
-                                   testutil::kShopMinCount, 10, false);
+  dict = test::buildDictionary(test::shopDatabase(), test::kShopMinCount, 10,
+                               false);
   expectRules(rules('S', true),
               rulesAt({1, 8, 2, 4, 5, 11, 0, 3, 6, 7, 10, 12, 9, 13}));
 }
@@ -201,7 +199,7 @@ TEST_F(Rules, PatternWithoutCounterFailsTheWholeExtraction) {
 // Without (3), the rules whose antecedent or consequent is (3) are skipped
 // rather than computed from a missing count; (2)(3)=>(4) stays.
 TEST_F(Rules, RuleWithAMissingPartIsSkipped) {
-  const Sequence three = testutil::toSequence({{3}});
+  const Sequence three = test::toSequence({{3}});
   dict->remove(&three);
   expectRules(rules('S'), rulesAt({1, 2, 5, 11, 0, 7, 10, 12, 13}));
 }
@@ -218,7 +216,7 @@ TEST(RulesOfSmallDictionaries, NoLevelTwoMeansNoRules) {
   EXPECT_TRUE(
       empty.GetRules(out, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 'S', false).IsOK());
   std::unique_ptr<SequenceDictionary> singles =
-      testutil::buildDictionary({{{1}}, {{1}}, {{2}, {1}}}, 2);
+      test::buildDictionary({{{1}}, {{1}}, {{2}, {1}}}, 2);
   ASSERT_EQ(singles->LargestSequence(), 1);
   EXPECT_TRUE(
       singles->GetRules(out, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 'S', false).IsOK());
@@ -229,7 +227,7 @@ TEST(RulesOfSmallDictionaries, NoLevelTwoMeansNoRules) {
 // a raised flag goes unread.
 TEST(RulesOfSmallDictionaries, CancelIsNotReadWithoutALevelTwo) {
   std::unique_ptr<SequenceDictionary> singles =
-      testutil::buildDictionary({{{1}}, {{1}}, {{2}, {1}}}, 2);
+      test::buildDictionary({{{1}}, {{1}}, {{2}, {1}}}, 2);
   singles->setCancel();
   std::vector<SeqAssociationRule> out;
   EXPECT_TRUE(
@@ -240,7 +238,7 @@ TEST(RulesOfSmallDictionaries, CancelIsNotReadWithoutALevelTwo) {
 TEST(RulesOfSmallDictionaries, OneSetPatternsGiveNoRules) {
   // (1 2) is stored at level 2 (count 2) but has one item set.
   std::unique_ptr<SequenceDictionary> dict =
-      testutil::buildDictionary({{{1, 2}}, {{1, 2}}}, 2);
+      test::buildDictionary({{{1, 2}}, {{1, 2}}}, 2);
   ASSERT_EQ(dict->LargestSequence(), 2);
   std::vector<SeqAssociationRule> out;
   EXPECT_TRUE(

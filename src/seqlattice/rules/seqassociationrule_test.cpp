@@ -15,7 +15,7 @@ namespace {
 Sequence MakeSequence(std::initializer_list<std::vector<int>> sets) {
   std::vector<double> times;
   for (std::size_t k = 1; k <= sets.size(); ++k) times.push_back(k);
-  return testing_util::MakeSequence(sets, times);
+  return test::MakeSequence(sets, times);
 }
 
 std::string DisplayText(const SeqAssociationRule& rule) {
@@ -24,7 +24,7 @@ std::string DisplayText(const SeqAssociationRule& rule) {
   return testing::internal::GetCapturedStdout();
 }
 
-using SeqAssociationRuleTest = FreshCoutTest;
+using SeqAssociationRuleTest = test::FreshCoutTest;
 
 TEST_F(SeqAssociationRuleTest, StoresCopiesAndTheFourNumbers) {
   const Sequence antecedent = MakeSequence({{1, 5}, {2}});

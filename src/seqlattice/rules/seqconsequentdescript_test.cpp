@@ -21,7 +21,7 @@ std::string DisplayText(const SeqConsequentDescriptor& descriptor) {
   return testing::internal::GetCapturedStdout();
 }
 
-using SeqConsequentDescriptorTest = FreshCoutTest;
+using SeqConsequentDescriptorTest = test::FreshCoutTest;
 
 TEST_F(SeqConsequentDescriptorTest, ConstructorTakesSupportBeforeConfidence) {
   const SeqConsequentDescriptor descriptor(7, 0.2, 0.9, 0.5);

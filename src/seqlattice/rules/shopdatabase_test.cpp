@@ -12,17 +12,15 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testutil::History;
-
 struct Expected {
-  History pattern;
+  test::History pattern;
   int count;
   std::set<std::pair<int, int>> adjacent;
 };
 
 TEST(ShopDatabase, HoldsTheCountsAndAdjacencyWorkedOutByHand) {
-  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
-      testutil::shopDatabase(), testutil::kShopMinCount);
+  std::unique_ptr<SequenceDictionary> dict =
+      test::buildDictionary(test::shopDatabase(), test::kShopMinCount);
   const Expected table[] = {
       {{}, 10, {{1, 1}, {2, 1}, {3, 1}, {4, 1}, {5, 1}}},
       {{{1}}, 8, {{2, 0}, {2, 3}, {3, 3}, {4, 3}, {5, 3}}},
@@ -49,16 +47,16 @@ TEST(ShopDatabase, HoldsTheCountsAndAdjacencyWorkedOutByHand) {
       {{{2}, {3}, {4}}, 3, {}},
   };
   for (const Expected& expected : table) {
-    const Sequence sequence = testutil::toSequence(expected.pattern);
+    const Sequence sequence = test::toSequence(expected.pattern);
     const SequenceCounter* counter = dict->getDescriptor(&sequence);
-    ASSERT_NE(counter, nullptr) << testutil::show(sequence);
-    EXPECT_EQ(counter->getCount(), expected.count) << testutil::show(sequence);
+    ASSERT_NE(counter, nullptr) << test::show(sequence);
+    EXPECT_EQ(counter->getCount(), expected.count) << test::show(sequence);
     std::set<std::pair<int, int>> adjacent;
     if (counter->getAdjacentItems() != nullptr) {
       adjacent.insert(counter->getAdjacentItems()->begin(),
                       counter->getAdjacentItems()->end());
     }
-    EXPECT_EQ(adjacent, expected.adjacent) << testutil::show(sequence);
+    EXPECT_EQ(adjacent, expected.adjacent) << test::show(sequence);
   }
   EXPECT_EQ(dict->CountSequencesOfSize(1), 5);
   EXPECT_EQ(dict->CountSequencesOfSize(2), 12);

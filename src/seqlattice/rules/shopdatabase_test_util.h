@@ -47,7 +47,7 @@
 #include "seqlattice/rules/customerdatabase_test_util.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace testutil {
+namespace test {
 
 inline const CustomerDatabase& shopDatabase() {
   static const CustomerDatabase db = {
@@ -68,7 +68,7 @@ inline const CustomerDatabase& shopDatabase() {
 // The minimum count of the stored patterns.
 constexpr int kShopMinCount = 2;
 
-}  // namespace testutil
+}  // namespace test
 }  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_RULES_SHOPDATABASE_TEST_UTIL_H_

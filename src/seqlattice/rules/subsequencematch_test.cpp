@@ -12,10 +12,6 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testutil::History;
-
 // The patterns matching appends after what `found` held, shown as text; all
 // of them are deleted.
 std::vector<std::string> matched(SequenceDictionary& dict,
@@ -26,21 +22,22 @@ std::vector<std::string> matched(SequenceDictionary& dict,
       dict.getSubsequencesInSequence(found, &customer, skipLast).IsOK());
   std::vector<std::string> shown;
   for (size_t i = before; i < found.size(); ++i) {
-    shown.push_back(testutil::show(*found[i]));
+    shown.push_back(test::show(*found[i]));
   }
   for (NTSequence* p : found) delete p;
   return shown;
 }
 
 std::vector<std::string> matched(SequenceDictionary& dict,
-                                 const History& customer, int skipLast = 0) {
-  return matched(dict, testutil::toSequence(customer), skipLast);
+                                 const test::History& customer,
+                                 int skipLast = 0) {
+  return matched(dict, test::toSequence(customer), skipLast);
 }
 
 class ShopMatching : public testing::Test {
  protected:
-  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
-      testutil::shopDatabase(), testutil::kShopMinCount);
+  std::unique_ptr<SequenceDictionary> dict =
+      test::buildDictionary(test::shopDatabase(), test::kShopMinCount);
 };
 
 // (1)(2 3): (2) and (3) from the last set; (2) grows by (1,1) to (1)(2) and by
@@ -49,67 +46,67 @@ class ShopMatching : public testing::Test {
 // stored, but none is contained in this history.
 TEST_F(ShopMatching, ReturnsLastSetItemsThenExtensionsInOrderFormed) {
   EXPECT_THAT(matched(*dict, {{1}, {2, 3}}),
-              ElementsAre("(2)", "(3)", "(1)(2)", "(2 3)", "(1)(3)"));
+              testing::ElementsAre("(2)", "(3)", "(1)(2)", "(2 3)", "(1)(3)"));
 }
 
 TEST_F(ShopMatching, FindsThreeSetPatternsEndingInTheLastSet) {
   EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}),
-              ElementsAre("(4)", "(1)(4)", "(3)(4)", "(1)(3)(4)"));
+              testing::ElementsAre("(4)", "(1)(4)", "(3)(4)", "(1)(3)(4)"));
   EXPECT_THAT(matched(*dict, {{1}, {2, 3}, {4}}),
-              ElementsAre("(4)", "(1)(4)", "(2)(4)", "(3)(4)", "(1)(2)(4)",
-                          "(2 3)(4)", "(1)(3)(4)"));
+              testing::ElementsAre("(4)", "(1)(4)", "(2)(4)", "(3)(4)",
+                                   "(1)(2)(4)", "(2 3)(4)", "(1)(3)(4)"));
 }
 
 TEST_F(ShopMatching, SkipLastLeavesOutTrailingItemSets) {
-  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 1), ElementsAre("(3)", "(1)(3)"));
-  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 2), ElementsAre("(1)"));
+  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 1),
+              testing::ElementsAre("(3)", "(1)(3)"));
+  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 2), testing::ElementsAre("(1)"));
 }
 
 TEST_F(ShopMatching, SkipLastAtOrBeyondTheLengthYieldsNothing) {
-  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 3), IsEmpty());
-  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 7), IsEmpty());
+  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 3), testing::IsEmpty());
+  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}}, 7), testing::IsEmpty());
 }
 
 TEST_F(ShopMatching, LastSetOfUnknownItemsYieldsNothingWhateverCameBefore) {
   // (1)(3)(4) alone matches four patterns; item 9 is not stored.
-  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}, {9}}), IsEmpty());
-  EXPECT_THAT(matched(*dict, {{9}}), IsEmpty());
+  EXPECT_THAT(matched(*dict, {{1}, {3}, {4}, {9}}), testing::IsEmpty());
+  EXPECT_THAT(matched(*dict, {{9}}), testing::IsEmpty());
 }
 
 TEST_F(ShopMatching, UnknownItemsAreDroppedAndTheirSetsWithThem) {
   // The (9) in between vanishes, (4 9) keeps 4.
   EXPECT_THAT(matched(*dict, {{1}, {9}, {3}, {4, 9}}),
-              ElementsAre("(4)", "(1)(4)", "(3)(4)", "(1)(3)(4)"));
+              testing::ElementsAre("(4)", "(1)(4)", "(3)(4)", "(1)(3)(4)"));
 }
 
 TEST_F(ShopMatching, DuplicateItemsInTheLastSetGiveOnePattern) {
-  Sequence customer = testutil::toSequence({{1}});
+  Sequence customer = test::toSequence({{1}});
   TimedItemSet last;
   const int items[] = {3, 2, 3, 3};
   last.AddAllItems(items, 4, 2.0);
   customer.AddTimedItemSet(&last);
   EXPECT_THAT(matched(*dict, customer, 0),
-              ElementsAre("(2)", "(3)", "(1)(2)", "(2 3)", "(1)(3)"));
+              testing::ElementsAre("(2)", "(3)", "(1)(2)", "(2 3)", "(1)(3)"));
 }
 
 TEST_F(ShopMatching, TimesNeverChangeTheResult) {
-  const History history = {{1}, {2, 3}};
+  const test::History history = {{1}, {2, 3}};
   const std::vector<std::string> reference = matched(*dict, history);
-  EXPECT_EQ(matched(*dict, testutil::toSequence(history, 500.0, -7.5), 0),
+  EXPECT_EQ(matched(*dict, test::toSequence(history, 500.0, -7.5), 0),
             reference);
-  EXPECT_EQ(matched(*dict, testutil::toSequence(history, 0.0, 0.0), 0),
-            reference);
+  EXPECT_EQ(matched(*dict, test::toSequence(history, 0.0, 0.0), 0), reference);
 }
 
 TEST_F(ShopMatching, KeepsWhatTheOutputHeldBefore) {
   int set[2] = {1, 42};
   std::vector<NTSequence*> found = {new NTSequence(set)};
   std::vector<NTSequence*> copy = found;
-  const Sequence customer = testutil::toSequence({{2}});
+  const Sequence customer = test::toSequence({{2}});
   ASSERT_TRUE(dict->getSubsequencesInSequence(found, &customer, 0).IsOK());
   ASSERT_EQ(found.size(), 2u);
   EXPECT_EQ(found[0], copy[0]);
-  EXPECT_EQ(testutil::show(*found[1]), "(2)");
+  EXPECT_EQ(test::show(*found[1]), "(2)");
   for (NTSequence* p : found) delete p;
 }
 
@@ -118,23 +115,25 @@ TEST_F(ShopMatching, NullOrEmptyCustomerYieldsNothing) {
   EXPECT_TRUE(dict->getSubsequencesInSequence(found, nullptr, 0).IsOK());
   const Sequence empty;
   EXPECT_TRUE(dict->getSubsequencesInSequence(found, &empty, 0).IsOK());
-  EXPECT_THAT(found, IsEmpty());
+  EXPECT_THAT(found, testing::IsEmpty());
 }
 
 // With three levels (patterns of up to two items) the largest level is 2:
 // only the one-item patterns of the last set are returned, although (1)(2),
 // (1)(3) and (2 3) are stored and contained.
 TEST(Matching, LargestLevelTwoReturnsOnlyOneItemPatterns) {
-  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
-      testutil::shopDatabase(), testutil::kShopMinCount, 3);
+  std::unique_ptr<SequenceDictionary> dict =
+      test::buildDictionary(test::shopDatabase(), test::kShopMinCount, 3);
   ASSERT_EQ(dict->LargestSequence(), 2);
-  EXPECT_THAT(matched(*dict, {{1}, {2, 3}}), ElementsAre("(2)", "(3)"));
+  EXPECT_THAT(matched(*dict, {{1}, {2, 3}}),
+              testing::ElementsAre("(2)", "(3)"));
 }
 
 TEST(Matching, WithoutLatticeReturnsOnlyOneItemPatterns) {
-  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
-      testutil::shopDatabase(), testutil::kShopMinCount, 10, false);
-  EXPECT_THAT(matched(*dict, {{1}, {2, 3}}), ElementsAre("(2)", "(3)"));
+  std::unique_ptr<SequenceDictionary> dict = test::buildDictionary(
+      test::shopDatabase(), test::kShopMinCount, 10, false);
+  EXPECT_THAT(matched(*dict, {{1}, {2, 3}}),
+              testing::ElementsAre("(2)", "(3)"));
 }
 
 // Two customers (2)(1)(3) store (1), (2), (3), (2)(1), (1)(3), (2)(3) and
@@ -143,11 +142,11 @@ TEST(Matching, WithoutLatticeReturnsOnlyOneItemPatterns) {
 // (2)(1)(3). Matched at the first 1, nothing would come before it.
 TEST(Matching, RepeatedItemIsMatchedAtItsLatestEarlierOccurrence) {
   std::unique_ptr<SequenceDictionary> dict =
-      testutil::buildDictionary({{{2}, {1}, {3}}, {{2}, {1}, {3}}}, 2);
+      test::buildDictionary({{{2}, {1}, {3}}, {{2}, {1}, {3}}}, 2);
   EXPECT_THAT(matched(*dict, {{1}, {2}, {1}, {3}}),
-              ElementsAre("(3)", "(1)(3)", "(2)(3)", "(2)(1)(3)"));
+              testing::ElementsAre("(3)", "(1)(3)", "(2)(3)", "(2)(1)(3)"));
   EXPECT_THAT(matched(*dict, {{1}, {2}, {3}}),
-              ElementsAre("(3)", "(1)(3)", "(2)(3)"));
+              testing::ElementsAre("(3)", "(1)(3)", "(2)(3)"));
 }
 
 // Two customers (1)(3)(4) and two (1)(2)(5) store the subsequences of each,
@@ -156,11 +155,11 @@ TEST(Matching, RepeatedItemIsMatchedAtItsLatestEarlierOccurrence) {
 // (2)(5) first, being the smaller pattern, so (1)(2)(5) is formed before
 // (1)(3)(4).
 TEST(Matching, EachWorkSetIsTakenSmallestPatternFirst) {
-  std::unique_ptr<SequenceDictionary> dict = testutil::buildDictionary(
+  std::unique_ptr<SequenceDictionary> dict = test::buildDictionary(
       {{{1}, {3}, {4}}, {{1}, {3}, {4}}, {{1}, {2}, {5}}, {{1}, {2}, {5}}}, 2);
   EXPECT_THAT(matched(*dict, {{1}, {2, 3}, {4, 5}}),
-              ElementsAre("(4)", "(5)", "(1)(4)", "(3)(4)", "(1)(5)", "(2)(5)",
-                          "(1)(2)(5)", "(1)(3)(4)"));
+              testing::ElementsAre("(4)", "(5)", "(1)(4)", "(3)(4)", "(1)(5)",
+                                   "(2)(5)", "(1)(2)(5)", "(1)(3)(4)"));
 }
 
 // An item set may hold more than 100 known items. Items 1 .. 150 are stored,
@@ -171,13 +170,13 @@ TEST(Matching, ItemSetsOfMoreThanAHundredItems) {
   int* none[1] = {nullptr};
   dict.incrementCount(none, 0);
   dict.incrementCount(none, 0);
-  History customer = {{3}, {7}, {}};
+  test::History customer = {{3}, {7}, {}};
   for (int item = 1; item <= 150; ++item) {
-    testutil::addPattern(dict, {{item}}, 2);
+    test::addCarmaPattern(dict, {{item}}, 2);
     customer.back().push_back(item);
   }
-  testutil::addPattern(dict, {{7}, {150}}, 2);
-  testutil::addPattern(dict, {{3}, {7}, {150}}, 2);
+  test::addCarmaPattern(dict, {{7}, {150}}, 2);
+  test::addCarmaPattern(dict, {{3}, {7}, {150}}, 2);
   ASSERT_TRUE(dict.buildLattice().IsOK());
   const std::vector<std::string> found = matched(dict, customer);
   ASSERT_EQ(found.size(), 152u);

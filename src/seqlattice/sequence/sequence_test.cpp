@@ -13,16 +13,12 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testing_util::CoutFormatGuard;
-using testing_util::ItemsOf;
-using testing_util::MakeSequence;
-using testing_util::MakeSet;
 using Items = std::vector<int>;
 
 // The items of every set, in order.
 std::vector<Items> SetsOf(const Sequence& seq) {
   std::vector<Items> sets;
-  for (int i = 0; i < seq.Length(); ++i) sets.push_back(ItemsOf(*seq[i]));
+  for (int i = 0; i < seq.Length(); ++i) sets.push_back(test::ItemsOf(*seq[i]));
   return sets;
 }
 
@@ -43,24 +39,24 @@ TEST(SequenceTest, ConstructorsStartEmpty) {
 
 TEST(SequenceTest, AddTimedItemSetStoresACopy) {
   Sequence seq;
-  TimedItemSet set = MakeSet({2, 7}, 4.0);
+  TimedItemSet set = test::MakeSet({2, 7}, 4.0);
   seq.AddTimedItemSet(&set);
   set.AddItem(9);
   set.SetTime(8.0);
   ASSERT_EQ(seq.Length(), 1);
   EXPECT_NE(seq[0], &set);
-  EXPECT_EQ(ItemsOf(*seq[0]), (Items{2, 7}));
+  EXPECT_EQ(test::ItemsOf(*seq[0]), (Items{2, 7}));
   EXPECT_EQ(seq.GetTimeOfTimedItemSet(0), 4.0);
 }
 
 TEST(SequenceTest, LengthCountsSetsAndSizeCountsItems) {
-  const Sequence seq = MakeSequence({{1, 5}, {2}, {3, 4, 6}}, {1, 2, 3});
+  const Sequence seq = test::MakeSequence({{1, 5}, {2}, {3, 4, 6}}, {1, 2, 3});
   EXPECT_EQ(seq.Length(), 3);
   EXPECT_EQ(seq.Size(), 6);
 }
 
 TEST(SequenceTest, CopyConstructorCopiesEverySetDeeply) {
-  const Sequence original = MakeSequence({{1, 5}, {2}}, {3, 7});
+  const Sequence original = test::MakeSequence({{1, 5}, {2}}, {3, 7});
   Sequence copy(original);
   EXPECT_TRUE(copy == original);
   EXPECT_NE(copy[0], original[0]);
@@ -69,8 +65,8 @@ TEST(SequenceTest, CopyConstructorCopiesEverySetDeeply) {
 }
 
 TEST(SequenceTest, AssignmentAppendsAfterTheSetsHeld) {
-  Sequence target = MakeSequence({{9}}, {1});
-  const Sequence source = MakeSequence({{1}, {2, 3}}, {5, 6});
+  Sequence target = test::MakeSequence({{9}}, {1});
+  const Sequence source = test::MakeSequence({{1}, {2, 3}}, {5, 6});
   target = source;
   EXPECT_EQ(target.Length(), 3);
   EXPECT_EQ(SetsOf(target), (std::vector<Items>{{9}, {1}, {2, 3}}));
@@ -79,21 +75,21 @@ TEST(SequenceTest, AssignmentAppendsAfterTheSetsHeld) {
 }
 
 TEST(SequenceTest, SelfAssignmentChangesNothing) {
-  Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
+  Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
   Sequence& alias = seq;
   seq = alias;
   EXPECT_EQ(seq.Length(), 2);
 }
 
 TEST(SequenceTest, ClearDeletesAllSets) {
-  Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
+  Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
   seq.Clear();
   EXPECT_EQ(seq.Length(), 0);
   EXPECT_EQ(seq.Size(), 0);
 }
 
 TEST(SequenceTest, IndexAboveLengthThrowsStatusWithIndexAndLength) {
-  const Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
+  const Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
   try {
     (void)seq[seq.Length() + 1];
     FAIL() << "no status thrown";
@@ -105,7 +101,7 @@ TEST(SequenceTest, IndexAboveLengthThrowsStatusWithIndexAndLength) {
 }
 
 TEST(SequenceTest, TimeIndexAboveLengthThrowsStatusWithIndexOnly) {
-  const Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
+  const Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
   try {
     (void)seq.GetTimeOfTimedItemSet(7);
     FAIL() << "no status thrown";
@@ -116,7 +112,7 @@ TEST(SequenceTest, TimeIndexAboveLengthThrowsStatusWithIndexOnly) {
 }
 
 TEST(SequenceTest, IndexEqualToLengthOrNegativeIsLetThrough) {
-  const Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
+  const Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
   EXPECT_EQ(seq[2], nullptr);
   EXPECT_EQ(seq[-1], nullptr);
   EXPECT_TRUE(std::isnan(seq.GetTimeOfTimedItemSet(2)));
@@ -125,8 +121,8 @@ TEST(SequenceTest, IndexEqualToLengthOrNegativeIsLetThrough) {
 }
 
 TEST(SequenceTest, JoinCurrentMergesFirstSetIntoLast) {
-  Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
-  const Sequence other = MakeSequence({{3}, {4}}, {5, 6});
+  Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
+  const Sequence other = test::MakeSequence({{3}, {4}}, {5, 6});
   seq.JoinCurrent(&other);
   EXPECT_EQ(SetsOf(seq), (std::vector<Items>{{1}, {2, 3}, {4}}));
   // The merged set keeps this sequence's time; the rest keep their own.
@@ -134,62 +130,62 @@ TEST(SequenceTest, JoinCurrentMergesFirstSetIntoLast) {
 }
 
 TEST(SequenceTest, JoinCurrentWithItselfOfLengthOne) {
-  Sequence seq = MakeSequence({{1, 3}}, {4});
+  Sequence seq = test::MakeSequence({{1, 3}}, {4});
   seq.JoinCurrent(&seq);
   EXPECT_EQ(SetsOf(seq), (std::vector<Items>{{1, 3}}));
 }
 
 TEST(SequenceTest, JoinCurrentRefusesEmptySequences) {
   Sequence empty;
-  Sequence seq = MakeSequence({{1}}, {1});
+  Sequence seq = test::MakeSequence({{1}}, {1});
   EXPECT_THROW(seq.JoinCurrent(&empty), std::invalid_argument);
   EXPECT_THROW(empty.JoinCurrent(&seq), std::invalid_argument);
   EXPECT_EQ(SetsOf(seq), (std::vector<Items>{{1}}));
 }
 
 TEST(SequenceTest, JoinTemporalAppendsSets) {
-  Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
-  const Sequence other = MakeSequence({{3}, {4}}, {5, 6});
+  Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
+  const Sequence other = test::MakeSequence({{3}, {4}}, {5, 6});
   seq.JoinTemporal(&other);
   EXPECT_EQ(SetsOf(seq), (std::vector<Items>{{1}, {2}, {3}, {4}}));
   EXPECT_EQ(TimesOf(seq), (std::vector<double>{1, 2, 5, 6}));
 }
 
 TEST(SequenceTest, JoinTemporalWithItselfDoublesTheSets) {
-  Sequence seq = MakeSequence({{1}, {2}}, {1, 2});
+  Sequence seq = test::MakeSequence({{1}, {2}}, {1, 2});
   seq.JoinTemporal(&seq);
   EXPECT_EQ(SetsOf(seq), (std::vector<Items>{{1}, {2}, {1}, {2}}));
 }
 
 TEST(SequenceTest, OrderComparesSetsIgnoringTimes) {
-  const Sequence a = MakeSequence({{1}, {2}}, {1, 2});
-  const Sequence b = MakeSequence({{1}, {2}, {0}}, {9, 9, 9});
-  const Sequence c = MakeSequence({{1}, {3}}, {0, 0});
-  const Sequence d = MakeSequence({{1, 2}}, {0});
+  const Sequence a = test::MakeSequence({{1}, {2}}, {1, 2});
+  const Sequence b = test::MakeSequence({{1}, {2}, {0}}, {9, 9, 9});
+  const Sequence c = test::MakeSequence({{1}, {3}}, {0, 0});
+  const Sequence d = test::MakeSequence({{1, 2}}, {0});
   EXPECT_TRUE(a < b);  // a prefix of b
   EXPECT_FALSE(b < a);
   EXPECT_TRUE(b < c);
   EXPECT_TRUE(a < d);  // (1) < (1 2)
   EXPECT_FALSE(d < a);
-  EXPECT_FALSE(a < MakeSequence({{1}, {2}}, {5, 6}));
+  EXPECT_FALSE(a < test::MakeSequence({{1}, {2}}, {5, 6}));
   EXPECT_TRUE(Sequence() < a);
   EXPECT_FALSE(Sequence() < Sequence());
 }
 
 TEST(SequenceTest, EqualityIncludesTimes) {
-  const Sequence a = MakeSequence({{1}, {2}}, {1, 2});
-  EXPECT_TRUE(a == MakeSequence({{1}, {2}}, {1, 2}));
-  EXPECT_FALSE(a == MakeSequence({{1}, {2}}, {1, 2.5}));
-  EXPECT_FALSE(a == MakeSequence({{1}}, {1}));
-  EXPECT_FALSE(a == MakeSequence({{1}, {3}}, {1, 2}));
+  const Sequence a = test::MakeSequence({{1}, {2}}, {1, 2});
+  EXPECT_TRUE(a == test::MakeSequence({{1}, {2}}, {1, 2}));
+  EXPECT_FALSE(a == test::MakeSequence({{1}, {2}}, {1, 2.5}));
+  EXPECT_FALSE(a == test::MakeSequence({{1}}, {1}));
+  EXPECT_FALSE(a == test::MakeSequence({{1}, {3}}, {1, 2}));
   EXPECT_TRUE(Sequence() == Sequence(5));
 }
 
 TEST(SequenceTest, DisplayWithTimesPrintsOnCoutAndLeavesFixedFormat) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   std::cout.precision(6);
   std::cout.unsetf(std::ios::floatfield);
-  const Sequence seq = MakeSequence({{1, 5}, {2}}, {3, 7});
+  const Sequence seq = test::MakeSequence({{1, 5}, {2}}, {3, 7});
   testing::internal::CaptureStdout();
   seq.Display(true);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "<(1 5[3])(2[7])>\n");
@@ -198,11 +194,11 @@ TEST(SequenceTest, DisplayWithTimesPrintsOnCoutAndLeavesFixedFormat) {
 }
 
 TEST(SequenceTest, DisplayWithoutTimes) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   std::cout.precision(6);
   std::cout.unsetf(std::ios::floatfield);
   testing::internal::CaptureStdout();
-  MakeSequence({{1, 5}, {2}}, {3, 7}).Display(false);
+  test::MakeSequence({{1, 5}, {2}}, {3, 7}).Display(false);
   Sequence().Display(true);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "<(1 5)(2)>\n<>\n");
   EXPECT_EQ(std::cout.precision(), 6);

@@ -3,6 +3,7 @@
 #ifndef SEQLATTICE_SEQUENCE_SEQUENCE_TEST_UTIL_H_
 #define SEQLATTICE_SEQUENCE_SEQUENCE_TEST_UTIL_H_
 
+#include <cstddef>
 #include <initializer_list>
 #include <iostream>
 #include <vector>
@@ -11,7 +12,10 @@
 #include "seqlattice/sequence/timeditemset.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace testing_util {
+namespace test {
+
+// Item sets as nested lists: {{1, 2}, {3}} stands for (1 2)(3).
+using Sets = std::vector<std::vector<int>>;
 
 inline TimedItemSet MakeSet(std::vector<int> items, double time) {
   TimedItemSet set;
@@ -29,6 +33,23 @@ inline Sequence MakeSequence(std::initializer_list<std::vector<int>> sets,
     seq.AddTimedItemSet(&set);
   }
   return seq;
+}
+
+// Appends the sets to `sequence`, set k at the time k + 1 (for tests where
+// times must not matter).
+inline void addSets(Sequence& sequence, const Sets& sets) {
+  for (std::size_t k = 0; k < sets.size(); ++k) {
+    TimedItemSet set(static_cast<int>(sets[k].size()),
+                     static_cast<double>(k + 1));
+    for (int item : sets[k]) set.AddItem(item);
+    sequence.AddTimedItemSet(&set);
+  }
+}
+
+inline Sequence MakeSequence(const Sets& sets) {
+  Sequence sequence;
+  addSets(sequence, sets);
+  return sequence;
 }
 
 inline std::vector<int> ItemsOf(const TimedItemSet& set) {
@@ -51,7 +72,7 @@ class CoutFormatGuard {
   std::streamsize precision_;
 };
 
-}  // namespace testing_util
+}  // namespace test
 }  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_SEQUENCE_SEQUENCE_TEST_UTIL_H_

@@ -12,9 +12,6 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
-using testing_util::CoutFormatGuard;
-using testing_util::ItemsOf;
-using testing_util::MakeSet;
 using Items = std::vector<int>;
 
 TEST(TimedItemSetTest, DefaultIsEmptyAtTimeZero) {
@@ -33,26 +30,26 @@ TEST(TimedItemSetTest, SizeHintIsIgnoredTimeIsKept) {
 TEST(TimedItemSetTest, AddItemSortsAndDropsDuplicates) {
   TimedItemSet set;
   for (int item : {5, 1, 3, 1}) set.AddItem(item);
-  EXPECT_EQ(ItemsOf(set), (Items{1, 3, 5}));
+  EXPECT_EQ(test::ItemsOf(set), (Items{1, 3, 5}));
   EXPECT_EQ(set.Size(), 3);
 }
 
 TEST(TimedItemSetTest, AddItemKeepsNegativeItemsInSignedOrder) {
   TimedItemSet set;
   for (int item : {0, -7, 2, -1}) set.AddItem(item);
-  EXPECT_EQ(ItemsOf(set), (Items{-7, -1, 0, 2}));
+  EXPECT_EQ(test::ItemsOf(set), (Items{-7, -1, 0, 2}));
 }
 
 TEST(TimedItemSetTest, AddAllItemsReplacesItemsAndSetsTime) {
-  TimedItemSet set = MakeSet({1, 8}, 2.0);
+  TimedItemSet set = test::MakeSet({1, 8}, 2.0);
   const int items[] = {4, 2, 4};
   set.AddAllItems(items, 3, 9.0);
-  EXPECT_EQ(ItemsOf(set), (Items{2, 4}));
+  EXPECT_EQ(test::ItemsOf(set), (Items{2, 4}));
   EXPECT_EQ(set.GetTime(), 9.0);
 }
 
 TEST(TimedItemSetTest, ClearRemovesItemsAndResetsTime) {
-  TimedItemSet set = MakeSet({1, 2}, 6.0);
+  TimedItemSet set = test::MakeSet({1, 2}, 6.0);
   set.Clear();
   EXPECT_EQ(set.Size(), 0);
   EXPECT_EQ(set.GetTime(), 0.0);
@@ -65,81 +62,82 @@ TEST(TimedItemSetTest, SetTimeAndGetTime) {
 }
 
 TEST(TimedItemSetTest, CopyConstructorCopiesItemsAndTime) {
-  const TimedItemSet original = MakeSet({3, 9}, 7.0);
+  const TimedItemSet original = test::MakeSet({3, 9}, 7.0);
   TimedItemSet copy(original);
-  EXPECT_EQ(ItemsOf(copy), (Items{3, 9}));
+  EXPECT_EQ(test::ItemsOf(copy), (Items{3, 9}));
   EXPECT_EQ(copy.GetTime(), 7.0);
   copy.AddItem(1);
-  EXPECT_EQ(ItemsOf(original), (Items{3, 9}));
+  EXPECT_EQ(test::ItemsOf(original), (Items{3, 9}));
 }
 
 TEST(TimedItemSetTest, AssignmentMergesItemsAndKeepsOwnTime) {
-  TimedItemSet target = MakeSet({3}, 5.0);
-  const TimedItemSet source = MakeSet({2, 4}, 1.0);
+  TimedItemSet target = test::MakeSet({3}, 5.0);
+  const TimedItemSet source = test::MakeSet({2, 4}, 1.0);
   target = source;
-  EXPECT_EQ(ItemsOf(target), (Items{2, 3, 4}));
+  EXPECT_EQ(test::ItemsOf(target), (Items{2, 3, 4}));
   EXPECT_EQ(target.GetTime(), 5.0);
-  EXPECT_EQ(ItemsOf(source), (Items{2, 4}));
+  EXPECT_EQ(test::ItemsOf(source), (Items{2, 4}));
 }
 
 TEST(TimedItemSetTest, SelfAssignmentChangesNothing) {
-  TimedItemSet set = MakeSet({1, 2}, 3.0);
+  TimedItemSet set = test::MakeSet({1, 2}, 3.0);
   TimedItemSet& alias = set;
   set = alias;
-  EXPECT_EQ(ItemsOf(set), (Items{1, 2}));
+  EXPECT_EQ(test::ItemsOf(set), (Items{1, 2}));
   EXPECT_EQ(set.GetTime(), 3.0);
 }
 
 TEST(TimedItemSetTest, EqualityNeedsSameItemsAndTimesWithinEpsilon) {
-  EXPECT_TRUE(MakeSet({1, 2}, 1.0) == MakeSet({1, 2}, 1.0));
-  EXPECT_FALSE(MakeSet({1, 2}, 1.0) == MakeSet({1, 2}, 1.0 + 1e-12));
-  EXPECT_FALSE(MakeSet({1, 2}, 1.0) == MakeSet({1, 3}, 1.0));
-  EXPECT_FALSE(MakeSet({1, 2}, 1.0) == MakeSet({1, 2, 3}, 1.0));
+  EXPECT_TRUE(test::MakeSet({1, 2}, 1.0) == test::MakeSet({1, 2}, 1.0));
+  EXPECT_FALSE(test::MakeSet({1, 2}, 1.0) ==
+               test::MakeSet({1, 2}, 1.0 + 1e-12));
+  EXPECT_FALSE(test::MakeSet({1, 2}, 1.0) == test::MakeSet({1, 3}, 1.0));
+  EXPECT_FALSE(test::MakeSet({1, 2}, 1.0) == test::MakeSet({1, 2, 3}, 1.0));
   // The tolerance is absolute: a difference below epsilon passes.
-  EXPECT_TRUE(MakeSet({4}, 0.0) == MakeSet({4}, 1e-17));
+  EXPECT_TRUE(test::MakeSet({4}, 0.0) == test::MakeSet({4}, 1e-17));
 }
 
 TEST(TimedItemSetTest, NaNTimeIsNeverEqual) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const TimedItemSet set = MakeSet({1}, nan);
+  const TimedItemSet set = test::MakeSet({1}, nan);
   EXPECT_FALSE(set == set);
-  EXPECT_FALSE(MakeSet({1}, 1.0) == set);
+  EXPECT_FALSE(test::MakeSet({1}, 1.0) == set);
 }
 
 TEST(TimedItemSetTest, OrderIsLexicographicOnItemsOnly) {
-  const TimedItemSet a = MakeSet({1, 2}, 9.0);
-  const TimedItemSet b = MakeSet({1, 2, 3}, 0.0);
-  const TimedItemSet c = MakeSet({1, 3}, 0.0);
+  const TimedItemSet a = test::MakeSet({1, 2}, 9.0);
+  const TimedItemSet b = test::MakeSet({1, 2, 3}, 0.0);
+  const TimedItemSet c = test::MakeSet({1, 3}, 0.0);
   EXPECT_TRUE(a < b);
   EXPECT_TRUE(b < c);
   EXPECT_TRUE(a < c);
   EXPECT_FALSE(b < a);
   EXPECT_FALSE(c < b);
-  EXPECT_FALSE(MakeSet({2}, 0.0) < MakeSet({1, 9}, 0.0));
-  EXPECT_TRUE(MakeSet({1, 9}, 0.0) < MakeSet({2}, 0.0));
+  EXPECT_FALSE(test::MakeSet({2}, 0.0) < test::MakeSet({1, 9}, 0.0));
+  EXPECT_TRUE(test::MakeSet({1, 9}, 0.0) < test::MakeSet({2}, 0.0));
   // Times play no part.
-  EXPECT_FALSE(MakeSet({1}, 1.0) < MakeSet({1}, 2.0));
-  EXPECT_FALSE(MakeSet({1}, 2.0) < MakeSet({1}, 1.0));
-  EXPECT_TRUE(TimedItemSet() < MakeSet({0}, 0.0));
+  EXPECT_FALSE(test::MakeSet({1}, 1.0) < test::MakeSet({1}, 2.0));
+  EXPECT_FALSE(test::MakeSet({1}, 2.0) < test::MakeSet({1}, 1.0));
+  EXPECT_TRUE(TimedItemSet() < test::MakeSet({0}, 0.0));
 }
 
 TEST(TimedItemSetTest, DisplayWithoutTimeLeavesCoutFormatAlone) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   std::cout.precision(6);
   std::cout.unsetf(std::ios::floatfield);
   testing::internal::CaptureStdout();
-  MakeSet({1, 5}, 3.0).Display(false);
+  test::MakeSet({1, 5}, 3.0).Display(false);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "(1 5)");
   EXPECT_EQ(std::cout.precision(), 6);
   EXPECT_EQ(std::cout.flags() & std::ios::floatfield, std::ios::fmtflags{});
 }
 
 TEST(TimedItemSetTest, DisplayWithTimeSwitchesCoutToFixedPrecisionZero) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   std::cout.precision(6);
   std::cout.unsetf(std::ios::floatfield);
   testing::internal::CaptureStdout();
-  MakeSet({1, 5}, 2.6).Display(true);
+  test::MakeSet({1, 5}, 2.6).Display(true);
   std::cout << 0.25;  // the format stays switched afterwards
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "(1 5[3])0");
   EXPECT_EQ(std::cout.precision(), 0);
@@ -147,7 +145,7 @@ TEST(TimedItemSetTest, DisplayWithTimeSwitchesCoutToFixedPrecisionZero) {
 }
 
 TEST(TimedItemSetTest, DisplayOfEmptySet) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   testing::internal::CaptureStdout();
   TimedItemSet().Display(false);
   TimedItemSet(0, 4.0).Display(true);

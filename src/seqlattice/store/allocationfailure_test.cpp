@@ -12,21 +12,14 @@
 #include "seqlattice/store/store_test_util.h"
 #include "seqlattice/support/seqexceptions.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using allocation_hook::FailingAllocations;
-using allocation_hook::liveBlocks;
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::storetest::keysInOrder;
-using SEQUENCE_NAMESPACE_800::storetest::makeItem;
-namespace SeqExceptions = SEQUENCE_NAMESPACE_800::SeqExceptions;
+namespace {
 
 TEST(AllocationFailureTest, CreatingTheAdjacencySetThrowsDictionaryFailure) {
   SequenceCounter counter(0, 0, nullptr);
   {
-    FailingAllocations failing(0);
+    test::FailingAllocations failing(0);
     EXPECT_THROW(counter.addAdjacentItem(1, 1),
                  SeqExceptions::DictionaryFailure);
   }
@@ -38,7 +31,7 @@ TEST(AllocationFailureTest, InsertingIntoTheSetThrowsDictionaryFailure) {
   SequenceCounter counter(0, 0, nullptr);
   counter.addAdjacentItem(1, 1);
   {
-    FailingAllocations failing(0);
+    test::FailingAllocations failing(0);
     EXPECT_THROW(counter.addAdjacentItem(2, 1),
                  SeqExceptions::DictionaryFailure);
     // A pair already present needs no allocation.
@@ -56,15 +49,15 @@ TEST(AllocationFailureTest, ReplacedAdjacencySetIsReleased) {
   for (int item = 1; item <= 3; ++item) counter.addAdjacentItem(item, 1);
   SequenceCounter::AdjacencySet* fresh = new SequenceCounter::AdjacencySet();
   // The counts are read right after each call, before any assertion runs.
-  const long before = liveBlocks();
+  const long before = test::liveBlocks();
   counter.setAdjacentItems(fresh);
-  const long afterReplacing = liveBlocks();
+  const long afterReplacing = test::liveBlocks();
   counter.setAdjacentItems(fresh);  // the held set again: nothing freed
-  const long afterSameSet = liveBlocks();
+  const long afterSameSet = test::liveBlocks();
   counter.addAdjacentItem(5, 2);
-  const long withOnePair = liveBlocks();
+  const long withOnePair = test::liveBlocks();
   counter.setAdjacentItems(nullptr);
-  const long afterNull = liveBlocks();
+  const long afterNull = test::liveBlocks();
 
   EXPECT_EQ(afterReplacing, before - 4);
   EXPECT_EQ(afterSameSet, afterReplacing);
@@ -77,11 +70,11 @@ TEST(AllocationFailureTest, ReplacedAdjacencySetIsReleased) {
 // caller.
 TEST(AllocationFailureTest, FailedNodeAllocationStoresNothing) {
   HashtableSQPair table(11);
-  table.put(makeItem(1), nullptr);
-  NTSequence* key = makeItem(2);
+  table.put(test::makeItem(1), nullptr);
+  NTSequence* key = test::makeItem(2);
   SequenceCounter* value = new SequenceCounter(0, 1, nullptr);
   {
-    FailingAllocations failing(0);
+    test::FailingAllocations failing(0);
     EXPECT_THROW(table.put(key, value), std::bad_alloc);
     EXPECT_THROW(table.putOverwrite(key, value), std::bad_alloc);
   }
@@ -93,23 +86,24 @@ TEST(AllocationFailureTest, FailedNodeAllocationStoresNothing) {
 
 TEST(AllocationFailureTest, FailedGrowthKeepsTheOldBuckets) {
   HashtableSQPair table(4);
-  for (int item = 1; item <= 3; ++item) table.put(makeItem(item), nullptr);
-  const std::vector<const NTSequence*> before = keysInOrder(table);
-  NTSequence* key = makeItem(4);
+  for (int item = 1; item <= 3; ++item)
+    table.put(test::makeItem(item), nullptr);
+  const std::vector<const NTSequence*> before = test::keysInOrder(table);
+  NTSequence* key = test::makeItem(4);
   {
-    FailingAllocations failing(0);
+    test::FailingAllocations failing(0);
     EXPECT_THROW(table.put(key, nullptr), std::bad_alloc);
   }
   EXPECT_EQ(table.getCapacity(), 4);
   EXPECT_EQ(table.getThreshold(), 3);
   EXPECT_EQ(table.getNRehashes(), 0);
   EXPECT_EQ(table.getCount(), 3);
-  EXPECT_EQ(keysInOrder(table), before);
+  EXPECT_EQ(test::keysInOrder(table), before);
 
   // Growth succeeds, the node does not: the table has grown, holds the same
   // pairs, and the key is still the caller's.
   {
-    FailingAllocations failing(1);
+    test::FailingAllocations failing(1);
     EXPECT_THROW(table.put(key, nullptr), std::bad_alloc);
   }
   EXPECT_EQ(table.getCapacity(), 9);
@@ -119,3 +113,5 @@ TEST(AllocationFailureTest, FailedGrowthKeepsTheOldBuckets) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -8,26 +8,12 @@
 #include "seqlattice/store/sequencedescriptor.h"
 #include "seqlattice/store/store_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using SEQUENCE_NAMESPACE_800::ISQCPair;
-using SEQUENCE_NAMESPACE_800::listClear;
-using SEQUENCE_NAMESPACE_800::listClearSimple;
-using SEQUENCE_NAMESPACE_800::listCopy;
-using SEQUENCE_NAMESPACE_800::listCount;
-using SEQUENCE_NAMESPACE_800::listHeadInsert;
-using SEQUENCE_NAMESPACE_800::listHeadRemove;
-using SEQUENCE_NAMESPACE_800::listInsert;
-using SEQUENCE_NAMESPACE_800::listRemove;
-using SEQUENCE_NAMESPACE_800::listSearch;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::showList;
-using SEQUENCE_NAMESPACE_800::SQCPairNode;
-using SEQUENCE_NAMESPACE_800::storetest::makeItem;
-
 ISQCPair pairOf(int item) {
-  return ISQCPair{makeItem(item), new SequenceCounter(0, item, nullptr)};
+  return ISQCPair{test::makeItem(item), new SequenceCounter(0, item, nullptr)};
 }
 
 // The counts of the chain's counters, head first. Also checks that every
@@ -112,11 +98,11 @@ TEST(ChainHelpersTest, SearchReturnsTheLastEqualKey) {
   listHeadInsert(head, pairOf(5));
   listHeadInsert(head, pairOf(7));
   listHeadInsert(head, pairOf(5));  // an equal key, nearer the head
-  ISQCPair probe{makeItem(5), nullptr};
+  ISQCPair probe{test::makeItem(5), nullptr};
   SQCPairNode* found = listSearch(head, probe);
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found, head->next->next);
-  NTSequence* absent = makeItem(6);
+  NTSequence* absent = test::makeItem(6);
   EXPECT_EQ(listSearch(head, ISQCPair{absent, nullptr}), nullptr);
   EXPECT_EQ(listSearch(nullptr, probe), nullptr);
   delete probe.key;
@@ -135,3 +121,5 @@ TEST(ChainHelpersTest, ShowListPrintsNothing) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

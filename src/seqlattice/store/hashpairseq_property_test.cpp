@@ -15,17 +15,12 @@
 #include "seqlattice/store/sequencedescriptor.h"
 #include "seqlattice/store/store_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::ISQCPair;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::storetest::makePattern;
-using SEQUENCE_NAMESPACE_800::storetest::Sets;
-
 struct Entry {
-  Sets sets;
+  test::Sets sets;
   int hash;
   int id;
 };
@@ -41,8 +36,8 @@ class ChainModel {
     chain.insert(chain.begin(), entry);
     ++count;
   }
-  void overwrite(const Sets& sets, int id) { find(sets)->id = id; }
-  void remove(const Sets& sets) {
+  void overwrite(const test::Sets& sets, int id) { find(sets)->id = id; }
+  void remove(const test::Sets& sets) {
     std::vector<Entry>& chain = chains[bucketOf(hashOf(sets))];
     Entry* found = find(sets);
     *found = chain.front();
@@ -59,8 +54,8 @@ class ChainModel {
   int capacity() const { return static_cast<int>(chains.size()); }
 
  private:
-  static int hashOf(const Sets& sets) {
-    std::unique_ptr<NTSequence> key(makePattern(sets));
+  static int hashOf(const test::Sets& sets) {
+    std::unique_ptr<NTSequence> key(test::makePattern(sets));
     return key->getHashCode();
   }
   int threshold() const {
@@ -69,7 +64,7 @@ class ChainModel {
   int bucketOf(int hash) const {
     return ((hash % capacity()) + capacity()) % capacity();
   }
-  Entry* find(const Sets& sets) {
+  Entry* find(const test::Sets& sets) {
     for (Entry& entry : chains[bucketOf(hashOf(sets))]) {
       if (entry.sets == sets) return &entry;
     }
@@ -92,11 +87,11 @@ class ChainModel {
 
 // Up to four items from a small range (negatives included), cut into sets at
 // random, so that equal patterns recur often.
-Sets randomSets(std::mt19937& random) {
+test::Sets randomSets(std::mt19937& random) {
   std::uniform_int_distribution<int> length(1, 4);
   std::uniform_int_distribution<int> item(-3, 9);
   std::bernoulli_distribution newSet(0.5);
-  Sets sets(1);
+  test::Sets sets(1);
   const int n = length(random);
   for (int i = 0; i < n; ++i) {
     if (i > 0 && newSet(random)) sets.emplace_back();
@@ -116,18 +111,18 @@ TEST(HashtableSQPairPropertyTest, RandomOperationsMatchTheModels) {
   std::uniform_int_distribution<int> operation(0, 99);
   HashtableSQPair table(3);
   ChainModel chains(3);
-  std::map<Sets, int> contents;
+  std::map<test::Sets, int> contents;
   int nextId = 0;
   int refused = 0;
   int overwritten = 0;
   int removed = 0;
 
   for (int step = 0; step < 6000; ++step) {
-    const Sets sets = randomSets(random);
+    const test::Sets sets = randomSets(random);
     const int op = operation(random);
     const bool present = contents.count(sets) > 0;
     if (op < 45) {
-      NTSequence* key = makePattern(sets);
+      NTSequence* key = test::makePattern(sets);
       SequenceCounter* value = new SequenceCounter(0, nextId, nullptr);
       const int hash = key->getHashCode();
       ASSERT_EQ(table.put(key, value), !present);
@@ -140,7 +135,7 @@ TEST(HashtableSQPairPropertyTest, RandomOperationsMatchTheModels) {
         chains.insert(Entry{sets, hash, nextId});
       }
     } else if (op < 70) {
-      NTSequence* key = makePattern(sets);
+      NTSequence* key = test::makePattern(sets);
       const int hash = key->getHashCode();
       table.putOverwrite(key, new SequenceCounter(0, nextId, nullptr));
       if (present) {
@@ -151,7 +146,7 @@ TEST(HashtableSQPairPropertyTest, RandomOperationsMatchTheModels) {
       }
       contents[sets] = nextId;
     } else {
-      std::unique_ptr<NTSequence> probe(makePattern(sets));
+      std::unique_ptr<NTSequence> probe(test::makePattern(sets));
       table.remove(probe.get());
       if (present) {
         chains.remove(sets);
@@ -167,7 +162,7 @@ TEST(HashtableSQPairPropertyTest, RandomOperationsMatchTheModels) {
     if (step % 50 == 0) {
       ASSERT_EQ(idsInOrder(table), chains.idsInOrder()) << "step " << step;
       for (const auto& stored : contents) {
-        std::unique_ptr<NTSequence> probe(makePattern(stored.first));
+        std::unique_ptr<NTSequence> probe(test::makePattern(stored.first));
         const ISQCPair* pair = table.get(probe.get());
         ASSERT_NE(pair, nullptr);
         ASSERT_EQ(pair->value->getCount(), stored.second);
@@ -192,3 +187,5 @@ TEST(HashtableSQPairPropertyTest, RandomOperationsMatchTheModels) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

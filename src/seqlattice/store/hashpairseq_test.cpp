@@ -14,17 +14,9 @@
 #include "seqlattice/store/statsbucket.h"
 #include "seqlattice/store/store_test_util.h"
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
-using SEQUENCE_NAMESPACE_800::ISQCPair;
-using SEQUENCE_NAMESPACE_800::NTSequence;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
-using SEQUENCE_NAMESPACE_800::storetest::keysInOrder;
-using SEQUENCE_NAMESPACE_800::storetest::makeItem;
-using SEQUENCE_NAMESPACE_800::storetest::makePattern;
-namespace KvSequence = SEQUENCE_NAMESPACE_800::KvSequence;
+namespace {
 
 // Counts destroyed counters: each test counter carries a bucket that reports
 // its own destruction.
@@ -47,7 +39,7 @@ class HashtableSQPairTest : public testing::Test {
 // code is their item).
 std::vector<int> itemsInOrder(const HashtableSQPair& table) {
   std::vector<int> items;
-  for (const NTSequence* key : keysInOrder(table)) {
+  for (const NTSequence* key : test::keysInOrder(table)) {
     items.push_back(key->getHashCode());
   }
   return items;
@@ -55,12 +47,12 @@ std::vector<int> itemsInOrder(const HashtableSQPair& table) {
 
 // Puts one-item keys without counters, in the order given.
 void putItems(HashtableSQPair& table, std::initializer_list<int> items) {
-  for (int item : items) table.put(makeItem(item), nullptr);
+  for (int item : items) table.put(test::makeItem(item), nullptr);
 }
 
 // Removes the one-item key equal to item, through a probe of its own.
 void removeItem(HashtableSQPair& table, int item) {
-  std::unique_ptr<NTSequence> probe(makeItem(item));
+  std::unique_ptr<NTSequence> probe(test::makeItem(item));
   table.remove(probe.get());
 }
 
@@ -89,13 +81,13 @@ TEST_F(HashtableSQPairTest, NonPositiveCapacityIsRefused) {
 TEST_F(HashtableSQPairTest, FourthInsertionIntoFourBucketsGrowsFirst) {
   HashtableSQPair table(4);
   for (int item = 1; item <= 3; ++item) {
-    EXPECT_TRUE(table.put(makeItem(item), counter(item)));
+    EXPECT_TRUE(table.put(test::makeItem(item), counter(item)));
   }
   EXPECT_EQ(table.getCapacity(), 4);
   EXPECT_EQ(table.getThreshold(), 3);
   EXPECT_EQ(table.getNRehashes(), 0);
 
-  EXPECT_TRUE(table.put(makeItem(4), counter(4)));
+  EXPECT_TRUE(table.put(test::makeItem(4), counter(4)));
   EXPECT_EQ(table.getCapacity(), 9);
   EXPECT_EQ(table.getThreshold(), 7);
   EXPECT_EQ(table.getNRehashes(), 1);
@@ -106,10 +98,12 @@ TEST_F(HashtableSQPairTest, FourthInsertionIntoFourBucketsGrowsFirst) {
 
 TEST_F(HashtableSQPairTest, CapacitiesGrowToTwiceAndOne) {
   HashtableSQPair table(100);
-  for (int item = 0; item < 76; ++item) table.put(makeItem(item), nullptr);
+  for (int item = 0; item < 76; ++item)
+    table.put(test::makeItem(item), nullptr);
   EXPECT_EQ(table.getCapacity(), 201);
   EXPECT_EQ(table.getThreshold(), 151);
-  for (int item = 76; item < 152; ++item) table.put(makeItem(item), nullptr);
+  for (int item = 76; item < 152; ++item)
+    table.put(test::makeItem(item), nullptr);
   EXPECT_EQ(table.getCapacity(), 403);
   EXPECT_EQ(table.getThreshold(), 302);
   EXPECT_EQ(table.getNRehashes(), 2);
@@ -118,11 +112,11 @@ TEST_F(HashtableSQPairTest, CapacitiesGrowToTwiceAndOne) {
 
 TEST_F(HashtableSQPairTest, PutOfEqualKeyChangesNothing) {
   HashtableSQPair table(11);
-  NTSequence* key = makePattern({{1, 2}, {3}});
+  NTSequence* key = test::makePattern({{1, 2}, {3}});
   SequenceCounter* value = counter(5);
   ASSERT_TRUE(table.put(key, value));
 
-  NTSequence* equalKey = makePattern({{1, 2}, {3}});
+  NTSequence* equalKey = test::makePattern({{1, 2}, {3}});
   SequenceCounter* otherValue = counter(9);
   EXPECT_FALSE(table.put(equalKey, otherValue));
   EXPECT_EQ(table.getCount(), 1);
@@ -139,9 +133,9 @@ TEST_F(HashtableSQPairTest, PutOfEqualKeyChangesNothing) {
 
 TEST_F(HashtableSQPairTest, PutOverwriteReplacesAndDeletesTheOldPair) {
   HashtableSQPair table(11);
-  NTSequence* key = makePattern({{4}, {5}});
+  NTSequence* key = test::makePattern({{4}, {5}});
   table.put(key, counter(1));
-  NTSequence* newKey = makePattern({{4}, {5}});
+  NTSequence* newKey = test::makePattern({{4}, {5}});
   SequenceCounter* newValue = counter(2);
   table.putOverwrite(newKey, newValue);
   EXPECT_EQ(table.getCount(), 1);
@@ -155,7 +149,7 @@ TEST_F(HashtableSQPairTest, PutOverwriteReplacesAndDeletesTheOldPair) {
 
 TEST_F(HashtableSQPairTest, PutOverwriteWithTheStoredObjectsDeletesNothing) {
   HashtableSQPair table(11);
-  NTSequence* key = makePattern({{4, 6}});
+  NTSequence* key = test::makePattern({{4, 6}});
   SequenceCounter* value = counter(1);
   table.put(key, value);
 
@@ -172,7 +166,7 @@ TEST_F(HashtableSQPairTest, PutOverwriteWithTheStoredObjectsDeletesNothing) {
   EXPECT_EQ(table.get(key)->value, second);
 
   // New equal key, same counter: only the old key goes.
-  NTSequence* equalKey = makePattern({{4, 6}});
+  NTSequence* equalKey = test::makePattern({{4, 6}});
   table.putOverwrite(equalKey, second);
   EXPECT_EQ(destroyedCounters, 1);
   EXPECT_EQ(table.get(equalKey)->key, equalKey);
@@ -183,7 +177,7 @@ TEST_F(HashtableSQPairTest, PutOverwriteWithTheStoredObjectsDeletesNothing) {
 TEST_F(HashtableSQPairTest, PutOverwriteOfNewKeyInsertsAndGrows) {
   HashtableSQPair table(4);
   for (int item = 1; item <= 4; ++item) {
-    table.putOverwrite(makeItem(item), counter(item));
+    table.putOverwrite(test::makeItem(item), counter(item));
   }
   EXPECT_EQ(table.getCount(), 4);
   EXPECT_EQ(table.getCapacity(), 9);
@@ -193,12 +187,12 @@ TEST_F(HashtableSQPairTest, PutOverwriteOfNewKeyInsertsAndGrows) {
 
 TEST_F(HashtableSQPairTest, LookupsUseEqualityNotIdentity) {
   HashtableSQPair table(11);
-  table.put(makePattern({{1}, {2}}), counter(12));
-  table.put(makePattern({{1, 2}}), counter(21));
+  table.put(test::makePattern({{1}, {2}}), counter(12));
+  table.put(test::makePattern({{1, 2}}), counter(21));
 
-  NTSequence* separate = makePattern({{1}, {2}});
-  NTSequence* together = makePattern({{1, 2}});
-  NTSequence* absent = makePattern({{2}, {1}});
+  NTSequence* separate = test::makePattern({{1}, {2}});
+  NTSequence* together = test::makePattern({{1, 2}});
+  NTSequence* absent = test::makePattern({{2}, {1}});
   EXPECT_TRUE(table.containsKey(separate));
   EXPECT_TRUE(table.containsKey(together));
   EXPECT_FALSE(table.containsKey(absent));
@@ -214,10 +208,10 @@ TEST_F(HashtableSQPairTest, LookupsUseEqualityNotIdentity) {
 // told apart by the full comparison.
 TEST_F(HashtableSQPairTest, EqualHashDifferentContentAreTwoKeys) {
   HashtableSQPair table(5);
-  NTSequence* one = makeItem(3);
-  NTSequence* other = makePattern({{1}, {2}});
+  NTSequence* one = test::makeItem(3);
+  NTSequence* other = test::makePattern({{1}, {2}});
   const int otherHash = other->getHashCode();
-  NTSequence* sameHash = makeItem(otherHash);
+  NTSequence* sameHash = test::makeItem(otherHash);
   EXPECT_TRUE(table.put(sameHash, counter(1)));
   EXPECT_TRUE(table.put(other, counter(2)));
   EXPECT_TRUE(table.put(one, counter(3)));
@@ -228,9 +222,9 @@ TEST_F(HashtableSQPairTest, EqualHashDifferentContentAreTwoKeys) {
 
 TEST_F(HashtableSQPairTest, RemoveDeletesTheStoredPair) {
   HashtableSQPair table(11);
-  table.put(makePattern({{7}, {8, 9}}), counter(1));
-  table.put(makeItem(7), counter(2));
-  NTSequence* probe = makePattern({{7}, {8, 9}});
+  table.put(test::makePattern({{7}, {8, 9}}), counter(1));
+  table.put(test::makeItem(7), counter(2));
+  NTSequence* probe = test::makePattern({{7}, {8, 9}});
   table.remove(probe);
   EXPECT_EQ(table.getCount(), 1);
   EXPECT_EQ(destroyedCounters, 1);
@@ -244,7 +238,7 @@ TEST_F(HashtableSQPairTest, RemoveDeletesTheStoredPair) {
 
 TEST_F(HashtableSQPairTest, RemoveWithTheStoredKeyItself) {
   HashtableSQPair table(11);
-  NTSequence* key = makeItem(5);
+  NTSequence* key = test::makeItem(5);
   table.put(key, counter(1));
   table.remove(key);  // key is deleted with its pair
   EXPECT_EQ(table.getCount(), 0);
@@ -340,7 +334,7 @@ TEST_F(HashtableSQPairTest, NegativeHashCodesStayInsideTheBuckets) {
   ASSERT_EQ(table.getCapacity(), 9);
   // 2 -> 2, -4 -> 5, -3 -> 6, and INT_MIN % 9 = -2 -> 7.
   EXPECT_EQ(itemsInOrder(table), (std::vector<int>{2, -4, -3, INT_MIN}));
-  NTSequence* probe = makeItem(-3);
+  NTSequence* probe = test::makeItem(-3);
   EXPECT_TRUE(table.containsKey(probe));
   table.remove(probe);
   EXPECT_FALSE(table.containsKey(probe));
@@ -365,7 +359,8 @@ TEST_F(HashtableSQPairTest, BeginIsEndAgainOnceEverythingIsRemoved) {
 
 TEST_F(HashtableSQPairTest, IterationVisitsCountPairs) {
   HashtableSQPair table(7);
-  for (int item = 0; item < 40; item += 3) table.put(makeItem(item), nullptr);
+  for (int item = 0; item < 40; item += 3)
+    table.put(test::makeItem(item), nullptr);
   int visited = 0;
   for (HashtableSQPair::iterator it = table.begin(); it != table.end(); ++it) {
     EXPECT_NE(it->key, nullptr);
@@ -377,9 +372,9 @@ TEST_F(HashtableSQPairTest, IterationVisitsCountPairs) {
 
 TEST_F(HashtableSQPairTest, IteratorStatesAndPostfixStep) {
   HashtableSQPair table(5);
-  NTSequence* a = makeItem(1);
-  NTSequence* b = makeItem(6);  // same bucket, now head
-  NTSequence* c = makeItem(3);
+  NTSequence* a = test::makeItem(1);
+  NTSequence* b = test::makeItem(6);  // same bucket, now head
+  NTSequence* c = test::makeItem(3);
   table.put(a, nullptr);
   table.put(b, nullptr);
   table.put(c, nullptr);
@@ -401,7 +396,8 @@ TEST_F(HashtableSQPairTest, IteratorStatesAndPostfixStep) {
 
 TEST_F(HashtableSQPairTest, ConstIterationMatchesAndConverts) {
   HashtableSQPair table(5);
-  for (int item = 0; item < 12; ++item) table.put(makeItem(item), nullptr);
+  for (int item = 0; item < 12; ++item)
+    table.put(test::makeItem(item), nullptr);
   const HashtableSQPair& constTable = table;
   std::vector<const NTSequence*> mutableOrder;
   for (ISQCPair& pair : table) mutableOrder.push_back(pair.key);
@@ -417,8 +413,8 @@ TEST_F(HashtableSQPairTest, ConstIterationMatchesAndConverts) {
 
 TEST_F(HashtableSQPairTest, CounterFoundByLookupIsChangedInPlace) {
   HashtableSQPair table(5);
-  table.put(makePattern({{2, 4}}), counter(1));
-  NTSequence* probe = makePattern({{2, 4}});
+  table.put(test::makePattern({{2, 4}}), counter(1));
+  NTSequence* probe = test::makePattern({{2, 4}});
   table.get(probe)->value->setCount(8);
   EXPECT_EQ(table.get(probe)->value->getCount(), 8);
   delete probe;
@@ -426,7 +422,8 @@ TEST_F(HashtableSQPairTest, CounterFoundByLookupIsChangedInPlace) {
 
 TEST_F(HashtableSQPairTest, ClearKeepsCapacityThresholdAndGrowthCount) {
   HashtableSQPair table(4);
-  for (int item = 0; item < 5; ++item) table.put(makeItem(item), counter(0));
+  for (int item = 0; item < 5; ++item)
+    table.put(test::makeItem(item), counter(0));
   ASSERT_EQ(table.getNRehashes(), 1);
   table.clear();
   EXPECT_EQ(destroyedCounters, 5);
@@ -435,21 +432,22 @@ TEST_F(HashtableSQPairTest, ClearKeepsCapacityThresholdAndGrowthCount) {
   EXPECT_EQ(table.getThreshold(), 7);
   EXPECT_EQ(table.getNRehashes(), 1);
   EXPECT_TRUE(table.begin() == table.end());
-  EXPECT_TRUE(table.put(makeItem(1), counter(1)));
+  EXPECT_TRUE(table.put(test::makeItem(1), counter(1)));
   EXPECT_EQ(table.getCount(), 1);
 }
 
 TEST_F(HashtableSQPairTest, DestructorDeletesEverything) {
   {
     HashtableSQPair table(3);
-    for (int item = 0; item < 10; ++item) table.put(makeItem(item), counter(0));
+    for (int item = 0; item < 10; ++item)
+      table.put(test::makeItem(item), counter(0));
   }
   EXPECT_EQ(destroyedCounters, 10);
 }
 
 TEST_F(HashtableSQPairTest, DisplayListsEveryBucket) {
   HashtableSQPair table(3);
-  table.put(makeItem(1), nullptr);
+  table.put(test::makeItem(1), nullptr);
   testing::internal::CaptureStdout();
   table.display();
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
@@ -485,8 +483,8 @@ TEST_F(HashtableSQPairTest, FreqTableCountsChainLengths) {
 
 TEST_F(HashtableSQPairTest, FreqTableCountsLongChainsAsNinetyNine) {
   HashtableSQPair table(200);  // threshold 150: no growth below
-  for (int k = 0; k < 120; ++k) table.put(makeItem(200 * k + 5), nullptr);
-  table.put(makeItem(6), nullptr);
+  for (int k = 0; k < 120; ++k) table.put(test::makeItem(200 * k + 5), nullptr);
+  table.put(test::makeItem(6), nullptr);
   testing::internal::CaptureStdout();
   const double mean = table.freqTable();
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
@@ -499,10 +497,10 @@ TEST_F(HashtableSQPairTest, FreqTableCountsLongChainsAsNinetyNine) {
 
 TEST_F(HashtableSQPairTest, NullCountersAreAllowed) {
   HashtableSQPair table(3);
-  NTSequence* key = makePattern({{1}, {1}});
+  NTSequence* key = test::makePattern({{1}, {1}});
   EXPECT_TRUE(table.put(key, nullptr));
   EXPECT_EQ(table.get(key)->value, nullptr);
-  table.putOverwrite(makePattern({{1}, {1}}), nullptr);
+  table.putOverwrite(test::makePattern({{1}, {1}}), nullptr);
   EXPECT_EQ(table.getCount(), 1);
   table.clear();
   EXPECT_EQ(table.getCount(), 0);
@@ -514,18 +512,19 @@ TEST_F(HashtableSQPairTest, NullCountersAreAllowed) {
 // that code is not always the match.
 TEST(HashtableSQPairGetAllTest, AnswersAsGetDoes) {
   HashtableSQPair table(7);
-  table.put(makePattern({{0}, {0}}), new SequenceCounter(0, 1, nullptr));
-  table.put(makePattern({{0, 0}}), new SequenceCounter(0, 2, nullptr));
-  table.put(makeItem(1), new SequenceCounter(0, 3, nullptr));
+  table.put(test::makePattern({{0}, {0}}), new SequenceCounter(0, 1, nullptr));
+  table.put(test::makePattern({{0, 0}}), new SequenceCounter(0, 2, nullptr));
+  table.put(test::makeItem(1), new SequenceCounter(0, 3, nullptr));
   for (int item = 10; item < 50; item += 2) {
-    table.put(makeItem(item), new SequenceCounter(0, item, nullptr));
+    table.put(test::makeItem(item), new SequenceCounter(0, item, nullptr));
   }
   std::vector<std::unique_ptr<NTSequence>> owned;
-  owned.emplace_back(makePattern({{0, 0}}));
-  owned.emplace_back(makePattern({{9817, -9829}}));
-  owned.emplace_back(makeItem(1));
-  owned.emplace_back(makePattern({{0}, {0}}));
-  for (int item = 10; item < 50; ++item) owned.emplace_back(makeItem(item));
+  owned.emplace_back(test::makePattern({{0, 0}}));
+  owned.emplace_back(test::makePattern({{9817, -9829}}));
+  owned.emplace_back(test::makeItem(1));
+  owned.emplace_back(test::makePattern({{0}, {0}}));
+  for (int item = 10; item < 50; ++item)
+    owned.emplace_back(test::makeItem(item));
   std::vector<const NTSequence*> keys;
   for (const auto& key : owned) keys.push_back(key.get());
   std::vector<ISQCPair*> found(keys.size(), nullptr);
@@ -544,3 +543,5 @@ TEST(HashtableSQPairGetAllTest, AnswersAsGetDoes) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -9,12 +9,10 @@
 
 #include "seqlattice/sequence/sequence_test_util.h"
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using SEQUENCE_NAMESPACE_800::CarmaSequenceDescriptor;
-using SEQUENCE_NAMESPACE_800::SequenceCounter;
-using SEQUENCE_NAMESPACE_800::StatsBucket;
-using SEQUENCE_NAMESPACE_800::testing_util::CoutFormatGuard;
 typedef SequenceCounter::AdjacencySet AdjacencySet;
 
 TEST(SequenceCounterTest, ConstructorTakesOrdinalBeforeCount) {
@@ -237,7 +235,7 @@ bool coutIsFixedWithPrecisionTwo() {
 // On std::cout the same text, character for character, and the format that
 // the bucket and the adjacency list set stays on std::cout.
 TEST(SequenceCounterDisplayTest, OnCoutWithBucketAndAdjacency) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   StatsBucket* bucket = new StatsBucket();
   bucket->InitialGap(4.0);
   bucket->UpdateGap(0.5);
@@ -260,7 +258,7 @@ TEST(SequenceCounterDisplayTest, OnCoutWithBucketAndAdjacency) {
 }
 
 TEST(SequenceCounterDisplayTest, OnCoutWithoutBucketOrAdjacency) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   const SequenceCounter counter(0, 42, nullptr);
   EXPECT_EQ(displayedOnCout(counter, true),
             " count 42 ordinalOfEntry 0 max missed 0\n0.5");
@@ -271,7 +269,7 @@ TEST(SequenceCounterDisplayTest, OnCoutWithoutBucketOrAdjacency) {
 // Only the adjacency list is there: it switches the format when shown, and
 // only then.
 TEST(SequenceCounterDisplayTest, OnCoutAdjacencyWithoutBucket) {
-  CoutFormatGuard guard;
+  test::CoutFormatGuard guard;
   SequenceCounter counter(1, 1, nullptr);
   counter.addAdjacentItem(-3, 1);
   EXPECT_EQ(displayedOnCout(counter, false),
@@ -304,3 +302,5 @@ TEST(SequenceCounterDisplayTest, FormatStaysOnTheStreamAfterwards) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

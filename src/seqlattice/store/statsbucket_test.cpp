@@ -4,9 +4,9 @@
 
 #include <memory>
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using SEQUENCE_NAMESPACE_800::StatsBucket;
+namespace {
 
 TEST(StatsBucketTest, NewBucketIsAllZeroAndMeanIsZero) {
   StatsBucket bucket;
@@ -73,3 +73,5 @@ TEST(StatsBucketTest, DerivedBucketIsDestroyedThroughBase) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -6,24 +6,16 @@
 #include <vector>
 
 #include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/pattern/pattern_test_util.h"
 #include "seqlattice/store/hashpairseq.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
-namespace storetest {
-
-typedef std::vector<std::vector<int>> Sets;
+namespace test {
 
 // A new pattern of the given item sets, in the int** convention's order.
 inline NTSequence* makePattern(const Sets& sets) {
-  std::vector<std::vector<int>> arrays;
-  std::vector<int*> pointers;
-  for (const std::vector<int>& set : sets) {
-    std::vector<int> array(1, static_cast<int>(set.size()));
-    array.insert(array.end(), set.begin(), set.end());
-    arrays.push_back(array);
-  }
-  for (std::vector<int>& array : arrays) pointers.push_back(array.data());
-  return new NTSequence(pointers.data(), static_cast<int>(pointers.size()));
+  PatternArrays arrays(sets);
+  return new NTSequence(arrays.sets(), arrays.nSets());
 }
 
 // A new one-item pattern; its hash code is the item itself.
@@ -36,7 +28,7 @@ inline std::vector<const NTSequence*> keysInOrder(const HashtableSQPair& t) {
   return keys;
 }
 
-}  // namespace storetest
+}  // namespace test
 }  // namespace SEQUENCE_NAMESPACE_800
 
 #endif  // SEQLATTICE_STORE_STORE_TEST_UTIL_H_

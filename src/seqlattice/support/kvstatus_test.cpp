@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
+namespace SEQUENCE_NAMESPACE_800 {
+
 namespace {
 
-using KvCommon_850::KvStatus;
-
 TEST(KvStatusTest, DefaultIsOk) {
-  KvStatus status;
+  KvCommon_850::KvStatus status;
   EXPECT_TRUE(status.IsOK());
   EXPECT_EQ(status.GetCode(), 0);
   EXPECT_FALSE(status.GetFlag());
@@ -15,12 +15,12 @@ TEST(KvStatusTest, DefaultIsOk) {
 }
 
 TEST(KvStatusTest, BuiltFromCodeIsNotOk) {
-  KvStatus status(KvCommon_850::kStatusFailure, false);
+  KvCommon_850::KvStatus status(KvCommon_850::kStatusFailure, false);
   EXPECT_FALSE(status.IsOK());
   EXPECT_EQ(status.GetCode(), KvCommon_850::kStatusFailure);
   EXPECT_FALSE(status.GetFlag());
 
-  KvStatus flagged(1, true);
+  KvCommon_850::KvStatus flagged(1, true);
   EXPECT_FALSE(flagged.IsOK());
   EXPECT_EQ(flagged.GetCode(), 1);
   EXPECT_TRUE(flagged.GetFlag());
@@ -34,21 +34,23 @@ TEST(KvStatusTest, NamedCodesKeepTheirNumbers) {
 }
 
 TEST(KvStatusTest, CodeZeroIsStillNotOk) {
-  KvStatus status(0, false);
+  KvCommon_850::KvStatus status(0, false);
   EXPECT_FALSE(status.IsOK());
   EXPECT_EQ(status.GetCode(), 0);
 }
 
 TEST(KvStatusTest, DiscreteDataKeepOrder) {
-  KvStatus status(60001, false);
+  KvCommon_850::KvStatus status(60001, false);
   status.SetDiscreteDatum(7);
   status.SetDiscreteDatum(3);
   ASSERT_EQ(status.GetDiscreteData().size(), 2u);
   EXPECT_EQ(status.GetDiscreteData()[0], 7);
   EXPECT_EQ(status.GetDiscreteData()[1], 3);
-  KvStatus copy = status;
+  KvCommon_850::KvStatus copy = status;
   EXPECT_EQ(copy.GetDiscreteData(), status.GetDiscreteData());
   EXPECT_EQ(copy.GetCode(), 60001);
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

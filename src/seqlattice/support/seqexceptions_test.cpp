@@ -4,9 +4,9 @@
 
 #include <string>
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-namespace SeqExceptions = SEQUENCE_NAMESPACE_800::SeqExceptions;
+namespace {
 
 TEST(SeqExceptionsTest, IOExceptionIsThrownByPointerAndDeletedByCatcher) {
   try {
@@ -27,3 +27,5 @@ TEST(SeqExceptionsTest, DictionaryFailureIsAStdException) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -14,42 +14,45 @@
 #include <string>
 #include <vector>
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using KvXML_850::WriteTree;
-using KvXML_850::XMLDocType;
-using KvXML_850::XMLElement;
+namespace {
 
 constexpr const char* kDeclaration =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
-std::string Write(const XMLDocType* docType, const XMLElement* root,
-                  bool indent = true) {
+std::string Write(const KvXML_850::XMLDocType* docType,
+                  const KvXML_850::XMLElement* root, bool indent = true) {
   std::ostringstream out;
-  EXPECT_TRUE(WriteTree(out, docType, root, indent));
+  EXPECT_TRUE(KvXML_850::WriteTree(out, docType, root, indent));
   return out.str();
 }
 
 // The text of one number attribute as the writer spells it.
 std::string NumberText(double value) {
-  std::unique_ptr<XMLElement> element(XMLElement::Create("E"));
+  std::unique_ptr<KvXML_850::XMLElement> element(
+      KvXML_850::XMLElement::Create("E"));
   element->AddAttribute("v", value);
   return element->GetAttributes().at(0).second;
 }
 
 TEST(XMLDocumentTest, WritesDeclarationDocTypeAndIndentedTree) {
-  std::unique_ptr<XMLDocType> docType(
-      XMLDocType::Create("PMML", "sequentialmodel.dtd", 0));
-  std::unique_ptr<XMLElement> root(XMLElement::Create("PMML"));
+  std::unique_ptr<KvXML_850::XMLDocType> docType(
+      KvXML_850::XMLDocType::Create("PMML", "sequentialmodel.dtd", 0));
+  std::unique_ptr<KvXML_850::XMLElement> root(
+      KvXML_850::XMLElement::Create("PMML"));
   root->AddAttribute("version", "3.2");
-  XMLElement* header = root->AddChild(XMLElement::Create("Header"));
+  KvXML_850::XMLElement* header =
+      root->AddChild(KvXML_850::XMLElement::Create("Header"));
   header->AddAttribute("copyright", "c");
-  XMLElement* application = header->AddChild(XMLElement::Create("Application"));
+  KvXML_850::XMLElement* application =
+      header->AddChild(KvXML_850::XMLElement::Create("Application"));
   application->AddAttribute("name", "n");
   application->AddAttribute("version", "1.2.1");
-  XMLElement* dictionary = root->AddChild(XMLElement::Create("DataDictionary"));
+  KvXML_850::XMLElement* dictionary =
+      root->AddChild(KvXML_850::XMLElement::Create("DataDictionary"));
   dictionary->AddAttribute("numberOfFields", 3);
-  root->AddChild(XMLElement::Create("Empty"));
+  root->AddChild(KvXML_850::XMLElement::Create("Empty"));
   EXPECT_EQ(Write(docType.get(), root.get()),
             std::string(kDeclaration) +
                 "<!DOCTYPE PMML SYSTEM \"sequentialmodel.dtd\">\n"
@@ -63,10 +66,12 @@ TEST(XMLDocumentTest, WritesDeclarationDocTypeAndIndentedTree) {
 }
 
 TEST(XMLDocumentTest, DeepNestingIndentsTwoSpacesPerLevel) {
-  std::unique_ptr<XMLElement> root(XMLElement::Create("L0"));
-  XMLElement* at = root.get();
+  std::unique_ptr<KvXML_850::XMLElement> root(
+      KvXML_850::XMLElement::Create("L0"));
+  KvXML_850::XMLElement* at = root.get();
   for (int level = 1; level <= 4; ++level) {
-    at = at->AddChild(XMLElement::Create("L" + std::to_string(level)));
+    at = at->AddChild(
+        KvXML_850::XMLElement::Create("L" + std::to_string(level)));
   }
   at->AddAttribute("level", 4);
   EXPECT_EQ(Write(nullptr, root.get()), std::string(kDeclaration) +
@@ -82,10 +87,13 @@ TEST(XMLDocumentTest, DeepNestingIndentsTwoSpacesPerLevel) {
 }
 
 TEST(XMLDocumentTest, WithoutIndentTheTreeIsOneLine) {
-  std::unique_ptr<XMLDocType> docType(XMLDocType::Create("A", "a.dtd", 0));
-  std::unique_ptr<XMLElement> root(XMLElement::Create("A"));
-  root->AddChild(XMLElement::Create("B"))->AddChild(XMLElement::Create("C"));
-  root->AddChild(XMLElement::Create("D"))->AddAttribute("x", "1");
+  std::unique_ptr<KvXML_850::XMLDocType> docType(
+      KvXML_850::XMLDocType::Create("A", "a.dtd", 0));
+  std::unique_ptr<KvXML_850::XMLElement> root(
+      KvXML_850::XMLElement::Create("A"));
+  root->AddChild(KvXML_850::XMLElement::Create("B"))
+      ->AddChild(KvXML_850::XMLElement::Create("C"));
+  root->AddChild(KvXML_850::XMLElement::Create("D"))->AddAttribute("x", "1");
   EXPECT_EQ(Write(docType.get(), root.get(), false),
             std::string(kDeclaration) +
                 "<!DOCTYPE A SYSTEM \"a.dtd\">\n"
@@ -93,7 +101,8 @@ TEST(XMLDocumentTest, WithoutIndentTheTreeIsOneLine) {
 }
 
 TEST(XMLDocumentTest, AttributesKeepTheOrderOfAdding) {
-  std::unique_ptr<XMLElement> element(XMLElement::Create("Sequence"));
+  std::unique_ptr<KvXML_850::XMLElement> element(
+      KvXML_850::XMLElement::Create("Sequence"));
   element->AddAttribute("id", 1);
   element->AddAttribute("support", 0.25);
   element->AddAttribute("occurrence", 2);
@@ -106,7 +115,8 @@ TEST(XMLDocumentTest, AttributesKeepTheOrderOfAdding) {
 }
 
 TEST(XMLDocumentTest, AddingANameAgainReplacesItsValueInPlace) {
-  std::unique_ptr<XMLElement> element(XMLElement::Create("E"));
+  std::unique_ptr<KvXML_850::XMLElement> element(
+      KvXML_850::XMLElement::Create("E"));
   element->AddAttribute("a", "1");
   element->AddAttribute("b", "2");
   element->AddAttribute("a", 3.5);
@@ -115,7 +125,8 @@ TEST(XMLDocumentTest, AddingANameAgainReplacesItsValueInPlace) {
 }
 
 TEST(XMLDocumentTest, AttributeValuesAreEscaped) {
-  std::unique_ptr<XMLElement> element(XMLElement::Create("E"));
+  std::unique_ptr<KvXML_850::XMLElement> element(
+      KvXML_850::XMLElement::Create("E"));
   element->AddAttribute("markup", "a&b<c>d\"e'f&amp;");
   element->AddAttribute("space", "tab\tline\nreturn\r end");
   element->AddAttribute("control", std::string("x\x01y\x1fz\0w", 7));
@@ -151,15 +162,18 @@ TEST(XMLDocumentTest, AParserReadsTheEscapedValuesBack) {
       "",
       "<!-- -->",
   };
-  std::unique_ptr<XMLDocType> docType(XMLDocType::Create("R", "r.dtd", 0));
-  std::unique_ptr<XMLElement> root(XMLElement::Create("R"));
+  std::unique_ptr<KvXML_850::XMLDocType> docType(
+      KvXML_850::XMLDocType::Create("R", "r.dtd", 0));
+  std::unique_ptr<KvXML_850::XMLElement> root(
+      KvXML_850::XMLElement::Create("R"));
   for (const auto& value : values) {
-    root->AddChild(XMLElement::Create("E"))->AddAttribute("v", value);
+    root->AddChild(KvXML_850::XMLElement::Create("E"))
+        ->AddAttribute("v", value);
   }
   const std::string path = testing::TempDir() + "xmldocument_test.xml";
   {
     std::ofstream out(path);
-    ASSERT_TRUE(WriteTree(out, docType.get(), root.get(), true));
+    ASSERT_TRUE(KvXML_850::WriteTree(out, docType.get(), root.get(), true));
   }
   std::string errors;
   ASSERT_TRUE(RunCommand("xmllint --noout " + path + " 2>&1", &errors))
@@ -226,11 +240,14 @@ TEST(XMLDocumentTest, NumbersReadBackExactly) {
 }
 
 TEST(XMLDocumentTest, DocTypeQuotesTheSystemIdentifier) {
-  std::unique_ptr<XMLDocType> plain(XMLDocType::Create("R", "r.dtd", 0));
+  std::unique_ptr<KvXML_850::XMLDocType> plain(
+      KvXML_850::XMLDocType::Create("R", "r.dtd", 0));
   EXPECT_EQ(plain->GetRootName(), "R");
   EXPECT_EQ(plain->GetSystemId(), "r.dtd");
-  std::unique_ptr<XMLDocType> quoted(XMLDocType::Create("R", "a\"b", 0));
-  std::unique_ptr<XMLDocType> both(XMLDocType::Create("R", "a\"b'c", 0));
+  std::unique_ptr<KvXML_850::XMLDocType> quoted(
+      KvXML_850::XMLDocType::Create("R", "a\"b", 0));
+  std::unique_ptr<KvXML_850::XMLDocType> both(
+      KvXML_850::XMLDocType::Create("R", "a\"b'c", 0));
   EXPECT_EQ(Write(quoted.get(), nullptr),
             std::string(kDeclaration) + "<!DOCTYPE R SYSTEM 'a\"b'>\n");
   EXPECT_EQ(Write(both.get(), nullptr),
@@ -243,8 +260,9 @@ TEST(XMLDocumentTest, WithoutDocTypeOrRoot) {
 }
 
 TEST(XMLDocumentTest, AddChildAdoptsAndReturnsTheChild) {
-  std::unique_ptr<XMLElement> root(XMLElement::Create("R"));
-  XMLElement* child = XMLElement::Create("C");
+  std::unique_ptr<KvXML_850::XMLElement> root(
+      KvXML_850::XMLElement::Create("R"));
+  KvXML_850::XMLElement* child = KvXML_850::XMLElement::Create("C");
   EXPECT_EQ(root->AddChild(child), child);
   EXPECT_EQ(root->AddChild(nullptr), nullptr);
   ASSERT_EQ(root->GetChildren().size(), 1u);
@@ -254,10 +272,12 @@ TEST(XMLDocumentTest, AddChildAdoptsAndReturnsTheChild) {
 }
 
 TEST(XMLDocumentTest, LargeTreeIsWrittenWhole) {
-  std::unique_ptr<XMLElement> root(XMLElement::Create("R"));
+  std::unique_ptr<KvXML_850::XMLElement> root(
+      KvXML_850::XMLElement::Create("R"));
   std::string expected = std::string(kDeclaration) + "<R>\n";
   for (int i = 0; i < 5000; ++i) {
-    XMLElement* item = root->AddChild(XMLElement::Create("Item"));
+    KvXML_850::XMLElement* item =
+        root->AddChild(KvXML_850::XMLElement::Create("Item"));
     item->AddAttribute("id", i);
     item->AddAttribute("value", i * 0.5);
     expected += "  <Item id=\"" + std::to_string(i) + "\" value=\"" +
@@ -268,11 +288,14 @@ TEST(XMLDocumentTest, LargeTreeIsWrittenWhole) {
 }
 
 TEST(XMLDocumentTest, ReportsAStreamThatFailed) {
-  std::unique_ptr<XMLElement> root(XMLElement::Create("R"));
+  std::unique_ptr<KvXML_850::XMLElement> root(
+      KvXML_850::XMLElement::Create("R"));
   std::ostringstream out;
   out.setstate(std::ios_base::badbit);
-  EXPECT_FALSE(WriteTree(out, nullptr, root.get(), true));
+  EXPECT_FALSE(KvXML_850::WriteTree(out, nullptr, root.get(), true));
   EXPECT_EQ(out.str(), "");
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

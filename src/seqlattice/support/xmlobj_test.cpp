@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-namespace {
+namespace SEQUENCE_NAMESPACE_800 {
 
-using KvXML_850::XMLObj;
+namespace {
 
 std::uint64_t Bits(double value) {
   std::uint64_t bits;
@@ -32,7 +32,7 @@ double FromBits(std::uint64_t bits) {
 template <typename Number>
 std::string ValueText(Number value) {
   std::ostringstream out;
-  XMLObj("X", 1).WriteSubElement(out, value);
+  KvXML_850::XMLObj("X", 1).WriteSubElement(out, value);
   return out.str();
 }
 
@@ -41,7 +41,7 @@ std::string ValueText(Number value) {
 template <typename Number>
 bool Parse(const std::string& text, Number* value) {
   std::istringstream in(text);
-  const bool ok = XMLObj("X", 1).ParseValue(in, value);
+  const bool ok = KvXML_850::XMLObj("X", 1).ParseValue(in, value);
   EXPECT_EQ(ok, !in.fail()) << text;
   return ok;
 }
@@ -55,7 +55,7 @@ Number RoundTrip(Number value) {
 
 TEST(XMLObjTest, WritesIndentedElementWithOneValuePerLine) {
   std::ostringstream out;
-  XMLObj obj("NTSequence", 4);
+  KvXML_850::XMLObj obj("NTSequence", 4);
   obj.StartObj(out);
   obj.WriteSubElement(out, 5L);
   obj.WriteSubElement(out, -3);
@@ -71,7 +71,7 @@ TEST(XMLObjTest, WritesIndentedElementWithOneValuePerLine) {
 
 TEST(XMLObjTest, OutermostDepthIsNotIndented) {
   std::ostringstream out;
-  XMLObj obj("SequenceDictionary", 1);
+  KvXML_850::XMLObj obj("SequenceDictionary", 1);
   obj.StartObj(out);
   obj.WriteSubElement(out, 1);
   obj.EndObj(out);
@@ -80,19 +80,19 @@ TEST(XMLObjTest, OutermostDepthIsNotIndented) {
 }
 
 TEST(XMLObjTest, DepthIsClampedToOneThroughSixtyFour) {
-  EXPECT_EQ(XMLObj("A", 0).GetDepth(), 1);
-  EXPECT_EQ(XMLObj("A", INT_MIN).GetDepth(), 1);
-  EXPECT_EQ(XMLObj("A", 64).GetDepth(), 64);
-  EXPECT_EQ(XMLObj("A", INT_MAX).GetDepth(), 64);
+  EXPECT_EQ(KvXML_850::XMLObj("A", 0).GetDepth(), 1);
+  EXPECT_EQ(KvXML_850::XMLObj("A", INT_MIN).GetDepth(), 1);
+  EXPECT_EQ(KvXML_850::XMLObj("A", 64).GetDepth(), 64);
+  EXPECT_EQ(KvXML_850::XMLObj("A", INT_MAX).GetDepth(), 64);
   std::ostringstream out;
-  XMLObj deep("A", 1000);
+  KvXML_850::XMLObj deep("A", 1000);
   deep.StartObj(out);
   deep.WriteSubElement(out, -2.2250738585072014e-308);
   deep.EndObj(out);
   EXPECT_EQ(out.str(), std::string(126, ' ') + "<A>\n" + std::string(128, ' ') +
                            "<double>-2.2250738585072014e-308</double>\n" +
                            std::string(126, ' ') + "</A>\n");
-  EXPECT_EQ(XMLObj("A", -3).GetName(), "A");
+  EXPECT_EQ(KvXML_850::XMLObj("A", -3).GetName(), "A");
 }
 
 TEST(XMLObjTest, NumberForms) {
@@ -173,12 +173,12 @@ TEST(XMLObjTest, DoublesRoundTripBitForBit) {
 
 TEST(XMLObjTest, NestedObjectsReadBackAtEveryDepth) {
   std::stringstream io;
-  XMLObj dictionary("SequenceDictionary", 1);
-  XMLObj settings("DictionarySettings", 2);
-  XMLObj table("HashtableSQPair", 2);
-  XMLObj pattern("NTSequence", 4);
-  XMLObj counter("SequenceCounter", 4);
-  XMLObj stats("StatsBucket", 5);
+  KvXML_850::XMLObj dictionary("SequenceDictionary", 1);
+  KvXML_850::XMLObj settings("DictionarySettings", 2);
+  KvXML_850::XMLObj table("HashtableSQPair", 2);
+  KvXML_850::XMLObj pattern("NTSequence", 4);
+  KvXML_850::XMLObj counter("SequenceCounter", 4);
+  KvXML_850::XMLObj stats("StatsBucket", 5);
   dictionary.StartObj(io);
   dictionary.WriteSubElement(io, 1);
   settings.StartObj(io);
@@ -257,7 +257,7 @@ TEST(XMLObjTest, NestedObjectsReadBackAtEveryDepth) {
 
 TEST(XMLObjTest, ReadsThroughAFileStream) {
   const std::string path = testing::TempDir() + "xmlobj_test.xml";
-  XMLObj obj("StatsBucket", 5);
+  KvXML_850::XMLObj obj("StatsBucket", 5);
   {
     std::ofstream out(path);
     obj.StartObj(out);
@@ -282,7 +282,7 @@ TEST(XMLObjTest, ReadsThroughAFileStream) {
 
 TEST(XMLObjTest, WhiteSpaceBetweenElementsIsFree) {
   std::istringstream in("\r\n\t<A>  <int>1</int>\r\n<double>2</double></A>");
-  XMLObj obj("A", 3);
+  KvXML_850::XMLObj obj("A", 3);
   int i = 0;
   double d = 0;
   EXPECT_TRUE(obj.ParseStartObj(in));
@@ -309,7 +309,7 @@ TEST(XMLObjTest, HandWrittenNumberFormsOfTheRightTypeAreRead) {
 }
 
 TEST(XMLObjTest, StartAndEndTagsMustMatchTheName) {
-  const XMLObj obj("NTSequence", 4);
+  const KvXML_850::XMLObj obj("NTSequence", 4);
   const std::vector<std::string> badStarts = {
       "",
       "   \n",
@@ -424,7 +424,7 @@ TEST(XMLObjTest, TruncatedValuesAreRejectedAtEveryLength) {
   for (std::size_t n = 0; n < whole.size() - 1; ++n) {  // keep "</double>"
     double d = 13;
     std::istringstream in(whole.substr(0, n));
-    EXPECT_FALSE(XMLObj("X", 1).ParseValue(in, &d)) << n;
+    EXPECT_FALSE(KvXML_850::XMLObj("X", 1).ParseValue(in, &d)) << n;
     EXPECT_TRUE(in.fail()) << n;
     EXPECT_EQ(d, 13) << n;
   }
@@ -433,7 +433,7 @@ TEST(XMLObjTest, TruncatedValuesAreRejectedAtEveryLength) {
 TEST(XMLObjTest, OverlongValueTextIsRejectedWithoutReadingItAll) {
   std::istringstream in("<int>" + std::string(10000, '0') + "1</int>");
   int i = 11;
-  EXPECT_FALSE(XMLObj("X", 1).ParseValue(in, &i));
+  EXPECT_FALSE(KvXML_850::XMLObj("X", 1).ParseValue(in, &i));
   EXPECT_EQ(i, 11);
   EXPECT_LT(in.rdbuf()->in_avail(), 10000);  // stopped early...
   EXPECT_GT(in.rdbuf()->in_avail(), 9000);   // ...after a few dozen
@@ -441,7 +441,7 @@ TEST(XMLObjTest, OverlongValueTextIsRejectedWithoutReadingItAll) {
 
 TEST(XMLObjTest, AFailureFailsTheStreamForLaterParses) {
   std::istringstream in("<int>x</int><int>1</int>");
-  const XMLObj obj("X", 1);
+  const KvXML_850::XMLObj obj("X", 1);
   int i = 11;
   EXPECT_FALSE(obj.ParseValue(in, &i));
   EXPECT_FALSE(obj.ParseValue(in, &i));
@@ -452,7 +452,7 @@ TEST(XMLObjTest, AFailureFailsTheStreamForLaterParses) {
 }
 
 TEST(XMLObjTest, StreamsThatCannotBeReadAreRejected) {
-  const XMLObj obj("X", 1);
+  const KvXML_850::XMLObj obj("X", 1);
   int i = 11;
   std::istringstream failed("<X><int>1</int>");
   failed.setstate(std::ios_base::failbit);
@@ -470,7 +470,7 @@ TEST(XMLObjTest, StreamsThatCannotBeReadAreRejected) {
 TEST(XMLObjTest, WritersLeaveErrorsToTheStreamState) {
   std::ostringstream out;
   out.setstate(std::ios_base::badbit);
-  XMLObj obj("X", 1);
+  KvXML_850::XMLObj obj("X", 1);
   obj.StartObj(out);
   obj.WriteSubElement(out, 1);
   obj.EndObj(out);
@@ -479,3 +479,5 @@ TEST(XMLObjTest, WritersLeaveErrorsToTheStreamState) {
 }
 
 }  // namespace
+
+}  // namespace SEQUENCE_NAMESPACE_800

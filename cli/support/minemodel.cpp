@@ -1,0 +1,203 @@
+#include "support/minemodel.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+#include "seqlattice/dictionary/dictionarysettings.h"
+#include "seqlattice/mining/dictionaryfiller.h"
+#include "seqlattice/mining/memorybudget.h"
+#include "seqlattice/mining/patternbudget.h"
+#include "seqlattice/recommend/sequenceindex.h"
+#include "support/atomicfile.h"
+#include "support/clierror.h"
+
+namespace seqlattice_cli {
+
+namespace {
+
+namespace mining = SEQUENCE_NAMESPACE_800::mining;
+
+void describeDatabase(const mining::SequenceDatabase& db,
+                      MiningParameters* parameters) {
+  parameters->customers = static_cast<long>(db.customerCount());
+  parameters->transactions = static_cast<long>(db.transactionCount());
+  parameters->itemOccurrences = static_cast<long>(db.itemOccurrenceCount());
+  std::size_t widest = 0;
+  for (std::size_t t = 0; t < db.transactionCount(); ++t) {
+    widest = std::max(
+        widest, static_cast<std::size_t>(db.itemsEnd(t) - db.itemsBegin(t)));
+  }
+  parameters->maxItemsPerTransaction = static_cast<int>(widest);
+}
+
+}  // namespace
+
+std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
+  char* end = nullptr;
+  double parsed = std::strtod(text.c_str(), &end);
+  bool isFraction = text.find_first_not_of("0123456789") != std::string::npos;
+  bool valid = !text.empty() && end == text.c_str() + text.size() &&
+               (isFraction ? parsed > 0 && parsed <= 1
+                           : parsed >= 1 && parsed <= 2147483647);
+  if (!valid) {
+    return "expected a fraction of the customers (0 < F <= 1) or a count of "
+           "customers (N >= 1), not \"" +
+           text + "\"";
+  }
+  *out = MinSupportValue{isFraction, parsed};
+  return "";
+}
+
+void addMiningOptions(CLI::App* command, MineSettings* settings) {
+  addParsedOption<MinSupportValue>(
+      command, "--min-support", &settings->minSupport, parseMinSupport, "F|N",
+      "Least support of a pattern: a fraction of the customers (0.05) or a "
+      "count of customers (30); by default the lowest support of at most "
+      "--max-patterns patterns (needed with --patterns-only)");
+  command
+      ->add_option("--max-patterns", settings->maxPatterns,
+                   "Pattern budget: the minimum support is raised until the "
+                   "model holds at most this many patterns (default: " +
+                       std::to_string(kDefaultMaxPatterns) +
+                       " without --min-support)")
+      ->check(CLI::Range(1L, 100000000L));
+  command
+      ->add_option("--max-items", settings->maxItems,
+                   "Largest number of items in a pattern")
+      ->check(CLI::Range(1, 31))
+      ->capture_default_str();
+}
+
+mining::MinerOptions prepareMining(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, Model* model, std::string* supportText) {
+  const mining::SequenceDatabase& db = log.database;
+  if (db.customerCount() == 0) failInput(inputName + ": no customers");
+  MiningParameters& parameters = model->mining;
+  const MinSupportValue& given = settings.minSupport.value;
+  const bool supportGiven = !settings.minSupport.text.empty();
+  parameters.minSupportIsFraction = given.isFraction;
+  parameters.minSupport = given.value;
+  parameters.maxItems = settings.maxItems;
+  parameters.inputName = inputName;
+  parameters.inputFormat = inputFormat;
+  describeDatabase(db, &parameters);
+  model->items = log.items;
+
+  mining::MinerOptions minerOptions;
+  minerOptions.minSupport = given.isFraction
+                                ? mining::MinSupport::fraction(given.value)
+                                : mining::MinSupport::count(std::max(
+                                      1L, static_cast<long>(given.value)));
+  minerOptions.maxItems = settings.maxItems;
+  minerOptions.threads = settings.threads;
+  // The search and the model may use most of what is left once the
+  // database is loaded; a model that would need more is refused with a
+  // message instead of being killed for want of memory.
+  minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
+  parameters.minCount = minerOptions.minSupport.countFor(db.customerCount());
+  std::string text = settings.minSupport.text;
+  if (!supportGiven || settings.maxPatterns > 0) {
+    // The lowest support whose patterns fit the budget; never below the
+    // support asked for, nor (when none was) below 2 customers, since a
+    // pattern of one customer says nothing about the others. Without a
+    // support the budget is split in two tiers: predictions gain most from
+    // many pairs at a low support, and a few longer patterns add the context
+    // that pairs lack.
+    const long budget =
+        settings.maxPatterns > 0 ? settings.maxPatterns : kDefaultMaxPatterns;
+    const bool split = !supportGiven && settings.maxItems > 2;
+    const long floor = supportGiven ? parameters.minCount : 2;
+    mining::MinerOptions pairs = minerOptions;
+    if (split) pairs.maxItems = 2;
+    const long tierBudget = split ? std::max(1L, budget / 2) : budget;
+    parameters.minCount =
+        mining::lowestCountWithin(db, pairs, tierBudget, floor);
+    const long longCount =
+        split ? mining::lowestCountWithin(db, minerOptions, tierBudget,
+                                          parameters.minCount)
+              : parameters.minCount;
+    parameters.minSupportIsFraction = false;
+    parameters.minSupport = static_cast<double>(parameters.minCount);
+    minerOptions.minSupport = mining::MinSupport::count(longCount);
+    text = "at most " + std::to_string(budget) +
+           " patterns: " + std::to_string(parameters.minCount);
+    if (longCount != parameters.minCount) {
+      text += " (" + std::to_string(longCount) +
+              " for patterns of 3 or more items)";
+    }
+  }
+  if (supportText != nullptr) *supportText = text;
+  return minerOptions;
+}
+
+mining::MiningSummary mineModel(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, Model* model, std::string* supportText) {
+  mining::MinerOptions minerOptions =
+      prepareMining(log, settings, inputName, inputFormat, model, supportText);
+  if (settings.sequences) {
+    model->sequences =
+        SEQUENCE_NAMESPACE_800::recommend::SequenceIndex(log.database);
+  }
+  const long pairCount = model->mining.minCount;
+  SEQUENCE_NAMESPACE_800::SeqDictionarySettings dictionarySettings;
+  dictionarySettings.nLevels = settings.maxItems + 1;
+  model->dictionary =
+      std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(
+          dictionarySettings);
+  if (minerOptions.minSupport.countFor(log.database.customerCount()) !=
+      pairCount) {
+    // Every sub-pattern of a stored pattern is stored too: a longer pattern's
+    // sub-patterns reach its count, which is above the pairs' support.
+    mining::MinerOptions pairs = minerOptions;
+    pairs.maxItems = 2;
+    pairs.minSupport = mining::MinSupport::count(pairCount);
+    mining::mineIntoDictionary(log.database, pairs, *model->dictionary);
+  }
+  mining::MiningSummary summary = mining::mineIntoDictionary(
+      log.database, minerOptions, *model->dictionary);
+  // Every stored count reaches the minimum, so this removes nothing; it
+  // records the minimum support that the documents state.
+  model->dictionary->reduceAll(static_cast<double>(pairCount));
+  summary.minCount = pairCount;
+  summary.patterns = 0;
+  summary.patternsPerSize.assign(
+      static_cast<std::size_t>(settings.maxItems) + 1, 0);
+  for (int k = 1; k <= settings.maxItems; ++k) {
+    const long n = model->dictionary->CountSequencesOfSize(k);
+    summary.patternsPerSize[static_cast<std::size_t>(k)] = n;
+    summary.patterns += n;
+    if (n > 0) summary.longestPattern = k;
+  }
+  return summary;
+}
+
+mining::MiningSummary minePatternFile(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, const std::string& path,
+    PatternFormat format, Model* model, std::string* supportText) {
+  if (settings.minSupport.text.empty()) {
+    failUsage("a pattern file needs a minimum support (--min-support)");
+  }
+  mining::MinerOptions minerOptions =
+      prepareMining(log, settings, inputName, inputFormat, model, supportText);
+  mining::MiningSummary summary;
+  writeOutput(path, [&](std::ostream& out) {
+    PatternStream stream(out, format, log.items);
+    summary = mining::SequenceMiner(minerOptions).mine(log.database, stream);
+  });
+  return summary;
+}
+
+PatternFormat patternFormatFor(const std::string& path,
+                               const std::string& name) {
+  if (name == "auto") return patternFormatOf(path);
+  return name == "json" ? PatternFormat::kJson : PatternFormat::kSpmf;
+}
+
+}  // namespace seqlattice_cli

@@ -1,0 +1,91 @@
+// Mining a labelled customer database into a Model: the one path from a
+// transaction log to a model, shared by "mine", "evaluate" and the Python
+// package, so a model mined in any of them is the same model (the same
+// dictionary bytes). The defaults are the ones predictions work best with
+// (docs/recommender.md, "Mining defaults for prediction").
+//
+// The settings are the mine command's; a setting added here reaches both
+// front ends (the Python package exposes each field as a keyword argument).
+#ifndef SEQLATTICE_CLI_SUPPORT_MINEMODEL_H_
+#define SEQLATTICE_CLI_SUPPORT_MINEMODEL_H_
+
+#include <string>
+
+#include "seqlattice/input/columnreader.h"
+#include "seqlattice/mining/miner.h"
+#include "support/modelfile.h"
+#include "support/parsedoption.h"
+#include "support/patternstream.h"
+
+namespace seqlattice_cli {
+
+// A minimum support: "0.02" is a fraction of the customers, "12" a count.
+struct MinSupportValue {
+  bool isFraction = false;
+  double value = 0;
+};
+
+// Parses the text of a minimum support; returns "" or what is wrong.
+std::string parseMinSupport(const std::string& text, MinSupportValue* out);
+
+// The pattern budget when no minimum support is given.
+constexpr long kDefaultMaxPatterns = 300000;
+
+struct MineSettings {
+  // Set through parseMinSupport; empty text: chosen from the pattern budget.
+  Parsed<MinSupportValue> minSupport;
+  // Pattern budget: the support is raised until the model holds at most this
+  // many patterns. 0: kDefaultMaxPatterns without a minimum support, no
+  // budget with one.
+  long maxPatterns = 0;
+  int maxItems = 4;       // 1 .. 31
+  int threads = 0;        // 0: the hardware's concurrency
+  bool sequences = true;  // keep the customers' sequences for the recommender
+};
+
+// Adds --min-support, --max-patterns and --max-items (mine and evaluate).
+void addMiningOptions(CLI::App* command, MineSettings* settings);
+
+// Records in model what it is mined from and with (item labels, mining
+// parameters; inputName and inputFormat as given) and returns the miner's
+// options for log, with a memory budget of most of what the machine has free.
+// Without a minimum support, half the budget goes to patterns of up to two
+// items and half to longer ones, each at its own lowest support: the model's
+// minCount is the pairs' support and the options' the longer patterns'.
+// *supportText (when not null) gets the support as the mine summary shows
+// it. Throws CliError (exit 1) when the log has no customers.
+SEQUENCE_NAMESPACE_800::mining::MinerOptions prepareMining(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, Model* model,
+    std::string* supportText = nullptr);
+
+// prepareMining, then mines log into the model's fresh dictionary (and
+// index of sequences, unless settings say not to) and returns the miner's
+// summary, its patterns counted over both support tiers. Passes on the
+// miner's MiningError (a model beyond the memory the machine has free is
+// refused that way).
+SEQUENCE_NAMESPACE_800::mining::MiningSummary mineModel(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, Model* model,
+    std::string* supportText = nullptr);
+
+// prepareMining, then streams the patterns to path (standard output for ""
+// or "-") in format instead of storing them: `mine --patterns-only`. The
+// model keeps no dictionary. A pattern file has one support, so this needs
+// a minimum support: CliError (exit 2) without one.
+SEQUENCE_NAMESPACE_800::mining::MiningSummary minePatternFile(
+    const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
+    const MineSettings& settings, const std::string& inputName,
+    const std::string& inputFormat, const std::string& path,
+    PatternFormat format, Model* model, std::string* supportText = nullptr);
+
+// The pattern file format a --patterns-format value names for path: "json",
+// "spmf", or "auto" (by the file name).
+PatternFormat patternFormatFor(const std::string& path,
+                               const std::string& name);
+
+}  // namespace seqlattice_cli
+
+#endif  // SEQLATTICE_CLI_SUPPORT_MINEMODEL_H_
