@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "bench_timing.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/miner.h"
@@ -126,22 +127,6 @@ Fixture& fixture() {
   return *built;
 }
 
-double threadCpuMicros() {
-  timespec now;
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return now.tv_sec * 1e6 + now.tv_nsec / 1e3;
-}
-
-// The median and the 99th percentile of the samples.
-void report(benchmark::State& state, const char* name,
-            std::vector<double>& samples) {
-  std::sort(samples.begin(), samples.end());
-  state.counters[std::string(name) + "_median_us"] =
-      samples[samples.size() / 2];
-  state.counters[std::string(name) + "_p99_us"] =
-      samples[samples.size() * 99 / 100];
-}
-
 // Times every history once per iteration, by the wall clock and by the
 // thread's CPU clock (which other load on the machine does not inflate), and
 // reports the median and 99th percentile per call in microseconds.
@@ -155,17 +140,17 @@ void perCall(benchmark::State& state, Call call) {
     for (const Sequence& history : f.histories) {
       predictions.clear();
       const auto start = std::chrono::steady_clock::now();
-      const double cpuStart = threadCpuMicros();
+      const double cpuStart = bench_timing::threadCpuMicros();
       call(*f.dict, predictions, history);
-      cpu.push_back(threadCpuMicros() - cpuStart);
+      cpu.push_back(bench_timing::threadCpuMicros() - cpuStart);
       wall.push_back(std::chrono::duration<double, std::micro>(
                          std::chrono::steady_clock::now() - start)
                          .count());
     }
     benchmark::DoNotOptimize(predictions.data());
   }
-  report(state, "wall", wall);
-  report(state, "cpu", cpu);
+  bench_timing::report(state, "wall", wall);
+  bench_timing::report(state, "cpu", cpu);
   state.counters["patterns"] = f.dict->NumberOfSequences();
   state.SetItemsProcessed(static_cast<int64_t>(wall.size()));
 }

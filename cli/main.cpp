@@ -76,7 +76,8 @@ int run(int argc, char** argv) {
                                    seqlattice_cli::addPatternsCommand(app),
                                    seqlattice_cli::addExportCommand(app),
                                    seqlattice_cli::addConvertCommand(app),
-                                   seqlattice_cli::addInfoCommand(app)};
+                                   seqlattice_cli::addInfoCommand(app),
+                                   seqlattice_cli::addEvaluateCommand(app)};
 
   checkCommandNames(app, argc, argv);
   try {

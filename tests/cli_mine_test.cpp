@@ -37,7 +37,7 @@ TEST_F(CliMineTest, SummaryOfACsvLog) {
             "items         3 distinct, 7 occurrences, at most 2 per "
             "transaction\n"
             "min support   2 = 2 customers\n"
-            "patterns      3 of at most 9 items\n"
+            "patterns      3 of at most 4 items\n"
             "  1 item      2\n"
             "  2 items     1\n"
             "model         orders.model (binary)\n");
@@ -81,7 +81,7 @@ TEST_F(CliMineTest, TabSeparatedWithOtherColumnNames) {
             "items         2 distinct, 4 occurrences, at most 1 per "
             "transaction\n"
             "min support   1.0 = 2 customers\n"
-            "patterns      3 of at most 9 items\n"
+            "patterns      3 of at most 4 items\n"
             "  1 item      2\n"
             "  2 items     1\n"
             "model         log.model (binary)\n");
@@ -102,7 +102,7 @@ TEST_F(CliMineTest, SpmfInput) {
             "items         3 distinct, 6 occurrences, at most 2 per "
             "transaction\n"
             "min support   2 = 2 customers\n"
-            "patterns      4 of at most 9 items\n"
+            "patterns      4 of at most 4 items\n"
             "  1 item      3\n"
             "  2 items     1\n"
             "model         seq.model (xml)\n");

@@ -88,7 +88,7 @@ TEST_F(PatternsOnlyTest, SpmfLinesCarryItemsSetsAndSupport) {
             "1 -1 2 -1 #SUP: 2\n");
   EXPECT_NE(result.out.find("pattern file  small.patterns (spmf)\n"),
             std::string::npos);
-  EXPECT_NE(result.out.find("patterns      3 of at most 9 items\n"),
+  EXPECT_NE(result.out.find("patterns      3 of at most 4 items\n"),
             std::string::npos);
   // No model, and no temporary file, is left beside the patterns.
   EXPECT_EQ(listWork(),
@@ -155,6 +155,13 @@ TEST_F(PatternsOnlyTest, NeedsOneOutputAndNoModelOptions) {
       run({"mine", "small.txt", "-o", "m.model", "--patterns-format", "json"})
           .exitCode,
       2);
+  // A pattern file has one support: the pattern budget's is not taken.
+  test::CliRun noSupport =
+      run({"mine", "small.txt", "--patterns-only", "p.txt"});
+  EXPECT_EQ(noSupport.exitCode, 2);
+  EXPECT_EQ(noSupport.err,
+            "seqlattice: a pattern file needs a minimum support "
+            "(--min-support)\nRun with --help for more information.\n");
   EXPECT_EQ(listWork(), (std::vector<std::string>{"small.txt"}));
 }
 

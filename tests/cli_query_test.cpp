@@ -1,5 +1,7 @@
 // End-to-end tests of the commands that read a model: rules, predict,
 // patterns, info, export dot and convert, on a model mined by the test.
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "cli_test_util.h"
@@ -81,7 +83,8 @@ TEST_F(CliQueryTest, RulesAsJson) {
 }
 
 TEST_F(CliQueryTest, PredictTheNextOrder) {
-  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot"}),
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot", "--rank",
+                    "confidence"}),
             "rank  item  confidence  support  cause\n"
             "   1  cups      0.6667   0.4000  1.0000\n");
 }
@@ -95,7 +98,7 @@ TEST_F(CliQueryTest, PredictTheCurrentOrder) {
 TEST_F(CliQueryTest, PredictForANewCustomerGivesTheMostFrequentItems) {
   // Equal shares put the larger item code first: tea (3) before jam (1).
   EXPECT_EQ(output({"predict", "shop.model", "--history", "", "--top", "2",
-                    "--format", "csv"}),
+                    "--format", "csv", "--rank", "confidence"}),
             "rank,item,confidence,support,cause\n"
             "1,pot,0.6,0.6,1.0\n"
             "2,tea,0.4,0.4,1.0\n");
@@ -103,7 +106,8 @@ TEST_F(CliQueryTest, PredictForANewCustomerGivesTheMostFrequentItems) {
 
 TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
   // The last order matches nothing; the order before it predicts.
-  test::CliRun result = run({"predict", "shop.model", "--history", "pot;soap"});
+  test::CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
+                             "--rank", "confidence"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err,
             "seqlattice: predict: item \"soap\" is not in the model\n");
@@ -113,8 +117,8 @@ TEST_F(CliQueryTest, PredictFromAnOrderOfUnknownItemsLooksFurtherBack) {
 }
 
 TEST_F(CliQueryTest, PredictFromTheLastOrderOnly) {
-  test::CliRun result = run(
-      {"predict", "shop.model", "--history", "pot;soap", "--last-set-only"});
+  test::CliRun result = run({"predict", "shop.model", "--history", "pot;soap",
+                             "--last-set-only", "--rank", "confidence"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.out, "rank  item  confidence  support  cause\n");
 }
@@ -126,7 +130,7 @@ TEST_F(CliQueryTest, PredictForEveryCustomerOfAFile) {
             "yan,1,\"jam, red\"\n"
             "yan,2,soap\n");
   EXPECT_EQ(output({"predict", "shop.model", "--input", "recent.csv",
-                    "--format", "csv"}),
+                    "--format", "csv", "--rank", "confidence"}),
             "customer,rank,item,confidence,support,cause\n"
             "zoe,1,cups,0.6666666666666666,0.4,1.0\n"
             "yan,1,\"jam, red\",1.0,0.4,1.0\n");
@@ -188,12 +192,12 @@ TEST_F(CliQueryTest, Info) {
             "min support (as given)     2\n"
             "min count                  2\n"
             "min support (dictionary)   0.4000\n"
-            "max items per pattern      9\n"
+            "max items per pattern      4\n"
             "patterns                   6\n"
             "patterns of 1 item         4\n"
             "patterns of 2 items        2\n"
             "lattice built              yes\n"
-            "levels (nLevels)           10\n"
+            "levels (nLevels)           5\n"
             "level sizes                2 11519 23039 23039 23039 23039 11519 "
             "11519\n"
             "higher level size          89\n"
@@ -258,6 +262,104 @@ TEST_F(CliQueryTest, ConvertLeavesNoFileOnError) {
   test::CliRun result = run({"convert", "nope.model", "out.model"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(listWork(), (std::vector<std::string>{"shop.csv", "shop.model"}));
+}
+
+// The recommender, by default: (pot)(cups) has count 2 of (pot)'s 3, smoothed
+// with 2 customers of popularity (cups: 2 of 5), (2 + 0.8) / 5 = 0.56, half
+// of the score: 0.28. Of the 3 customers with pot, ann and bob buy cups right
+// after it: 2 / (3 + 2) = 0.4, the other half: 0.2. The history's items are
+// left out (these customers never buy an item again); the most popular
+// other items fill the list.
+TEST_F(CliQueryTest, PredictRanksByTheRecommenderByDefault) {
+  EXPECT_EQ(
+      output({"predict", "shop.model", "--history", "pot", "--format", "csv"}),
+      "rank,item,score,source,confidence,support,cause\n"
+      "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0\n"
+      "2,tea,0.0,popular,0.4,0.4,1.0\n"
+      "3,\"jam, red\",0.0,popular,0.4,0.4,1.0\n");
+}
+
+TEST_F(CliQueryTest, PredictExplainsEachItem) {
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot", "--explain",
+                    "--top", "2", "--format", "csv"}),
+            "rank,item,score,source,confidence,support,cause,pattern,count,"
+            "pattern count,skipped sets,context customers,followers\n"
+            "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0,(pot),2,3,0,3,"
+            "0.4\n"
+            "2,tea,0.0,popular,0.4,0.4,1.0,,0,0,0,0,0.0\n");
+}
+
+TEST_F(CliQueryTest, PredictForOneCustomerOfAFile) {
+  EXPECT_EQ(output({"predict", "shop.model", "--input", "shop.csv",
+                    "--customer", "bob", "--top", "1", "--format", "csv"}),
+            "customer,rank,item,score,source,confidence,support,cause\n"
+            "bob,1,tea,0.0,popular,0.4,0.4,1.0\n");
+  test::CliRun missing = run(
+      {"predict", "shop.model", "--input", "shop.csv", "--customer", "zed"});
+  EXPECT_EQ(missing.exitCode, 1);
+  EXPECT_EQ(missing.err, "seqlattice: predict: no customer \"zed\"\n");
+}
+
+// After pot;cups nothing follows in the lattice; in the sequences, the
+// context {pot, cups} (2 customers, nothing after it) and, with an item left
+// out, {pot} (cups 2 of 3 + 2) and {cups} (nothing) average to 0.4 / 3, half
+// of the score. Only the history's items: cups, then pot as popular.
+TEST_F(CliQueryTest, NewOnlyAndRepeatOnly) {
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot;cups",
+                    "--repeat-only", "--format", "csv"}),
+            "rank,item,score,source,confidence,support,cause\n"
+            "1,cups,0.06666666666666667,sequences,0.0,0.0,0.0\n"
+            "2,pot,0.0,popular,0.6,0.6,1.0\n");
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot", "--new-only",
+                    "--top", "1", "--format", "csv"}),
+            "rank,item,score,source,confidence,support,cause\n"
+            "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0\n");
+}
+
+// bench/prediction/run.sh on a folder of two folds: one line of ranked items
+// per test row, an empty window answered by the most popular items. Mining
+// keeps items of at least 2 customers; the window's own items are left out
+// (no customer repeats an item).
+TEST_F(CliQueryTest, PredictionBenchmarkScriptOnTwoFolds) {
+  std::filesystem::create_directory(path("folds"));
+  const std::string header = "#seq_index\twindow\tconsequent\tfull_prefix\n";
+  writeFile("folds/fold0.train.spmf",
+            "1 -1 2 -1 3 -1 -2\n1 -1 2 -1 3 -1 -2\n4 -1 5 -1 -2\n");
+  writeFile("folds/fold0.test.tsv", header + "0\t1 2\t3\t1 2\n1\t\t\t4\n");
+  writeFile("folds/fold1.train.spmf",
+            "4 -1 5 -1 -2\n4 -1 5 -1 -2\n1 -1 2 -1 -2\n");
+  writeFile("folds/fold1.test.tsv", header + "2\t4\t5\t4\n");
+  const std::string command =
+      "SEQLATTICE=" + test::shellQuoted(SEQLATTICE_CLI) + " sh " +
+      test::shellQuoted(std::string(SEQLATTICE_SOURCE_DIR) +
+                        "/bench/prediction/run.sh") +
+      " " + test::shellQuoted(path("folds")) + " " +
+      test::shellQuoted(path("out")) + " > /dev/null";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(readFile("out/fold0.pred"), "3\n3 2 1\n");
+  EXPECT_EQ(readFile("out/fold1.pred"), "5\n");
+}
+
+// evaluate on four customers, two folds, the last order held out.
+// Fold 0 tests c0 (holds out 3) and c2 (4); the model sees c0 and c2 without
+// their last order. The recommender and the confidence order give [3]
+// (c0: rank 1, c2: miss); the most popular items are [2, 1, 3] (c0: rank 3).
+// Fold 1 tests c1 and c3 (both 3): 3 and 4 tie everywhere, the larger code
+// first, [4, 3] (rank 2); the most popular [2, 1, 4, 3] (rank 4). Popular
+// mrr: (1/3 + 1/4 + 1/4) / 4, summed in that order.
+TEST_F(CliQueryTest, EvaluateHitRatesOnATinyLog) {
+  writeFile("tiny.csv",
+            "customer,time,item\n"
+            "c0,1,1\nc0,2,2\nc0,3,3\n"
+            "c1,1,1\nc1,2,2\nc1,3,3\n"
+            "c2,1,1\nc2,2,2\nc2,3,4\n"
+            "c3,1,1\nc3,2,2\nc3,3,3\n");
+  EXPECT_EQ(output({"evaluate", "tiny.csv", "--min-support", "1", "--max-items",
+                    "3", "--folds", "2", "--format", "csv"}),
+            "method,customers,hit@1,hit@5,hit@10,mrr,coverage\n"
+            "recommender,4,0.25,0.75,0.75,0.5,1.0\n"
+            "confidence,4,0.25,0.75,0.75,0.5,1.0\n"
+            "popular,4,0.0,0.75,0.75,0.20833333333333331,1.0\n");
 }
 
 }  // namespace

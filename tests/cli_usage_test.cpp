@@ -72,7 +72,7 @@ TEST_F(CliUsageTest, NoCommand) {
 TEST_F(CliUsageTest, UnknownCommand) {
   expectUsageError({"mind", "x"},
                    "unknown command \"mind\" (commands: mine, rules, "
-                   "predict, patterns, export, convert, info)");
+                   "predict, patterns, export, convert, info, evaluate)");
 }
 
 TEST_F(CliUsageTest, MissingModel) {

@@ -24,6 +24,7 @@ Command addPatternsCommand(CLI::App& app);
 Command addExportCommand(CLI::App& app);
 Command addConvertCommand(CLI::App& app);
 Command addInfoCommand(CLI::App& app);
+Command addEvaluateCommand(CLI::App& app);
 
 }  // namespace seqlattice_cli
 

@@ -31,6 +31,7 @@ struct MineOptions {
   bool xml = false;
   std::string patternsOnly;  // a file for the patterns instead of a model
   std::string patternsFormat = "auto";
+  bool noSequences = false;
 };
 
 void printLine(const std::string& field, const std::string& value) {
@@ -59,6 +60,9 @@ void runMine(const MineOptions& options) {
                 " customers ...");
   Model model;
   const MiningParameters& parameters = model.mining;
+  MineSettings settings = options.settings;
+  settings.sequences = !options.noSequences;
+  std::string supportText;
   const std::string logFormat =
       inputFormat(options.input, options.inputOptions);
   mining::MiningSummary summary;
@@ -66,13 +70,14 @@ void runMine(const MineOptions& options) {
   if (!options.patternsOnly.empty()) {
     PatternFormat format =
         patternFormatFor(options.patternsOnly, options.patternsFormat);
-    summary = minePatternFile(log, options.settings, options.input, logFormat,
-                              options.patternsOnly, format, &model);
+    summary =
+        minePatternFile(log, settings, options.input, logFormat,
+                        options.patternsOnly, format, &model, &supportText);
     written = options.patternsOnly +
               (format == PatternFormat::kJson ? " (json lines)" : " (spmf)");
   } else {
-    summary =
-        mineModel(log, options.settings, options.input, logFormat, &model);
+    summary = mineModel(log, settings, options.input, logFormat, &model,
+                        &supportText);
     progress.note("writing " + options.output + " ...");
     saveModel(model, options.output, options.xml);
     written = options.output + (options.xml ? " (xml)" : " (binary)");
@@ -89,9 +94,9 @@ void runMine(const MineOptions& options) {
                          " occurrences, at most " +
                          std::to_string(parameters.maxItemsPerTransaction) +
                          " per transaction");
-  printLine("min support", options.settings.minSupport.text + " = " +
-                               std::to_string(parameters.minCount) +
-                               " customers");
+  printLine(
+      "min support",
+      supportText + " = " + std::to_string(parameters.minCount) + " customers");
   printLine("patterns", std::to_string(summary.patterns) + " of at most " +
                             std::to_string(options.settings.maxItems) +
                             " items");
@@ -164,17 +169,7 @@ Command addMineCommand(CLI::App& app) {
       throw CLI::RequiredError("--output or --patterns-only");
     }
   });
-  addParsedOption<MinSupportValue>(
-      command, "--min-support", &options->settings.minSupport, parseMinSupport,
-      "F|N",
-      "Least support of a pattern: a fraction of the customers (0.05) or a "
-      "count of customers (30)")
-      ->default_val("0.05");
-  command
-      ->add_option("--max-items", options->settings.maxItems,
-                   "Largest number of items in a pattern")
-      ->check(CLI::Range(1, 31))
-      ->capture_default_str();
+  addMiningOptions(command, &options->settings);
   addInputOptions(command, &options->inputOptions, "--format");
   command
       ->add_option("--time-limit", options->settings.timeLimit,
@@ -199,6 +194,11 @@ Command addMineCommand(CLI::App& app) {
   command
       ->add_flag("--xml", options->xml,
                  "Write the model in the XML object format")
+      ->excludes(patternsOnly);
+  command
+      ->add_flag("--no-sequences", options->noSequences,
+                 "Leave the customers' sequences out of the model (the "
+                 "recommender then uses the lattice alone)")
       ->excludes(patternsOnly);
   command->footer(
       "Examples:\n"

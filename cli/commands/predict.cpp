@@ -1,5 +1,6 @@
 // seqlattice predict: the items a customer is likely to buy next (or with
-// the current order, --current), for one history or a whole file.
+// the current order, --current), for one history, one customer of a log or a
+// whole log.
 #include <iostream>
 #include <memory>
 #include <string>
@@ -13,6 +14,7 @@
 #include "support/parsedoption.h"
 #include "support/prediction.h"
 #include "support/printable.h"
+#include "support/recommendoptions.h"
 
 namespace seqlattice_cli {
 
@@ -67,24 +69,31 @@ Command addPredictCommand(CLI::App& app) {
       "Batch mode: predict for every customer of this transaction file");
   history->excludes(input);
   input->excludes(history);
-  command->add_flag("--current", options->settings.current,
-                    "Predict items of the current (last) order instead of "
-                    "the next one");
   command
-      ->add_flag("--last-set-only", options->settings.lastSetOnly,
-                 "Use only patterns ending in the last order")
-      ->excludes("--current");
-  command
-      ->add_option("--top", options->settings.top,
-                   "Number of items per customer")
-      ->check(wholeNumber(1))
-      ->capture_default_str();
+      ->add_option("--customer", options->settings.customer,
+                   "With --input: only this customer of the file")
+      ->needs(input);
+  CLI::Option* current = command->add_flag(
+      "--current", options->settings.current,
+      "Predict items of the current (last) order instead of the next one, "
+      "in the library's confidence order");
+  addRecommendOptions(command, &options->settings);
+  command->add_flag("--explain", options->settings.explain,
+                    "Add the evidence behind each item: the matched pattern "
+                    "and its counts, and the customers of the recent context "
+                    "that acquired the item next");
+  for (const char* name : {"--rank", "--new-only", "--repeat-only",
+                           "--last-set-only", "--explain"}) {
+    current->excludes(name);
+  }
   addFormatOption(command, &options->format);
-  addInputOptions(command, &options->inputOptions, "--input-format");
+  addInputOptions(command, &options->inputOptions, "--input-format", "-column");
   command->footer(
       "Examples:\n"
       "  seqlattice predict orders.model --history \"espresso machine;coffee "
       "beans\"\n"
+      "  seqlattice predict orders.model --history \"descaler\" --explain\n"
+      "  seqlattice predict orders.model --input recent.csv --customer c17\n"
       "  seqlattice predict orders.model --input recent.csv --top 3 --format "
       "csv");
   command->callback([history, input] {

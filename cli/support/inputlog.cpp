@@ -35,7 +35,8 @@ std::string parseDelimiter(const std::string& text, char* delimiter) {
 }
 
 void addInputOptions(CLI::App* command, InputOptions* options,
-                     const std::string& formatOption) {
+                     const std::string& formatOption,
+                     const std::string& columnSuffix) {
   command
       ->add_option(formatOption, options->format,
                    "Input format: csv, spmf or auto (*.txt and *.spmf are "
@@ -43,14 +44,16 @@ void addInputOptions(CLI::App* command, InputOptions* options,
       ->check(CLI::IsMember({"csv", "spmf", "auto"}))
       ->default_str("auto");
   command
-      ->add_option("--customer", options->customerColumn,
+      ->add_option("--customer" + columnSuffix, options->customerColumn,
                    "CSV column of the customer")
       ->default_str("customer");
   command
-      ->add_option("--time", options->timeColumn,
+      ->add_option("--time" + columnSuffix, options->timeColumn,
                    "CSV column of the time: a number or an ISO-8601 date")
       ->default_str("time");
-  command->add_option("--item", options->itemColumn, "CSV column of the item")
+  command
+      ->add_option("--item" + columnSuffix, options->itemColumn,
+                   "CSV column of the item")
       ->default_str("item");
   addParsedOption<char>(command, "--delimiter", &options->delimiter,
                         parseDelimiter, "C",

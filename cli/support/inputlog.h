@@ -30,9 +30,12 @@ struct InputOptions {
 std::string parseDelimiter(const std::string& text, char* delimiter);
 
 // Adds the format option (named formatOption: "--format" for mine,
-// "--input-format" for predict), --customer, --time, --item and --delimiter.
+// "--input-format" for predict), the column options --customer, --time and
+// --item, each name followed by columnSuffix (predict, whose --customer
+// picks a customer, names them --customer-column ...), and --delimiter.
 void addInputOptions(CLI::App* command, InputOptions* options,
-                     const std::string& formatOption);
+                     const std::string& formatOption,
+                     const std::string& columnSuffix = "");
 
 // "csv" or "spmf" for this path and options.
 std::string inputFormat(const std::string& path, const InputOptions& options);

@@ -10,6 +10,8 @@
 #include "seqlattice/dictionary/dictionarysettings.h"
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/memorybudget.h"
+#include "seqlattice/mining/patternbudget.h"
+#include "seqlattice/recommend/sequenceindex.h"
 #include "support/atomicfile.h"
 #include "support/clierror.h"
 
@@ -81,15 +83,38 @@ std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
   return "";
 }
 
+void addMiningOptions(CLI::App* command, MineSettings* settings) {
+  addParsedOption<MinSupportValue>(
+      command, "--min-support", &settings->minSupport, parseMinSupport, "F|N",
+      "Least support of a pattern: a fraction of the customers (0.05) or a "
+      "count of customers (30); by default the lowest support of at most "
+      "--max-patterns patterns (needed with --patterns-only)");
+  command
+      ->add_option("--max-patterns", settings->maxPatterns,
+                   "Pattern budget: the minimum support is raised until the "
+                   "model holds at most this many patterns (default: " +
+                       std::to_string(kDefaultMaxPatterns) +
+                       " without --min-support)")
+      ->check(CLI::Range(1L, 100000000L));
+  command
+      ->add_option("--max-items", settings->maxItems,
+                   "Largest number of items in a pattern")
+      ->check(CLI::Range(1, 31))
+      ->capture_default_str();
+}
+
 mining::MinerOptions prepareMining(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
-    const std::string& inputFormat, Progress& progress, Model* model) {
+    const std::string& inputFormat, Progress& progress, Model* model,
+    std::string* supportText) {
   const mining::SequenceDatabase& db = log.database;
   if (db.customerCount() == 0) failInput(inputName + ": no customers");
   MiningParameters& parameters = model->mining;
-  parameters.minSupportIsFraction = settings.minSupport.value.isFraction;
-  parameters.minSupport = settings.minSupport.value.value;
+  const MinSupportValue& given = settings.minSupport.value;
+  const bool supportGiven = !settings.minSupport.text.empty();
+  parameters.minSupportIsFraction = given.isFraction;
+  parameters.minSupport = given.value;
   parameters.maxItems = settings.maxItems;
   parameters.inputName = inputName;
   parameters.inputFormat = inputFormat;
@@ -97,17 +122,49 @@ mining::MinerOptions prepareMining(
   model->items = log.items;
 
   mining::MinerOptions minerOptions;
-  minerOptions.minSupport =
-      parameters.minSupportIsFraction
-          ? mining::MinSupport::fraction(parameters.minSupport)
-          : mining::MinSupport::count(static_cast<long>(parameters.minSupport));
+  minerOptions.minSupport = given.isFraction
+                                ? mining::MinSupport::fraction(given.value)
+                                : mining::MinSupport::count(std::max(
+                                      1L, static_cast<long>(given.value)));
   minerOptions.maxItems = settings.maxItems;
   minerOptions.threads = settings.threads;
-  parameters.minCount = minerOptions.minSupport.countFor(db.customerCount());
   // The search and the model may use most of what is left once the
   // database is loaded; a model that would need more is refused with a
   // message instead of being killed for want of memory.
   minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
+  parameters.minCount = minerOptions.minSupport.countFor(db.customerCount());
+  std::string text = settings.minSupport.text;
+  if (!supportGiven || settings.maxPatterns > 0) {
+    // The lowest support whose patterns fit the budget; never below the
+    // support asked for, nor (when none was) below 2 customers, since a
+    // pattern of one customer says nothing about the others. Without a
+    // support the budget is split in two tiers: predictions gain most from
+    // many pairs at a low support, and a few longer patterns add the context
+    // that pairs lack.
+    const long budget =
+        settings.maxPatterns > 0 ? settings.maxPatterns : kDefaultMaxPatterns;
+    const bool split = !supportGiven && settings.maxItems > 2;
+    const long floor = supportGiven ? parameters.minCount : 2;
+    mining::MinerOptions pairs = minerOptions;
+    if (split) pairs.maxItems = 2;
+    const long tierBudget = split ? std::max(1L, budget / 2) : budget;
+    parameters.minCount =
+        mining::lowestCountWithin(db, pairs, tierBudget, floor);
+    const long longCount =
+        split ? mining::lowestCountWithin(db, minerOptions, tierBudget,
+                                          parameters.minCount)
+              : parameters.minCount;
+    parameters.minSupportIsFraction = false;
+    parameters.minSupport = static_cast<double>(parameters.minCount);
+    minerOptions.minSupport = mining::MinSupport::count(longCount);
+    text = "at most " + std::to_string(budget) +
+           " patterns: " + std::to_string(parameters.minCount);
+    if (longCount != parameters.minCount) {
+      text += " (" + std::to_string(longCount) +
+              " for patterns of 3 or more items)";
+    }
+  }
+  if (supportText != nullptr) *supportText = text;
   parameters.timeLimit = settings.timeLimit;
   if (settings.timeLimit > 0) {
     minerOptions.deadline =
@@ -122,17 +179,40 @@ mining::MinerOptions prepareMining(
 mining::MiningSummary mineModel(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
-    const std::string& inputFormat, Model* model) {
+    const std::string& inputFormat, Model* model, std::string* supportText) {
   Progress progress(settings.progress);
-  mining::MinerOptions minerOptions =
-      prepareMining(log, settings, inputName, inputFormat, progress, model);
+  mining::MinerOptions minerOptions = prepareMining(
+      log, settings, inputName, inputFormat, progress, model, supportText);
+  if (settings.sequences) {
+    model->sequences =
+        SEQUENCE_NAMESPACE_800::recommend::SequenceIndex(log.database);
+  }
+  const long pairCount = model->mining.minCount;
+  bool pairsComplete = true;
   SEQUENCE_NAMESPACE_800::SeqDictionarySettings dictionarySettings;
   dictionarySettings.nLevels = settings.maxItems + 1;
   model->dictionary =
       std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(
           dictionarySettings);
-  mining::MiningSummary summary = mining::mineIntoDictionary(
-      log.database, minerOptions, *model->dictionary);
+  if (minerOptions.minSupport.countFor(log.database.customerCount()) !=
+      pairCount) {
+    // Every sub-pattern of a stored pattern is stored too: a longer pattern's
+    // sub-patterns reach its count, which is above the pairs' support.
+    mining::MinerOptions pairs = minerOptions;
+    pairs.maxItems = 2;
+    pairs.minSupport = mining::MinSupport::count(pairCount);
+    pairsComplete =
+        mining::mineIntoDictionary(log.database, pairs, *model->dictionary)
+            .complete;
+  }
+  mining::MiningSummary summary;
+  if (pairsComplete) {
+    summary = mining::mineIntoDictionary(log.database, minerOptions,
+                                         *model->dictionary);
+  } else {
+    summary.customers = static_cast<long>(log.database.customerCount());
+    summary.complete = false;
+  }
   if (!summary.complete) {
     progress.note("keeping the patterns whose sub-patterns were all found ...");
     auto kept = std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(
@@ -143,7 +223,17 @@ mining::MiningSummary mineModel(
   model->mining.complete = summary.complete;
   // Every stored count reaches the minimum, so this removes nothing; it
   // records the minimum support that the documents state.
-  model->dictionary->reduceAll(static_cast<double>(summary.minCount));
+  model->dictionary->reduceAll(static_cast<double>(pairCount));
+  summary.minCount = pairCount;
+  summary.patterns = 0;
+  summary.patternsPerSize.assign(
+      static_cast<std::size_t>(settings.maxItems) + 1, 0);
+  for (int k = 1; k <= settings.maxItems; ++k) {
+    const long n = model->dictionary->CountSequencesOfSize(k);
+    summary.patternsPerSize[static_cast<std::size_t>(k)] = n;
+    summary.patterns += n;
+    if (n > 0) summary.longestPattern = k;
+  }
   return summary;
 }
 
@@ -151,10 +241,13 @@ mining::MiningSummary minePatternFile(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
     const std::string& inputFormat, const std::string& path,
-    PatternFormat format, Model* model) {
+    PatternFormat format, Model* model, std::string* supportText) {
+  if (settings.minSupport.text.empty()) {
+    failUsage("a pattern file needs a minimum support (--min-support)");
+  }
   Progress progress(settings.progress);
-  mining::MinerOptions minerOptions =
-      prepareMining(log, settings, inputName, inputFormat, progress, model);
+  mining::MinerOptions minerOptions = prepareMining(
+      log, settings, inputName, inputFormat, progress, model, supportText);
   mining::MiningSummary summary;
   writeOutput(path, [&](std::ostream& out) {
     PatternStream stream(out, format, log.items);

@@ -1,6 +1,8 @@
 // Mining a labelled customer database into a Model: the one path from a
-// transaction log to a model, shared by "mine" and the Python package, so a
-// model mined in either is the same model (the same dictionary bytes).
+// transaction log to a model, shared by "mine", "evaluate" and the Python
+// package, so a model mined in any of them is the same model (the same
+// dictionary bytes). The defaults are the ones predictions work best with
+// (docs/recommender.md, "Mining defaults for prediction").
 //
 // The settings are the mine command's; a setting added here reaches both
 // front ends (the Python package exposes each field as a keyword argument).
@@ -27,10 +29,19 @@ struct MinSupportValue {
 // Parses the text of a minimum support; returns "" or what is wrong.
 std::string parseMinSupport(const std::string& text, MinSupportValue* out);
 
+// The pattern budget when no minimum support is given.
+constexpr long kDefaultMaxPatterns = 300000;
+
 struct MineSettings {
-  Parsed<MinSupportValue> minSupport;  // set through parseMinSupport
-  int maxItems = 9;                    // 1 .. 31
-  int threads = 0;                     // 0: the hardware's concurrency
+  // Set through parseMinSupport; empty text: chosen from the pattern budget.
+  Parsed<MinSupportValue> minSupport;
+  // Pattern budget: the support is raised until the model holds at most this
+  // many patterns. 0: kDefaultMaxPatterns without a minimum support, no
+  // budget with one.
+  long maxPatterns = 0;
+  int maxItems = 4;       // 1 .. 31
+  int threads = 0;        // 0: the hardware's concurrency
+  bool sequences = true;  // keep the customers' sequences for the recommender
   // Seconds after which the search stops in time for the model to be
   // finished about then, keeping the patterns found so far (the model is
   // marked incomplete); 0: none.
@@ -39,35 +50,47 @@ struct MineSettings {
   bool progress = false;
 };
 
+// Adds --min-support, --max-patterns and --max-items (mine and evaluate).
+void addMiningOptions(CLI::App* command, MineSettings* settings);
+
 // Records in model what it is mined from and with (item labels, mining
 // parameters; inputName and inputFormat as given) and returns the miner's
-// options for log, with a memory budget of most of what the machine has free
-// and, through progress (which must outlive the search), notes on how the
-// search goes and the stop at the time limit. Throws CliError (exit 1) when
-// the log has no customers.
+// options for log, with a memory budget of most of what the machine has free.
+// Without a minimum support, half the budget goes to patterns of up to two
+// items and half to longer ones, each at its own lowest support: the model's
+// minCount is the pairs' support and the options' the longer patterns'.
+// *supportText (when not null) gets the support as the mine summary shows
+// it. Through progress (which must outlive the search) the options report
+// how the search goes and stop it at the time limit. Throws CliError (exit 1)
+// when the log has no customers.
 SEQUENCE_NAMESPACE_800::mining::MinerOptions prepareMining(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
-    const std::string& inputFormat, Progress& progress, Model* model);
+    const std::string& inputFormat, Progress& progress, Model* model,
+    std::string* supportText = nullptr);
 
-// prepareMining, then mines log into the model's fresh dictionary and
-// returns the miner's summary. A search stopped by the time limit keeps the
-// patterns whose sub-patterns were all found (summary.complete is false and
-// the model's parameters say so). Passes on the miner's MiningError (a model
-// beyond the memory the machine has free is refused that way).
+// prepareMining, then mines log into the model's fresh dictionary (and
+// index of sequences, unless settings say not to) and returns the miner's
+// summary, its patterns counted over both support tiers. A search stopped by
+// the time limit keeps the patterns whose sub-patterns were all found
+// (summary.complete is false and the model's parameters say so). Passes on the
+// miner's MiningError (a model beyond the memory the machine has free is
+// refused that way).
 SEQUENCE_NAMESPACE_800::mining::MiningSummary mineModel(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
-    const std::string& inputFormat, Model* model);
+    const std::string& inputFormat, Model* model,
+    std::string* supportText = nullptr);
 
 // prepareMining, then streams the patterns to path (standard output for ""
 // or "-") in format instead of storing them: `mine --patterns-only`. The
-// model keeps no dictionary.
+// model keeps no dictionary. A pattern file has one support, so this needs
+// a minimum support: CliError (exit 2) without one.
 SEQUENCE_NAMESPACE_800::mining::MiningSummary minePatternFile(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
     const std::string& inputFormat, const std::string& path,
-    PatternFormat format, Model* model);
+    PatternFormat format, Model* model, std::string* supportText = nullptr);
 
 // The pattern file format a --patterns-format value names for path: "json",
 // "spmf", or "auto" (by the file name).

@@ -20,6 +20,7 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/input/itemlabels.h"
+#include "seqlattice/recommend/sequenceindex.h"
 
 namespace seqlattice_cli {
 
@@ -49,6 +50,9 @@ struct Model {
   std::unique_ptr<SEQUENCE_NAMESPACE_800::SequenceDictionary> dictionary;
   SEQUENCE_NAMESPACE_800::input::ItemLabels items;
   MiningParameters mining;
+  // The customers' sequences, for the recommender (trailer version 2); empty
+  // in models written without them and in version 1 files.
+  SEQUENCE_NAMESPACE_800::recommend::SequenceIndex sequences;
   bool xml = false;  // the form it was loaded from
 };
 

@@ -1,5 +1,5 @@
-// The trailer of the model file: labels, mining parameters and the
-// dictionary's checksum, little-endian.
+// The trailer of the model file: labels, mining parameters, the dictionary's
+// checksum and (version 2) the customers' sequences, little-endian.
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -14,8 +14,9 @@ namespace seqlattice_cli {
 
 namespace {
 
-// Version 2 added the search's completeness and time limit; version 1
-// trailers are still read (complete, no time limit).
+// Version 2 added the search's completeness and time limit, and the
+// customers' sequences; version 1 trailers are still read (a complete search,
+// no time limit, no sequences).
 constexpr std::uint32_t kTrailerVersion = 2;
 
 class Writer {
@@ -44,6 +45,12 @@ class Writer {
   void str(const std::string& s) {
     u32(static_cast<std::uint32_t>(s.size()));
     bytes_ += s;
+  }
+  template <typename T>
+  void u32s(const std::vector<T>& values) {
+    u64(values.size());
+    bytes_.reserve(bytes_.size() + 4 * values.size());
+    for (T v : values) u32(static_cast<std::uint32_t>(v));
   }
   std::string take() { return std::move(bytes_); }
 
@@ -100,6 +107,14 @@ class Reader {
     at_ += n;
     return s;
   }
+  template <typename T>
+  std::vector<T> u32s() {
+    const std::uint64_t n = u64();
+    if (n > (bytes_.size() - at_) / 4) throw std::runtime_error("truncated");
+    std::vector<T> values(static_cast<std::size_t>(n));
+    for (T& v : values) v = static_cast<T>(u32());
+    return values;
+  }
   bool atEnd() const { return at_ == bytes_.size(); }
 
  private:
@@ -135,6 +150,13 @@ std::string encodeTrailer(const Model& model, std::uint32_t checksum) {
   for (const auto& [code, label] : labels) {
     w.i32(code);
     w.str(label);
+  }
+  const auto& index = model.sequences;
+  w.u8(!index.empty());
+  if (!index.empty()) {
+    w.u32s(index.items());
+    w.u32s(index.setStarts());
+    w.u32s(index.customerStarts());
   }
   return w.take();
 }
@@ -172,6 +194,17 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
     for (std::uint32_t i = 0; i < count; ++i) {
       int code = r.i32();
       labels.emplace_back(code, r.str());
+    }
+    model->sequences = SEQUENCE_NAMESPACE_800::recommend::SequenceIndex();
+    if (version >= 2 && r.u8()) {
+      auto items = r.u32s<int>();
+      auto setStarts = r.u32s<std::uint32_t>();
+      auto customerStarts = r.u32s<std::uint32_t>();
+      if (!SEQUENCE_NAMESPACE_800::recommend::SequenceIndex::fromFlat(
+              std::move(items), std::move(setStarts), std::move(customerStarts),
+              &model->sequences)) {
+        throw std::runtime_error("inconsistent sequence index");
+      }
     }
     if (!r.atEnd()) throw std::runtime_error("extra bytes");
     model->items =

@@ -4,55 +4,157 @@
 
 #include "seqlattice/rules/seqconsequentdescript.h"
 #include "seqlattice/sequence/sequence.h"
-#include "seqlattice/sequence/timeditemset.h"
 #include "support/clierror.h"
+#include "support/recommendoptions.h"
 #include "support/sequencelabels.h"
 
 namespace seqlattice_cli {
 
 namespace {
 
+namespace recommend = SEQUENCE_NAMESPACE_800::recommend;
 using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
 using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::TimedItemSet;
 
-std::vector<SeqConsequentDescriptor> predictFor(
-    Model& model, const Sequence& customer, const PredictSettings& settings) {
+// The library's current-item prediction, in the recommender's record.
+std::vector<recommend::Recommendation> currentItems(Model& model,
+                                                    const Sequence& customer,
+                                                    int top) {
   std::vector<SeqConsequentDescriptor> predictions;
   KvCommon_850::KvStatus status =
-      settings.current
-          ? model.dictionary->GetCurrentItems(predictions, &customer,
-                                              settings.top)
-          : model.dictionary->GetFutureItems(
-                predictions, &customer, settings.top, settings.lastSetOnly);
+      model.dictionary->GetCurrentItems(predictions, &customer, top);
   if (!status.IsOK()) {
     failInput("predict: prediction failed (status " +
               std::to_string(status.GetCode()) + ")");
   }
-  return predictions;
-}
-
-// One row per prediction; the customer column only in batch mode.
-void addRows(ResultTable& table, const Model& model, const Json* customer,
-             const std::vector<SeqConsequentDescriptor>& predictions) {
-  long rank = 0;
+  std::vector<recommend::Recommendation> out;
   for (const SeqConsequentDescriptor& p : predictions) {
-    std::vector<Json> row;
-    if (customer != nullptr) row.push_back(*customer);
-    row.insert(row.end(), {++rank, model.items.labelOf(p.GetItem()),
-                           p.GetConfidence(), p.GetSupport(), p.GetCause()});
-    table.addRow(std::move(row));
+    recommend::Recommendation r;
+    r.item = p.GetItem();
+    r.score = r.confidence = p.GetConfidence();
+    r.support = p.GetSupport();
+    r.cause = p.GetCause();
+    out.push_back(r);
   }
+  return out;
 }
 
-std::vector<std::string> predictionColumns(bool batch) {
-  std::vector<std::string> columns = {"rank", "item", "confidence", "support",
-                                      "cause"};
-  if (batch) columns.insert(columns.begin(), "customer");
-  return columns;
-}
+// The recommender over one model, with the settings' choices.
+class Predictor {
+ public:
+  Predictor(Model& model, const PredictSettings& settings)
+      : model_(model),
+        current_(settings.current),
+        options_(recommendOptions(settings)),
+        recommender_(*model.dictionary, &model.sequences) {
+    if (settings.current &&
+        (settings.rank != "recommend" || settings.newOnly ||
+         settings.repeatOnly || settings.lastSetOnly || settings.explain)) {
+      failUsage(
+          "predict: current predicts in the library's confidence order; it "
+          "takes no rank, new-only, repeat-only, last-set-only or explain");
+    }
+  }
+
+  std::vector<recommend::Recommendation> operator()(const Sequence& customer) {
+    return current_ ? currentItems(model_, customer, options_.top)
+                    : recommender_.recommend(customer, options_);
+  }
+
+ private:
+  Model& model_;
+  bool current_;
+  recommend::RecommendOptions options_;
+  recommend::Recommender recommender_;
+};
+
+// The columns: the library's measures for its own orders, the score and the
+// evidence's source for the recommender's, and the evidence when explained.
+class PredictionTable {
+ public:
+  PredictionTable(const Model& model, const PredictSettings& settings,
+                  bool batch)
+      : model_(model),
+        measuresOnly_(settings.current || recommendOptions(settings).ranking ==
+                                              recommend::Ranking::kConfidence),
+        explain_(settings.explain),
+        table_(columns(batch)) {}
+
+  void add(const Json* customer,
+           const std::vector<recommend::Recommendation>& predictions) {
+    long rank = 0;
+    for (const recommend::Recommendation& p : predictions) {
+      std::vector<Json> row;
+      if (customer != nullptr) row.push_back(*customer);
+      row.insert(row.end(), {++rank, model_.items.labelOf(p.item)});
+      if (!measuresOnly_) {
+        row.insert(row.end(), {p.score, sourceName(p.source)});
+      }
+      row.insert(row.end(), {p.confidence, p.support, p.cause});
+      if (explain_) addEvidence(p, &row);
+      table_.addRow(std::move(row));
+    }
+  }
+  ResultTable take() { return std::move(table_); }
+
+ private:
+  std::vector<std::string> columns(bool batch) const {
+    std::vector<std::string> names = {"rank", "item"};
+    if (batch) names.insert(names.begin(), "customer");
+    if (!measuresOnly_) names.insert(names.end(), {"score", "source"});
+    names.insert(names.end(), {"confidence", "support", "cause"});
+    if (explain_) {
+      names.insert(names.end(),
+                   {"pattern", "count", "pattern count", "skipped sets",
+                    "context customers", "followers"});
+    }
+    return names;
+  }
+
+  void addEvidence(const recommend::Recommendation& p,
+                   std::vector<Json>* row) const {
+    Json pattern = Json::array();
+    for (const auto& set : p.pattern) {
+      Json labels = Json::array();
+      for (int item : set) labels.push_back(model_.items.labelOf(item));
+      pattern.push_back(std::move(labels));
+    }
+    row->insert(row->end(),
+                {std::move(pattern), p.count, p.patternCount, p.skippedSets,
+                 p.contextCustomers, p.followerWeight});
+  }
+
+  const Model& model_;
+  bool measuresOnly_;
+  bool explain_;
+  ResultTable table_;
+};
 
 }  // namespace
+
+recommend::RecommendOptions recommendOptions(const PredictSettings& settings) {
+  recommend::RecommendOptions options = settings;
+  if (settings.rank == "confidence") {
+    options.ranking = recommend::Ranking::kConfidence;
+  } else if (settings.rank == "lift") {
+    options.ranking = recommend::Ranking::kLift;
+  } else if (settings.rank == "recommend") {
+    options.ranking = recommend::Ranking::kRecommend;
+  } else {
+    failUsage("rank: expected recommend, lift or confidence, not \"" +
+              settings.rank + "\"");
+  }
+  if (settings.newOnly && settings.repeatOnly) {
+    failUsage("new-only and repeat-only exclude each other");
+  }
+  options.historyItems = settings.newOnly ? recommend::HistoryItems::kNewOnly
+                         : settings.repeatOnly
+                             ? recommend::HistoryItems::kRepeatOnly
+                         : options.ranking == recommend::Ranking::kConfidence
+                             ? recommend::HistoryItems::kAll
+                             : recommend::HistoryItems::kAuto;
+  return options;
+}
 
 std::function<int(const std::string&)> modelItemCoder(const Model& model) {
   const int unknownCode = unknownItemCode(*model.dictionary);
@@ -66,31 +168,32 @@ std::function<int(const std::string&)> modelItemCoder(const Model& model) {
 ResultTable predictHistory(Model& model, const LabelSets& history,
                            const PredictSettings& settings,
                            std::vector<std::string>* unknown) {
+  Predictor predict(model, settings);
   Sequence customer = makeSequence(history, model.items,
                                    unknownItemCode(*model.dictionary), unknown);
-  ResultTable table(predictionColumns(false));
-  addRows(table, model, nullptr, predictFor(model, customer, settings));
-  return table;
+  PredictionTable table(model, settings, false);
+  table.add(nullptr, predict(customer));
+  return table.take();
 }
 
 ResultTable predictLog(
     Model& model, const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const PredictSettings& settings) {
-  ResultTable table(predictionColumns(true));
-  const auto& db = log.database;
-  for (std::size_t c = 0; c < db.customerCount(); ++c) {
-    Sequence customer;
-    for (auto t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
-      TimedItemSet set;
-      set.AddAllItems(db.itemsBegin(t),
-                      static_cast<int>(db.itemsEnd(t) - db.itemsBegin(t)),
-                      db.time(t));
-      customer.AddTimedItemSet(&set);
+  Predictor predict(model, settings);
+  PredictionTable table(model, settings, true);
+  bool found = false;
+  for (std::size_t c = 0; c < log.database.customerCount(); ++c) {
+    if (!settings.customer.empty() && log.customers[c] != settings.customer) {
+      continue;
     }
+    found = true;
     Json label = log.customers[c];
-    addRows(table, model, &label, predictFor(model, customer, settings));
+    table.add(&label, predict(customerSequence(log.database, c)));
   }
-  return table;
+  if (!found && !settings.customer.empty()) {
+    failInput("predict: no customer \"" + settings.customer + "\"");
+  }
+  return table.take();
 }
 
 }  // namespace seqlattice_cli

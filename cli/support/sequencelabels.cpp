@@ -1,5 +1,6 @@
 #include "support/sequencelabels.h"
 
+#include <algorithm>
 #include <climits>
 #include <optional>
 #include <set>
@@ -40,6 +41,25 @@ Sequence makeSequence(const LabelSets& sets,
     sequence.AddTimedItemSet(&itemSet);
   }
   return sequence;
+}
+
+Sequence customerSequence(
+    const SEQUENCE_NAMESPACE_800::mining::SequenceDatabase& db, std::size_t c,
+    long sets) {
+  Sequence customer;
+  auto end = db.endTransaction(c);
+  if (sets >= 0) {
+    end = std::min<decltype(end)>(
+        end, db.firstTransaction(c) + static_cast<decltype(end)>(sets));
+  }
+  for (auto t = db.firstTransaction(c); t < end; ++t) {
+    TimedItemSet set;
+    set.AddAllItems(db.itemsBegin(t),
+                    static_cast<int>(db.itemsEnd(t) - db.itemsBegin(t)),
+                    db.time(t));
+    customer.AddTimedItemSet(&set);
+  }
+  return customer;
 }
 
 Json sequenceCell(const Sequence& sequence,

@@ -11,9 +11,13 @@
 #include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/input/csvreader.h"
 #include "seqlattice/input/itemlabels.h"
+#include "seqlattice/mining/sequencedatabase.h"
 #include "seqlattice/sequence/sequence.h"
+#include "support/inputlog.h"
 #include "support/itemsyntax.h"
+#include "support/modelfile.h"
 #include "support/output.h"
 
 namespace seqlattice_cli {
@@ -26,6 +30,11 @@ SEQUENCE_NAMESPACE_800::Sequence makeSequence(
     const LabelSets& sets,
     const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels, int unknownCode,
     std::vector<std::string>* unknown);
+
+// Customer c of db as a Sequence; its first `sets` item sets when sets >= 0.
+SEQUENCE_NAMESPACE_800::Sequence customerSequence(
+    const SEQUENCE_NAMESPACE_800::mining::SequenceDatabase& db, std::size_t c,
+    long sets = -1);
 
 // The sequence's item sets as arrays of labels, for a result table.
 Json sequenceCell(const SEQUENCE_NAMESPACE_800::Sequence& sequence,

@@ -66,6 +66,15 @@ def _check_range(name: str, value: Any, low: int, high: int) -> int:
     return int(value)
 
 
+def _check_float(name: str, value: Any, low: float, high: float) -> float:
+    if isinstance(value, bool) or not isinstance(
+            value, (int, float, np.integer, np.floating)):
+        raise TypeError(f"{name}: expected a float, not {type(value).__name__}")
+    if not low <= value <= high:
+        raise ValueError(f"{name}: {value} is not within [{low}, {high}]")
+    return float(value)
+
+
 def _rule_bounds(sort: str, maximal: bool,
                  bounds: dict) -> _seqlattice.RuleBounds:
     result = _seqlattice.RuleBounds()
@@ -178,7 +187,13 @@ class Model:
 
     def predict(self, data: Union[History, pd.DataFrame, "os.PathLike[str]"],
                 *, top: int = 5, current: bool = False,
-                last_set_only: bool = False, customer: str = "customer",
+                last_set_only: bool = False, rank: str = "recommend",
+                new_only: bool = False, repeat_only: bool = False,
+                explain: bool = False, only_customer: Any = None,
+                prior: float = 2.0, earlier_weight: Optional[float] = None,
+                sequence_weight: float = 0.5, context_sets: int = 8,
+                context_customers: int = 100, max_dropped: int = 4,
+                decay: Optional[float] = None, customer: str = "customer",
                 time: str = "time", item: str = "item", format: str = "auto",
                 delimiter: Optional[str] = None) -> pd.DataFrame:
         """The items customers buy next, as ``seqlattice predict`` predicts
@@ -193,20 +208,61 @@ class Model:
         ``predict --input`` reads it (``format``, ``delimiter``).
 
         ``top`` items per customer; ``current`` predicts items of the
-        current (last) order instead of the next one; ``last_set_only`` uses
-        only patterns ending in the last order.
+        current (last) order instead of the next one, in the library's
+        confidence order; ``last_set_only`` uses only patterns ending in the
+        last order. The other options are ``predict``'s (docs/recommender.md):
+        ``rank`` "recommend", "lift" or "confidence"; ``new_only`` and
+        ``repeat_only`` filter by the history's items; ``explain`` adds the
+        evidence behind each item; ``only_customer`` keeps one customer of a
+        log; ``prior``, ``earlier_weight``, ``sequence_weight``,
+        ``context_sets``, ``context_customers``, ``max_dropped`` and
+        ``decay`` weigh the evidence (None: chosen from the model's data).
 
-        Returns columns rank, item and the prediction's measures; a log adds
-        a customer column first (the DataFrame's own customer values).
+        Returns columns rank, item, for the recommender's rankings score and
+        source, and the prediction's measures; a log adds a customer column
+        first (the DataFrame's own customer values).
         """
         settings = _seqlattice.PredictSettings()
         settings.top = _check_range("top", top, 1, 2**31 - 1)
-        if current and last_set_only:
-            raise ValueError("current and last_set_only exclude each other")
+        if current and (last_set_only or rank != "recommend" or new_only
+                        or repeat_only or explain):
+            raise ValueError("current excludes last_set_only, rank, "
+                             "new_only, repeat_only and explain")
+        if rank not in ("recommend", "lift", "confidence"):
+            raise ValueError('rank: expected "recommend", "lift" or '
+                             f'"confidence", not "{rank}"')
+        if new_only and repeat_only:
+            raise ValueError("new_only and repeat_only exclude each other")
         settings.current = bool(current)
         settings.last_set_only = bool(last_set_only)
+        settings.rank = rank
+        settings.new_only = bool(new_only)
+        settings.repeat_only = bool(repeat_only)
+        settings.explain = bool(explain)
+        settings.prior = _check_float("prior", prior, 0.0, float("inf"))
+        settings.earlier_weight = -1.0 if earlier_weight is None else \
+            _check_float("earlier_weight", earlier_weight, 0.0, 1.0)
+        settings.sequence_weight = _check_float("sequence_weight",
+                                                sequence_weight, 0.0, 1.0)
+        settings.context_sets = _check_range("context_sets", context_sets, 1,
+                                             1000)
+        settings.context_customers = _check_range(
+            "context_customers", context_customers, 1, 1000000)
+        settings.max_dropped = _check_range("max_dropped", max_dropped, 0, 8)
+        settings.decay = -1.0 if decay is None else _check_float(
+            "decay", decay, 0.0, float("inf"))
+        if only_customer is not None and not isinstance(data, pd.DataFrame):
+            if not isinstance(data, os.PathLike):
+                raise ValueError("only_customer: needs a log, not a history")
+            settings.customer = str(only_customer)
         if isinstance(data, pd.DataFrame):
             log = _frame.log_columns(data, customer, time, item)
+            if only_customer is not None:
+                found = np.flatnonzero(log.customers == only_customer)
+                if len(found) == 0:
+                    raise _seqlattice.Error(
+                        f'predict: no customer "{only_customer}"')
+                settings.customer = str(int(found[0]))
             columns = self._core.predict_columns(
                 log.customer, log.time, log.item, len(log.customers),
                 log.item_labels, settings)
@@ -267,13 +323,18 @@ class Model:
 
 
 def _mine(data: Data, customer: str, time: str, item: str,
-          min_support: Union[float, int], max_items: int,
+          min_support: Optional[Union[float, int]],
+          max_patterns: Optional[int], max_items: int,
           threads: Optional[int], format: str, delimiter: Optional[str],
           options: dict, function: str, pattern_file: str = "",
           pattern_format: str = "auto"):
     """The extension's model and the miner's summary."""
     settings = _seqlattice.MineSettings()
-    settings.min_support = _support_text(min_support)
+    if min_support is not None:
+        settings.min_support = _support_text(min_support)
+    if max_patterns is not None:
+        settings.max_patterns = _check_range("max_patterns", max_patterns, 1,
+                                             100000000)
     settings.max_items = _check_range("max_items", max_items, 1, 31)
     settings.threads = 0 if threads is None else _check_range(
         "threads", threads, 0, 4096)
@@ -295,8 +356,9 @@ def _mine(data: Data, customer: str, time: str, item: str,
 
 
 def mine(data: Data, *, customer: str = "customer", time: str = "time",
-         item: str = "item", min_support: Union[float, int] = 0.05,
-         max_items: int = 9, threads: Optional[int] = None,
+         item: str = "item", min_support: Optional[Union[float, int]] = None,
+         max_patterns: Optional[int] = None, max_items: int = 4,
+         threads: Optional[int] = None,
          format: str = "auto", delimiter: Optional[str] = None,
          **options: Any) -> Model:
     """Mines every frequent sequential pattern of a customer log into a
@@ -311,23 +373,27 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
     ``delimiter`` one character or "tab").
 
     ``min_support`` is a fraction of the customers (a float, 0 < F <= 1) or
-    a count of customers (an int >= 1); ``max_items`` the largest pattern
-    (1..31); ``threads`` the mining threads (None: one per core). Further
-    keyword arguments are the mining settings the extension knows
-    (``_seqlattice.MineSettings``).
+    a count of customers (an int >= 1); None: the lowest support of at most
+    ``max_patterns`` patterns (None: 300000 without a min_support, no
+    budget with one), as ``mine`` chooses it. ``max_items`` the largest
+    pattern (1..31); ``threads`` the mining threads (None: one per core).
+    Further keyword arguments are the mining settings the extension knows
+    (``_seqlattice.MineSettings``, e.g. ``sequences=False`` to leave the
+    customers' sequences out of the model).
 
     Runs without the GIL. Raises InputError naming the row (or the file and
     line) of bad input, MiningError when the model would not fit in memory.
     """
-    core, _ = _mine(data, customer, time, item, min_support, max_items,
-                    threads, format, delimiter, options, "mine")
+    core, _ = _mine(data, customer, time, item, min_support, max_patterns,
+                    max_items, threads, format, delimiter, options, "mine")
     return Model(core)
 
 
 def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
                   customer: str = "customer", time: str = "time",
                   item: str = "item", min_support: Union[float, int] = 0.05,
-                  max_items: int = 9, threads: Optional[int] = None,
+                  max_patterns: Optional[int] = None, max_items: int = 4,
+                  threads: Optional[int] = None,
                   format: str = "auto", delimiter: Optional[str] = None,
                   **options: Any) -> dict[str, Any]:
     """Mines the frequent patterns of a log, as :func:`mine` does, straight
@@ -345,9 +411,9 @@ def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
     path = os.fspath(path)
     if not path:
         raise ValueError("path: expected a file name")
-    _, summary = _mine(data, customer, time, item, min_support, max_items,
-                       threads, format, delimiter, options, "mine_patterns",
-                       path, patterns_format)
+    _, summary = _mine(data, customer, time, item, min_support, max_patterns,
+                       max_items, threads, format, delimiter, options,
+                       "mine_patterns", path, patterns_format)
     return summary
 
 

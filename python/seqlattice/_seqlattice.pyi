@@ -11,8 +11,10 @@ class MiningError(Error): ...
 
 class MineSettings:
     min_support: str
+    max_patterns: int
     max_items: int
     threads: int
+    sequences: bool
     time_limit: float
     progress: bool
 
@@ -27,6 +29,18 @@ class PredictSettings:
     current: bool
     last_set_only: bool
     top: int
+    rank: str
+    new_only: bool
+    repeat_only: bool
+    explain: bool
+    customer: str
+    prior: float
+    earlier_weight: float
+    sequence_weight: float
+    context_sets: int
+    context_customers: int
+    max_dropped: int
+    decay: float
 
 class RuleBounds:
     min_support: float

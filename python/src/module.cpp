@@ -332,8 +332,10 @@ void bindSettings(py::module_& m) {
             setParsed<cli::MinSupportValue>(&s.minSupport, text, "min_support",
                                             cli::parseMinSupport);
           })
+      .def_readwrite("max_patterns", &cli::MineSettings::maxPatterns)
       .def_readwrite("max_items", &cli::MineSettings::maxItems)
       .def_readwrite("threads", &cli::MineSettings::threads)
+      .def_readwrite("sequences", &cli::MineSettings::sequences)
       .def_readwrite("time_limit", &cli::MineSettings::timeLimit)
       .def_readwrite("progress", &cli::MineSettings::progress);
 
@@ -355,7 +357,20 @@ void bindSettings(py::module_& m) {
       .def(py::init<>())
       .def_readwrite("current", &cli::PredictSettings::current)
       .def_readwrite("last_set_only", &cli::PredictSettings::lastSetOnly)
-      .def_readwrite("top", &cli::PredictSettings::top);
+      .def_readwrite("top", &cli::PredictSettings::top)
+      .def_readwrite("rank", &cli::PredictSettings::rank)
+      .def_readwrite("new_only", &cli::PredictSettings::newOnly)
+      .def_readwrite("repeat_only", &cli::PredictSettings::repeatOnly)
+      .def_readwrite("explain", &cli::PredictSettings::explain)
+      .def_readwrite("customer", &cli::PredictSettings::customer)
+      .def_readwrite("prior", &cli::PredictSettings::priorStrength)
+      .def_readwrite("earlier_weight", &cli::PredictSettings::earlierSetWeight)
+      .def_readwrite("sequence_weight", &cli::PredictSettings::sequenceWeight)
+      .def_readwrite("context_sets", &cli::PredictSettings::contextSets)
+      .def_readwrite("context_customers",
+                     &cli::PredictSettings::minContextCustomers)
+      .def_readwrite("max_dropped", &cli::PredictSettings::maxDropped)
+      .def_readwrite("decay", &cli::PredictSettings::decay);
 
   py::class_<cli::RuleBounds>(m, "RuleBounds")
       .def(py::init<>())

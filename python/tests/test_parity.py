@@ -28,6 +28,23 @@ def test_mining_a_file_writes_the_tools_model_byte_for_byte(
         sample_model.read_bytes()
 
 
+@pytest.mark.parametrize("args, kwargs", [
+    ((), {}),
+    (("--max-patterns", "200"), {"max_patterns": 200}),
+    (("--min-support", "0.05", "--max-patterns", "300", "--no-sequences"),
+     {"min_support": 0.05, "max_patterns": 300, "sequences": False}),
+])
+def test_mining_defaults_and_budget_equal_the_tools(tool, tmp_path, args,
+                                                    kwargs):
+    tool.run("mine", SAMPLE, "-o", tmp_path / "tool.model", *args)
+    model = seqlattice.mine(str(SAMPLE), **kwargs)
+    model.save(tmp_path / "python.model")
+    assert (tmp_path / "python.model").read_bytes() == \
+        (tmp_path / "tool.model").read_bytes()
+    assert records(model.patterns()) == tool.json("patterns",
+                                                  tmp_path / "tool.model")
+
+
 def test_mining_the_frame_finds_the_tools_patterns(tool, sample_model,
                                                    sample_frame):
     model = seqlattice.mine(sample_frame, min_support=0.03)
@@ -66,6 +83,17 @@ def test_rules_and_patterns_equal_the_tools(tool, sample_model, command,
     (("--top", "3"), {"top": 3}),
     (("--current",), {"current": True}),
     (("--last-set-only",), {"last_set_only": True}),
+    (("--rank", "lift"), {"rank": "lift"}),
+    (("--rank", "confidence"), {"rank": "confidence"}),
+    (("--new-only",), {"new_only": True}),
+    (("--repeat-only", "--top", "2"), {"repeat_only": True, "top": 2}),
+    (("--explain",), {"explain": True}),
+    (("--prior", "1", "--sequence-weight", "0.2", "--earlier-weight", "0.4"),
+     {"prior": 1.0, "sequence_weight": 0.2, "earlier_weight": 0.4}),
+    (("--context-sets", "2", "--context-customers", "5", "--max-dropped",
+      "1", "--decay", "0.5"),
+     {"context_sets": 2, "context_customers": 5, "max_dropped": 1,
+      "decay": 0.5}),
 ])
 def test_predictions_equal_the_tools(tool, sample_model, args, kwargs):
     model = seqlattice.load(sample_model)
@@ -88,6 +116,25 @@ def test_batch_predictions_equal_the_tools(tool, sample_model, sample_frame,
     model = seqlattice.load(sample_model)
     assert records(model.predict(recent, top=3)) == expected
     assert records(model.predict(path, top=3)) == expected
+    assert list(expected[0]) == ["customer", "rank", "item", "score",
+                                 "source", "confidence", "support", "cause"]
+
+
+def test_one_customer_of_a_log_predicts_as_the_tool(tool, sample_model,
+                                                    sample_frame, tmp_path):
+    recent = sample_frame[sample_frame["customer"] < "C0100"]
+    path = tmp_path / "recent.csv"
+    recent.to_csv(path, index=False, date_format="%Y-%m-%d")
+    expected = tool.json("predict", sample_model, "--input", path,
+                         "--customer", "C0042", "--explain")
+    assert [row["customer"] for row in expected] == ["C0042"] * 5
+    model = seqlattice.load(sample_model)
+    assert records(model.predict(recent, only_customer="C0042",
+                                 explain=True)) == expected
+    assert records(model.predict(path, only_customer="C0042",
+                                 explain=True)) == expected
+    with pytest.raises(seqlattice.Error, match='no customer "C9999"'):
+        model.predict(recent, only_customer="C9999")
 
 
 def test_a_new_customer_and_unknown_items_predict_as_the_tool(

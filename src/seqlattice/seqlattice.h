@@ -34,7 +34,12 @@
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
+#include "seqlattice/mining/patternbudget.h"
 #include "seqlattice/mining/sequencedatabase.h"
+
+// recommendations
+#include "seqlattice/recommend/recommender.h"
+#include "seqlattice/recommend/sequenceindex.h"
 
 // rules and predictions
 #include "seqlattice/rules/seqassociationrule.h"

@@ -1,0 +1,84 @@
+#include "support/recommendoptions.h"
+
+#include "support/parsedoption.h"
+
+namespace seqlattice_cli {
+
+namespace recommend = SEQUENCE_NAMESPACE_800::recommend;
+
+void addRecommendOptions(CLI::App* command, PredictSettings* settings) {
+  recommend::RecommendOptions& o = *settings;
+  command->add_option("--top", o.top, "Number of items per customer")
+      ->check(wholeNumber(1))
+      ->capture_default_str();
+  command
+      ->add_option("--rank", settings->rank,
+                   "recommend: smoothed evidence of the lattice and the "
+                   "customers' sequences, most popular items last; lift: the "
+                   "same against each item's popularity; confidence: the "
+                   "library's own order (GetFutureItems)")
+      ->check(CLI::IsMember({"recommend", "lift", "confidence"}))
+      ->capture_default_str();
+  CLI::Option* newOnly =
+      command->add_flag("--new-only", settings->newOnly,
+                        "Leave out items the customer already has");
+  CLI::Option* repeatOnly =
+      command->add_flag("--repeat-only", settings->repeatOnly,
+                        "Only items the customer already has");
+  newOnly->excludes(repeatOnly);
+  command->add_flag("--last-set-only", o.lastSetOnly,
+                    "Use only patterns ending in the last order");
+  command
+      ->add_option("--prior", o.priorStrength,
+                   "Customers' worth of popularity added to each confidence")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
+  command
+      ->add_option("--earlier-weight", o.earlierSetWeight,
+                   "Weight of a pattern ending one order earlier (default: "
+                   "0.5 when the model's customers have 20 orders or more on "
+                   "average, else 0.3)")
+      ->check(CLI::Range(0.0, 1.0));
+  command
+      ->add_option("--sequence-weight", o.sequenceWeight,
+                   "Share of the score from the customers' sequences kept "
+                   "in the model (the rest from the lattice)")
+      ->check(CLI::Range(0.0, 1.0))
+      ->capture_default_str();
+  command
+      ->add_option("--context-sets", o.contextSets,
+                   "Latest orders that form the recent context")
+      ->check(CLI::Range(1, 1000))
+      ->capture_default_str();
+  command
+      ->add_option("--context-customers", o.minContextCustomers,
+                   "Customers the recent context needs before none of its "
+                   "items is left out")
+      ->check(CLI::Range(1, 1000000))
+      ->capture_default_str();
+  command
+      ->add_option("--max-dropped", o.maxDropped,
+                   "Most context items left out to find such customers")
+      ->check(CLI::Range(0, 8))
+      ->capture_default_str();
+  command
+      ->add_option("--decay", o.decay,
+                   "How fast an item's weight falls with the orders between "
+                   "the context and it: 1 / (1 + decay * orders) (default: "
+                   "0.3 when the model's customers have 20 orders or more on "
+                   "average, else 0)")
+      ->check(CLI::NonNegativeNumber);
+}
+
+std::string sourceName(recommend::Source source) {
+  switch (source) {
+    case recommend::Source::kLattice:
+      return "lattice";
+    case recommend::Source::kSequences:
+      return "sequences";
+    default:
+      return "popular";
+  }
+}
+
+}  // namespace seqlattice_cli

@@ -1,0 +1,273 @@
+#include "seqlattice/recommend/recommender.h"
+
+#include <algorithm>
+#include <climits>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/rules/seqconsequentdescript.h"
+#include "seqlattice/sequence/timeditemset.h"
+#include "seqlattice/store/hashpairseq.h"
+#include "seqlattice/store/sequencedescriptor.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace recommend {
+
+namespace {
+
+// The distinct items of the history's item sets [from, Length()).
+std::vector<int> itemsFrom(const Sequence& history, int from) {
+  std::vector<int> items;
+  for (int s = std::max(0, from); s < history.Length(); ++s) {
+    const TimedItemSet* set = history[s];
+    items.insert(items.end(), set->Begin(), set->End());
+  }
+  std::sort(items.begin(), items.end());
+  items.erase(std::unique(items.begin(), items.end()), items.end());
+  return items;
+}
+
+bool contains(const std::vector<int>& sorted, int item) {
+  return std::binary_search(sorted.begin(), sorted.end(), item);
+}
+
+std::vector<std::vector<int>> itemSetsOf(const NTSequence& pattern) {
+  std::vector<std::vector<int>> sets(
+      static_cast<std::size_t>(pattern.getNSets()));
+  for (int s = 0; s < pattern.getNSets(); ++s) {
+    for (int i = 0; i < pattern.getSizeOfSet(s); ++i) {
+      sets[static_cast<std::size_t>(s)].push_back(pattern.getItemInSet(i, s));
+    }
+  }
+  return sets;
+}
+
+// The matches of one lattice pass, deleted with this object.
+std::vector<std::unique_ptr<NTSequence>> matchesOf(SequenceDictionary& dict,
+                                                   const Sequence& history,
+                                                   int skipLast) {
+  std::vector<NTSequence*> found;
+  try {
+    dict.getSubsequencesInSequence(found, &history, skipLast);
+  } catch (...) {
+    for (NTSequence* p : found) delete p;
+    throw;
+  }
+  std::vector<std::unique_ptr<NTSequence>> owned;
+  owned.reserve(found.size());
+  for (NTSequence* p : found) owned.emplace_back(p);
+  return owned;
+}
+
+// Whether the history filter lets the item through.
+bool admitted(HistoryItems mode, const std::vector<int>& historyItems,
+              int item) {
+  switch (mode) {
+    case HistoryItems::kNewOnly:
+      return !contains(historyItems, item);
+    case HistoryItems::kRepeatOnly:
+      return contains(historyItems, item);
+    default:
+      return true;
+  }
+}
+
+// Decreasing score, then decreasing item code (the library's tie rule).
+bool ranksBefore(const Recommendation& a, const Recommendation& b) {
+  if (a.score != b.score) return a.score > b.score;
+  return a.item > b.item;
+}
+
+struct Candidate {
+  Recommendation rec;
+  double lattice = 0;
+  double sequences = 0;
+};
+
+}  // namespace
+
+Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
+    : dict_(dict), index_(index) {
+  const SequenceCounter* level0 = dict.getLevel0Descriptor();
+  n_ = level0 != nullptr ? level0->getCount() : 0;
+  const HashtableSQPair* level1 = dict.getLevel(1);
+  if (level1 != nullptr) {
+    for (const ISQCPair& entry : *level1) {
+      if (entry.value == nullptr) continue;
+      itemCounts_.emplace_back(entry.key->getItemInSet(0, 0),
+                               entry.value->getCount());
+    }
+  }
+  std::sort(itemCounts_.begin(), itemCounts_.end());
+  std::vector<std::pair<int, long>> byCount = itemCounts_;
+  std::sort(byCount.begin(), byCount.end(), [](const auto& a, const auto& b) {
+    return a.second != b.second ? a.second > b.second : a.first > b.first;
+  });
+  for (const auto& entry : byCount) popular_.push_back(entry.first);
+  if (index_ != nullptr && !index_->empty()) {
+    repeatRate_ = index_->repeatRate(5);
+    const bool longSequences = index_->meanLength() >= kLongSequence;
+    automaticDecay_ = longSequences ? kLongSequenceDecay : 0.0;
+    automaticEarlierWeight_ = longSequences ? kLongSequenceEarlierWeight
+                                            : kShortSequenceEarlierWeight;
+  }
+}
+
+double Recommender::popularity(int item) const {
+  auto at = std::lower_bound(itemCounts_.begin(), itemCounts_.end(),
+                             std::make_pair(item, LONG_MIN));
+  if (at == itemCounts_.end() || at->first != item || n_ <= 0) return 0.0;
+  return static_cast<double>(at->second) / n_;
+}
+
+std::vector<Recommendation> Recommender::byConfidence(
+    const Sequence& history, const RecommendOptions& options) {
+  const bool filtering = options.historyItems == HistoryItems::kNewOnly ||
+                         options.historyItems == HistoryItems::kRepeatOnly;
+  std::vector<SeqConsequentDescriptor> predictions;
+  KvCommon_850::KvStatus status = dict_.GetFutureItems(
+      predictions, &history, filtering ? INT_MAX : options.top,
+      options.lastSetOnly);
+  if (!status.IsOK()) {
+    throw std::runtime_error("GetFutureItems failed with status " +
+                             std::to_string(status.GetCode()));
+  }
+  const std::vector<int> historyItems = itemsFrom(history, 0);
+  std::vector<Recommendation> out;
+  for (const SeqConsequentDescriptor& p : predictions) {
+    if (static_cast<int>(out.size()) >= options.top) break;
+    if (!admitted(options.historyItems, historyItems, p.GetItem())) continue;
+    Recommendation r;
+    r.item = p.GetItem();
+    r.score = p.GetConfidence();
+    r.source = Source::kLattice;
+    r.confidence = p.GetConfidence();
+    r.support = p.GetSupport();
+    r.cause = p.GetCause();
+    out.push_back(r);
+  }
+  return out;
+}
+
+std::vector<Recommendation> Recommender::recommend(
+    const Sequence& history, const RecommendOptions& options) {
+  if (options.top <= 0) return {};
+  if (options.ranking == Ranking::kConfidence) {
+    return byConfidence(history, options);
+  }
+  const double prior = std::max(0.0, options.priorStrength);
+  std::unordered_map<int, Candidate> candidates;
+
+  // The lattice, one pass per item set the match is anchored on.
+  const int length = history.Length();
+  const int passes = options.lastSetOnly
+                         ? std::min(1, length)
+                         : std::min(length, std::max(1, options.contextSets));
+  const double earlierWeight = options.earlierSetWeight < 0
+                                   ? automaticEarlierWeight_
+                                   : options.earlierSetWeight;
+  double weight = 1.0;
+  for (int k = 0; k < passes; ++k, weight *= earlierWeight) {
+    const std::vector<int> excluded = itemsFrom(history, length - k);
+    for (const auto& p : matchesOf(dict_, history, k)) {
+      const SequenceCounter* counter = dict_.getDescriptor(p.get());
+      if (counter == nullptr || counter->getAdjacentItems() == nullptr) {
+        continue;
+      }
+      const int after = 2 * p->getNSets() + 1;
+      for (const std::pair<int, int>& entry : *counter->getAdjacentItems()) {
+        const int item = entry.first;
+        if (entry.second != after || contains(excluded, item)) continue;
+        const NTSequence extended(*p, item, after);
+        const SequenceCounter* extendedCounter = dict_.getDescriptor(&extended);
+        if (extendedCounter == nullptr) continue;
+        const double count = extendedCounter->getCount();
+        const double patternCount = counter->getCount();
+        const double score = weight * (count + prior * popularity(item)) /
+                             (patternCount + prior);
+        Candidate& c = candidates[item];
+        if (score <= c.lattice) continue;
+        c.lattice = score;
+        Recommendation& r = c.rec;
+        r.confidence = count / patternCount;
+        r.support = n_ > 0 ? count / n_ : 0.0;
+        const double itemShare = popularity(item);
+        r.cause = itemShare > 0 ? count / (itemShare * n_) : 0.0;
+        r.pattern = itemSetsOf(*p);
+        r.patternCount = counter->getCount();
+        r.count = extendedCounter->getCount();
+        r.skippedSets = k;
+      }
+    }
+  }
+
+  // The sequence index: who else went through the recent context.
+  const double sequenceWeight =
+      index_ != nullptr && !index_->empty() && length > 0
+          ? std::min(1.0, std::max(0.0, options.sequenceWeight))
+          : 0.0;
+  if (sequenceWeight > 0) {
+    const FollowerCounts followers = index_->followersOf(
+        itemsFrom(history, length - std::max(1, options.contextSets)),
+        options.minContextCustomers, options.maxDropped,
+        options.decay < 0 ? automaticDecay_ : options.decay, prior);
+    for (const auto& [item, w] : followers.followers) {
+      Candidate& c = candidates[item];
+      c.sequences = w;
+      c.rec.contextCustomers = followers.contextCustomers;
+      c.rec.followerWeight = w;
+    }
+  }
+
+  HistoryItems mode = options.historyItems;
+  if (mode == HistoryItems::kAuto) {
+    mode = repeatRate_ < kRareRepeats ? HistoryItems::kNewOnly
+                                      : HistoryItems::kAll;
+  }
+  const std::vector<int> historyItems = itemsFrom(history, 0);
+  std::vector<Recommendation> ranked;
+  ranked.reserve(candidates.size());
+  for (auto& [item, c] : candidates) {
+    if (!admitted(mode, historyItems, item)) continue;
+    const double fromLattice = (1.0 - sequenceWeight) * c.lattice;
+    const double fromSequences = sequenceWeight * c.sequences;
+    c.rec.item = item;
+    c.rec.score = fromLattice + fromSequences;
+    c.rec.source =
+        fromSequences > fromLattice ? Source::kSequences : Source::kLattice;
+    if (options.ranking == Ranking::kLift) {
+      c.rec.score /= std::max(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0);
+    }
+    ranked.push_back(std::move(c.rec));
+  }
+  std::sort(ranked.begin(), ranked.end(), ranksBefore);
+  if (static_cast<int>(ranked.size()) > options.top) {
+    ranked.resize(static_cast<std::size_t>(options.top));
+  }
+
+  if (options.popularFallback) {
+    std::vector<int> chosen;
+    for (const Recommendation& r : ranked) chosen.push_back(r.item);
+    std::sort(chosen.begin(), chosen.end());
+    for (int item : popular_) {
+      if (static_cast<int>(ranked.size()) >= options.top) break;
+      if (contains(chosen, item) || !admitted(mode, historyItems, item)) {
+        continue;
+      }
+      Recommendation r;
+      r.item = item;
+      r.source = Source::kPopular;
+      r.support = r.confidence = popularity(item);
+      r.cause = 1.0;
+      ranked.push_back(r);
+    }
+  }
+  return ranked;
+}
+
+}  // namespace recommend
+}  // namespace SEQUENCE_NAMESPACE_800

@@ -1,0 +1,157 @@
+// Recommender ranks the items a customer is likely to acquire next, for the
+// tool and for hosts, beside the library's GetFutureItems (whose order and
+// measures it leaves untouched and can reproduce, Ranking::kConfidence).
+//
+// Its own ranking (Ranking::kRecommend) weighs three kinds of evidence:
+//  - the lattice: the stored patterns that the history contains and that end
+//    in its most recent item set, each followed by a candidate item in a new
+//    item set; a match anchored k item sets earlier counts
+//    earlierSetWeight^k times as much and never proposes an item of the last
+//    k item sets (the library's passes). The confidence of each rule is
+//    smoothed towards the item's popularity with priorStrength pseudo
+//    customers, so that a rule seen in 2 customers cannot beat one seen in
+//    2,000 on a lucky ratio;
+//  - the model's sequence index, when the model carries one: the customers
+//    whose sequences contain the whole recent context (however rare) and what
+//    they acquired soon after it, smoothed the same way;
+//  - the items' popularity, as the last fallback, so that every customer
+//    gets an answer; such items are marked Source::kPopular.
+// docs/recommender.md gives the reasons for each choice and the measured
+// figures behind the defaults.
+//
+// A Recommender keeps references to the dictionary and the index (both stay
+// the caller's and must outlive it). Not thread-safe: the dictionary's
+// lookups rewrite its scratch key.
+#ifndef SEQLATTICE_RECOMMEND_RECOMMENDER_H_
+#define SEQLATTICE_RECOMMEND_RECOMMENDER_H_
+
+#include <vector>
+
+#include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/recommend/sequenceindex.h"
+#include "seqlattice/sequence/sequence.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace recommend {
+
+enum class Ranking {
+  kRecommend,   // the blended, smoothed score described above
+  kConfidence,  // exactly GetFutureItems: its items, order and measures
+  kLift,        // the blended score divided by the item's popularity
+};
+
+// Which items of the customer's own history may be recommended.
+enum class HistoryItems {
+  kAuto,  // new items only when the model's data rarely repeats items
+          // (repeat rate below kRareRepeats), else all
+  kAll,
+  kNewOnly,     // none of the history's items
+  kRepeatOnly,  // only the history's items
+};
+
+// Below this share of item sets repeating one of the five before them, the
+// automatic choice leaves the history's items out.
+constexpr double kRareRepeats = 0.1;
+// In long sequences what comes soon after the context is a better guide
+// than what comes much later, and matches anchored on earlier item sets keep
+// more of their worth; in short ones the whole rest is near anyway, and the
+// most recent item set says more. The values are measured
+// (docs/recommender.md).
+constexpr double kLongSequence = 20;
+constexpr double kLongSequenceDecay = 0.3;
+constexpr double kLongSequenceEarlierWeight = 0.5;
+constexpr double kShortSequenceEarlierWeight = 0.3;
+
+struct RecommendOptions {
+  int top = 5;  // largest number of items returned; <= 0 returns none
+  Ranking ranking = Ranking::kRecommend;
+  HistoryItems historyItems = HistoryItems::kAuto;
+  // Lattice matches only on the last item set (for kConfidence, the flag of
+  // GetFutureItems).
+  bool lastSetOnly = false;
+  // Pseudo customers of popularity added to every confidence.
+  double priorStrength = 2.0;
+  // Weight of a match anchored one item set earlier than the previous pass.
+  // Negative: chosen from the model's data, 0.5 when its customers hold
+  // kLongSequence item sets or more on average, else 0.3.
+  double earlierSetWeight = -1;
+  // Share of the score taken from the sequence index (when the model has
+  // one); the rest comes from the lattice.
+  double sequenceWeight = 0.5;
+  // The last item sets of the history that form the index's context.
+  int contextSets = 8;
+  // Fewer customers than this with the whole context: leave context items
+  // out, up to maxDropped of them.
+  int minContextCustomers = 100;
+  int maxDropped = 4;
+  // How fast the weight of a follower falls with its distance (in item
+  // sets) from the context: 1 / (1 + decay * distance). Negative: chosen
+  // from the model's data, kLongSequenceDecay when its customers hold
+  // kLongSequence item sets or more on average, else 0 (and 0 without
+  // sequences in the model).
+  double decay = -1;
+  // Fill the list with the most popular items.
+  bool popularFallback = true;
+};
+
+enum class Source { kLattice, kSequences, kPopular };
+
+// One recommended item with the evidence behind it.
+struct Recommendation {
+  int item = 0;
+  double score = 0;
+  Source source = Source::kPopular;  // the evidence that weighed most
+  // The library's measures of the best lattice rule for the item (for
+  // kConfidence, GetFutureItems's descriptor): confidence = count /
+  // patternCount, support = count / N, cause = count / count of (item).
+  double confidence = 0;
+  double support = 0;
+  double cause = 0;
+  // The lattice rule: antecedent pattern (item sets), its count, the count
+  // with the item after it, and how many trailing item sets of the history
+  // its match left out. Empty pattern when no rule proposed the item.
+  std::vector<std::vector<int>> pattern;
+  long patternCount = 0;
+  long count = 0;
+  int skippedSets = 0;
+  // The index's evidence: customers holding the context and the weight of
+  // those followed by the item (0 when the index proposed nothing).
+  long contextCustomers = 0;
+  double followerWeight = 0;
+};
+
+class Recommender {
+ public:
+  // index may be null (a model without one); dict must have its lattice
+  // built. Reads the popularity of every item once.
+  Recommender(SequenceDictionary& dict, const SequenceIndex* index);
+
+  // The best options.top items for the history, best first. Throws
+  // SeqExceptions::DictionaryFailure when the dictionary runs out of memory
+  // and std::runtime_error when GetFutureItems fails (kConfidence).
+  std::vector<Recommendation> recommend(const Sequence& history,
+                                        const RecommendOptions& options);
+
+  // The repeat rate that HistoryItems::kAuto compares with kRareRepeats;
+  // 1.0 (keep history items) without an index.
+  double repeatRate() const { return repeatRate_; }
+
+ private:
+  std::vector<Recommendation> byConfidence(const Sequence& history,
+                                           const RecommendOptions& options);
+  double popularity(int item) const;
+
+  SequenceDictionary& dict_;
+  const SequenceIndex* index_;
+  double n_ = 0;
+  std::vector<std::pair<int, long>> itemCounts_;  // by item, ascending
+  std::vector<int> popular_;  // items by decreasing count, then item code
+  double repeatRate_ = 1.0;
+  double automaticDecay_ = 0.0;
+  double automaticEarlierWeight_ = kShortSequenceEarlierWeight;
+};
+
+}  // namespace recommend
+}  // namespace SEQUENCE_NAMESPACE_800
+
+#endif  // SEQLATTICE_RECOMMEND_RECOMMENDER_H_

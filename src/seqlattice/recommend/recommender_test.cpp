@@ -1,0 +1,219 @@
+// The recommender's scoring rules on a hand-made database (items: a = 1,
+// b = 2, c = 3, x = 4, y = 5; N = 22):
+//   2 customers  (b)(a)(x)
+//  18 customers  (a)(y)
+//   2 customers  (c)
+// so count(a) = 20, count(y) = 18, count(b) = count(c) = count(x) = 2,
+// count((a)(y)) = 18, count((a)(x)) = count((b)(a)) = count((b)(a)(x)) = 2.
+#include "seqlattice/recommend/recommender.h"
+
+#include <memory>
+#include <vector>
+
+#include "gtest/gtest.h"
+#include "seqlattice/mining/dictionaryfiller.h"
+#include "seqlattice/mining/mining_test_util.h"
+#include "seqlattice/rules/seqconsequentdescript.h"
+#include "seqlattice/sequence/timeditemset.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace {
+constexpr int kA = 1, kB = 2, kC = 3, kX = 4, kY = 5;
+}  // namespace
+
+namespace test {
+
+inline mining::SequenceDatabase recommenderDatabase() {
+  std::vector<Customer> customers;
+  for (int i = 0; i < 2; ++i) customers.push_back({{kB}, {kA}, {kX}});
+  for (int i = 0; i < 18; ++i) customers.push_back({{kA}, {kY}});
+  for (int i = 0; i < 2; ++i) customers.push_back({{kC}});
+  return makeDatabase(customers);
+}
+
+inline Sequence historyOf(const std::vector<int>& items) {
+  Sequence history;
+  double time = 0;
+  for (int item : items) {
+    TimedItemSet set(1, time++);
+    set.AddItem(item);
+    history.AddTimedItemSet(&set);
+  }
+  return history;
+}
+
+inline std::vector<int> itemsOf(
+    const std::vector<recommend::Recommendation>& list) {
+  std::vector<int> items;
+  for (const auto& r : list) items.push_back(r.item);
+  return items;
+}
+
+}  // namespace test
+
+namespace {
+
+class RecommenderTest : public testing::Test {
+ protected:
+  RecommenderTest() : db(test::recommenderDatabase()), index(db) {
+    mining::MinerOptions options;
+    options.maxItems = 3;
+    options.threads = 1;
+    mining::mineIntoDictionary(db, options, dict);
+    latticeOnly.sequenceWeight = 0;
+    latticeOnly.earlierSetWeight = 0.5;
+    latticeOnly.popularFallback = false;
+  }
+
+  mining::SequenceDatabase db;
+  SequenceDictionary dict{4};
+  recommend::SequenceIndex index;
+  recommend::RecommendOptions latticeOnly;
+};
+
+TEST_F(RecommenderTest, SmoothingPutsTheWellSupportedRuleFirst) {
+  // History (b)(a). The library ranks x first: (b)(a)(x) has confidence
+  // 2/2, (a)(y) 18/20. Smoothed with 2 customers of popularity:
+  // x (2 + 2 * 2/22) / (2 + 2) = 0.54545..., y (18 + 2 * 18/22) / 22 =
+  // 0.89256...
+  recommend::Recommender recommender(dict, nullptr);
+  const Sequence history = test::historyOf({kB, kA});
+  auto got = recommender.recommend(history, latticeOnly);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kY, kX}));
+  EXPECT_NEAR(got[0].score, (18 + 2 * 18.0 / 22) / 22, 1e-12);
+  EXPECT_NEAR(got[1].score, (2 + 2 * 2.0 / 22) / 4, 1e-12);
+  EXPECT_EQ(got[1].pattern, (std::vector<std::vector<int>>{{kB}, {kA}}));
+  EXPECT_EQ(got[1].count, 2);
+  EXPECT_EQ(got[1].patternCount, 2);
+  EXPECT_EQ(got[1].skippedSets, 0);
+  EXPECT_EQ(got[0].source, recommend::Source::kLattice);
+
+  std::vector<SeqConsequentDescriptor> library;
+  ASSERT_TRUE(dict.GetFutureItems(library, &history, 5, false).IsOK());
+  ASSERT_EQ(library.size(), 2u);
+  EXPECT_EQ(library[0].GetItem(), kX);
+}
+
+TEST_F(RecommenderTest, WithoutSmoothingTheRawConfidenceDecides) {
+  recommend::Recommender recommender(dict, nullptr);
+  latticeOnly.priorStrength = 0;
+  auto got = recommender.recommend(test::historyOf({kB, kA}), latticeOnly);
+  EXPECT_EQ(test::itemsOf(got), (std::vector<int>{kX, kY}));
+  EXPECT_DOUBLE_EQ(got[0].score, 1.0);
+  EXPECT_DOUBLE_EQ(got[1].score, 0.9);
+}
+
+TEST_F(RecommenderTest, LiftDividesByPopularity) {
+  // x 0.54545 / (2/22) = 6.0; y 0.89256 / (18/22) = 1.0909...
+  recommend::Recommender recommender(dict, nullptr);
+  latticeOnly.ranking = recommend::Ranking::kLift;
+  auto got = recommender.recommend(test::historyOf({kB, kA}), latticeOnly);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kX, kY}));
+  EXPECT_NEAR(got[0].score, 6.0, 1e-12);
+  EXPECT_NEAR(got[1].score, (18 + 2 * 18.0 / 22) / 18, 1e-12);
+}
+
+TEST_F(RecommenderTest, EarlierItemSetsCountLessAndNeverRepeatTheLastOnes) {
+  // History (b)(c): nothing follows c; the match (b), one set earlier,
+  // proposes a (2/2) and x (2/2) at half weight: (2 + 2 * p) / 4 / 2.
+  recommend::Recommender recommender(dict, nullptr);
+  auto got = recommender.recommend(test::historyOf({kB, kC}), latticeOnly);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kA, kX}));
+  EXPECT_NEAR(got[0].score, (2 + 2 * 20.0 / 22) / 4 / 2, 1e-12);
+  EXPECT_NEAR(got[1].score, (2 + 2 * 2.0 / 22) / 4 / 2, 1e-12);
+  EXPECT_EQ(got[0].skippedSets, 1);
+  latticeOnly.lastSetOnly = true;
+  EXPECT_TRUE(
+      recommender.recommend(test::historyOf({kB, kC}), latticeOnly).empty());
+}
+
+TEST_F(RecommenderTest, NewOnlyAndRepeatOnlyFilterTheHistorysItems) {
+  // History (y)(a): (a) proposes y (0.89256) and x ((2 + 0.18182) / 22).
+  recommend::Recommender recommender(dict, nullptr);
+  const Sequence history = test::historyOf({kY, kA});
+  latticeOnly.historyItems = recommend::HistoryItems::kAll;
+  EXPECT_EQ(test::itemsOf(recommender.recommend(history, latticeOnly)),
+            (std::vector<int>{kY, kX}));
+  latticeOnly.historyItems = recommend::HistoryItems::kNewOnly;
+  EXPECT_EQ(test::itemsOf(recommender.recommend(history, latticeOnly)),
+            (std::vector<int>{kX}));
+  latticeOnly.historyItems = recommend::HistoryItems::kRepeatOnly;
+  EXPECT_EQ(test::itemsOf(recommender.recommend(history, latticeOnly)),
+            (std::vector<int>{kY}));
+}
+
+TEST_F(RecommenderTest, PopularItemsFillTheListAndAreMarked) {
+  // Nothing follows c: the most popular items, equal counts by decreasing
+  // item code.
+  recommend::Recommender recommender(dict, nullptr);
+  latticeOnly.popularFallback = true;
+  auto got = recommender.recommend(test::historyOf({kC}), latticeOnly);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kA, kY, kX, kC, kB}));
+  for (const auto& r : got) EXPECT_EQ(r.source, recommend::Source::kPopular);
+  EXPECT_DOUBLE_EQ(got[0].support, 20.0 / 22);
+  // After the evidence, never before it.
+  got = recommender.recommend(test::historyOf({kB, kA}), latticeOnly);
+  EXPECT_EQ(test::itemsOf(got), (std::vector<int>{kY, kX, kA, kC, kB}));
+  EXPECT_EQ(got[1].source, recommend::Source::kLattice);
+  EXPECT_EQ(got[2].source, recommend::Source::kPopular);
+}
+
+TEST_F(RecommenderTest, ConfidenceRankingIsGetFutureItemsExactly) {
+  recommend::Recommender recommender(dict, &index);
+  recommend::RecommendOptions options;
+  options.ranking = recommend::Ranking::kConfidence;
+  for (const auto& items :
+       std::vector<std::vector<int>>{{kB, kA}, {kY, kA}, {kB, kC}, {kC}, {}}) {
+    const Sequence history = test::historyOf(items);
+    std::vector<SeqConsequentDescriptor> library;
+    ASSERT_TRUE(dict.GetFutureItems(library, &history, 5, false).IsOK());
+    auto got = recommender.recommend(history, options);
+    ASSERT_EQ(got.size(), library.size());
+    for (std::size_t i = 0; i < got.size(); ++i) {
+      EXPECT_EQ(got[i].item, library[i].GetItem());
+      EXPECT_EQ(got[i].confidence, library[i].GetConfidence());
+      EXPECT_EQ(got[i].support, library[i].GetSupport());
+      EXPECT_EQ(got[i].cause, library[i].GetCause());
+    }
+  }
+}
+
+TEST_F(RecommenderTest, TheSequenceIndexAddsWhatFollowedTheContext) {
+  // Only the index (weight 1): context {a} is held by all 20 a-customers;
+  // y follows in 18 of them, x in 2, shares smoothed by 2: 18/22, 2/22.
+  recommend::Recommender recommender(dict, &index);
+  recommend::RecommendOptions options;
+  options.sequenceWeight = 1;
+  options.minContextCustomers = 1;
+  options.popularFallback = false;
+  options.historyItems = recommend::HistoryItems::kAll;
+  auto got = recommender.recommend(test::historyOf({kA}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kY, kX}));
+  EXPECT_NEAR(got[0].score, 18.0 / 22, 1e-12);
+  EXPECT_NEAR(got[1].score, 2.0 / 22, 1e-12);
+  EXPECT_EQ(got[0].source, recommend::Source::kSequences);
+  EXPECT_EQ(got[0].contextCustomers, 20);
+}
+
+TEST_F(RecommenderTest, ShortSequencesWeighEarlierItemSetsLessByDefault) {
+  // The customers hold 2.5 item sets on average: earlier weight 0.3, no
+  // decay. History (b)(c): a and x from (b), one item set earlier.
+  recommend::Recommender recommender(dict, &index);
+  recommend::RecommendOptions options;
+  options.sequenceWeight = 0;
+  options.popularFallback = false;
+  options.historyItems = recommend::HistoryItems::kAll;
+  auto got = recommender.recommend(test::historyOf({kB, kC}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kA, kX}));
+  EXPECT_NEAR(got[0].score, (2 + 2 * 20.0 / 22) / 4 * 0.3, 1e-12);
+}
+
+TEST_F(RecommenderTest, ZeroItemsWanted) {
+  recommend::Recommender recommender(dict, &index);
+  recommend::RecommendOptions options;
+  options.top = 0;
+  EXPECT_TRUE(recommender.recommend(test::historyOf({kA}), options).empty());
+}
+
+}  // namespace
+}  // namespace SEQUENCE_NAMESPACE_800

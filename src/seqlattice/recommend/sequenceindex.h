@@ -1,0 +1,110 @@
+// SequenceIndex keeps the customers' sequences a model was mined from, with an
+// inverted index from item to the customers holding it, so that a
+// recommendation can look at the customers whose sequences contain a whole
+// recent context, however rare, and at what they acquired right after it.
+// The lattice stores only frequent patterns, each as "anywhere later"
+// counts; this is the evidence it cannot give: long, rare contexts and the
+// items that come soon after them.
+//
+// The index owns its arrays and is immutable once built; reading it from
+// several threads is safe.
+#ifndef SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
+#define SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "seqlattice/mining/sequencedatabase.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace recommend {
+
+// What followed a context in the indexed sequences.
+struct FollowerCounts {
+  // Sub-contexts that some customer holds, and the customers holding them
+  // (a customer counted once per sub-context).
+  int contexts = 0;
+  long contextCustomers = 0;
+  // (item, share) in ascending item order. In each sub-context, every
+  // customer holding it adds, for every distinct item after the point where
+  // the whole sub-context has been seen, 1 / (1 + decay * d), d being the
+  // number of item sets between that point and the item's first occurrence
+  // after it; the sum is divided by the sub-context's customers plus
+  // `smoothing`, and the share is the mean of that over the sub-contexts.
+  std::vector<std::pair<int, double>> followers;
+  // The context items the index knows, ascending, and how many of them the
+  // last round left out (0: the whole context matched often enough).
+  std::vector<int> context;
+  int dropped = 0;
+};
+
+class SequenceIndex {
+ public:
+  SequenceIndex() = default;
+  // Copies the item sets of every customer of db (times are dropped).
+  explicit SequenceIndex(const mining::SequenceDatabase& db);
+
+  std::size_t customerCount() const { return customerStart_.size() - 1; }
+  bool empty() const { return customerCount() == 0; }
+  // Item sets per customer, on average (0 when empty).
+  double meanLength() const {
+    return empty() ? 0.0
+                   : static_cast<double>(setStart_.size() - 1) /
+                         static_cast<double>(customerCount());
+  }
+
+  // The flat form, as the model file stores it: all items, the start of each
+  // item set in items, the first item set of each customer; each start array
+  // has one closing entry more than it has sets or customers.
+  const std::vector<int>& items() const { return items_; }
+  const std::vector<std::uint32_t>& setStarts() const { return setStart_; }
+  const std::vector<std::uint32_t>& customerStarts() const {
+    return customerStart_;
+  }
+  // Rebuilds an index from its flat form; returns false (leaving *index
+  // empty) when the arrays are not consistent.
+  static bool fromFlat(std::vector<int> items,
+                       std::vector<std::uint32_t> setStarts,
+                       std::vector<std::uint32_t> customerStarts,
+                       SequenceIndex* index);
+
+  // Share of item sets, after the first `window` of a customer, holding an
+  // item that one of the `window` item sets before them held: how often
+  // customers of this data come back to what they acquired shortly before.
+  double repeatRate(int window) const;
+
+  // The items that followed `context` (distinct items, any order) in the
+  // indexed sequences. When fewer than minCustomers customers contain the
+  // whole context, items are left out, one more per round and every choice
+  // of them tried, for at most maxDropped rounds; the shares of every
+  // sub-context of every round run are averaged.
+  FollowerCounts followersOf(const std::vector<int>& context, int minCustomers,
+                             int maxDropped, double decay,
+                             double smoothing) const;
+
+ private:
+  void buildPostings();
+  // Adds what followed `context` in each customer of `customers`.
+  void addFollowers(const std::vector<int>& context,
+                    const std::vector<std::uint32_t>& customers, double decay,
+                    std::vector<double>* weights,
+                    std::vector<int>* touched) const;
+  // Customers containing every item of context, ascending.
+  std::vector<std::uint32_t> customersWithAll(
+      const std::vector<int>& context) const;
+
+  std::vector<int> items_;
+  std::vector<std::uint32_t> setStart_{0};
+  std::vector<std::uint32_t> customerStart_{0};
+  std::vector<std::uint32_t> dense_;  // items_ renumbered densely
+  // Items are renumbered densely for the postings and the weights.
+  std::vector<int> distinctItems_;  // dense number -> item, ascending
+  std::vector<std::uint32_t> postingStart_;
+  std::vector<std::uint32_t> postings_;  // customers per dense item
+};
+
+}  // namespace recommend
+}  // namespace SEQUENCE_NAMESPACE_800
+
+#endif  // SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
