@@ -2,7 +2,8 @@
 
 namespace seqlattice_cli {
 
-void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds) {
+void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds,
+                         bool toolMeasures) {
   struct Bound {
     const char* name;
     double* value;
@@ -19,16 +20,24 @@ void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds) {
         ->check(CLI::Range(0.0, 1.0))
         ->capture_default_str();
   }
+  std::vector<std::string> sortNames = {"support", "confidence", "cause"};
+  if (toolMeasures) {
+    sortNames.insert(sortNames.end(), {"lift", "leverage", "conviction"});
+  }
   command
       ->add_option_function<std::string>(
           "--sort",
           [bounds](const std::string& name) {
+            bounds->sortName = name;
             bounds->sortLetter = name == "support" ? 'S'
                                  : name == "cause" ? 'A'
                                                    : 'C';
           },
-          "Order rules by support, confidence or cause (decreasing)")
-      ->check(CLI::IsMember({"support", "confidence", "cause"}))
+          toolMeasures ? "Order rules by support, confidence, cause, lift, "
+                         "leverage or conviction (decreasing)"
+                       : "Order rules by support, confidence or cause "
+                         "(decreasing)")
+      ->check(CLI::IsMember(sortNames))
       ->default_str("confidence");
   command->add_flag("--maximal", bounds->maximal,
                     "Only rules of patterns that no longer pattern extends");

@@ -1,6 +1,7 @@
 // The rule selection shared by "rules" and "export pmml": bounds on support,
 // confidence and cause (fractions, inclusive), the measure that orders the
-// rules, and whether only maximal patterns yield rules.
+// rules, and whether only maximal patterns yield rules. "rules" also orders by
+// the measures the tool computes itself (lift, leverage, conviction).
 #ifndef SEQLATTICE_CLI_SUPPORT_RULEBOUNDS_H_
 #define SEQLATTICE_CLI_SUPPORT_RULEBOUNDS_H_
 
@@ -19,10 +20,16 @@ struct RuleBounds {
   // The library's letter of the ordering measure: 'S'upport, 'C'onfidence
   // or cause ('A').
   char sortLetter = 'C';
+  // The measure's name as given ("confidence" by default).
+  std::string sortName = "confidence";
   bool maximal = false;
 };
 
-void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds);
+// Adds the bounds, --sort and --maximal to command. With toolMeasures, --sort
+// also takes lift, leverage and conviction: the library then orders by
+// confidence and the command reorders.
+void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds,
+                         bool toolMeasures = false);
 
 }  // namespace seqlattice_cli
 
