@@ -65,15 +65,12 @@ TEST_F(CliQueryTest, RulesSortedFilteredAndCut) {
             "1.6667    0.1600      1.8000\n");
   EXPECT_EQ(output({"rules", "shop.model", "--sort", "cause", "--top", "1",
                     "--format", "csv"}),
-            "rank,antecedent,consequent,support,confidence,cause,lift,"
-            "leverage,conviction\n"
-            "1,\"(jam, red)\",\"(jam, red)\",0.4,1.0,1.0,2.5,0.24,inf\n");
+            std::string(test::kRulesCsvHeader) +
+                "1,\"(jam, red)\",\"(jam, red)\",0.4,1.0,1.0,2.5,0.24,inf\n");
 }
 
 TEST_F(CliQueryTest, RulesByTheToolsMeasures) {
-  const std::string header =
-      "rank,antecedent,consequent,support,confidence,cause,lift,leverage,"
-      "conviction\n";
+  const std::string header = test::kRulesCsvHeader;
   const std::string potCups =
       "(pot),(cups),0.4,0.6666666666666666,1.0,1.6666666666666665,"
       "0.16000000000000003,1.7999999999999998\n";
@@ -101,9 +98,7 @@ TEST_F(CliQueryTest, RulesFilterOnAnUnknownItemMatchesNothing) {
   test::CliRun result =
       run({"rules", "shop.model", "--consequent", "milk", "--format", "csv"});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.out,
-            "rank,antecedent,consequent,support,confidence,cause,lift,"
-            "leverage,conviction\n");
+  EXPECT_EQ(result.out, test::kRulesCsvHeader);
   EXPECT_EQ(result.err,
             "seqlattice: rules: item \"milk\" is not in the model\n");
 }

@@ -1,5 +1,6 @@
 #include "seqlattice/input/csvreader.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -99,40 +100,70 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
   std::vector<Row> rows;
   long firstTimeLine = 0;
   bool datesInFile = false;
+  const std::string& timeFormat = options.timeFormat;
+  if (!timeFormat.empty()) {
+    std::string problem = checkTimeFormat(timeFormat);
+    if (!problem.empty()) {
+      fail(fileName, 0, "time format " + quoted(timeFormat) + ": " + problem);
+    }
+  }
+  LabelledDatabase result;
+  // A bad row is dropped under skipInvalid (counted by reason), else fatal.
+  auto reject = [&](long line, const char* reason, const std::string& problem) {
+    if (!options.skipInvalid) fail(fileName, line, problem);
+    result.skipped.add(reason, line);
+  };
   while (records.next(fields)) {
     const long line = records.line();
     if (fields.size() != columns) {
-      fail(fileName, line,
-           "expected " + std::to_string(columns) + " columns, found " +
-               std::to_string(fields.size()));
+      reject(line, "wrong column count",
+             "expected " + std::to_string(columns) + " columns, found " +
+                 std::to_string(fields.size()));
+      continue;
     }
     const std::string& customer = fields[customerAt];
     const std::string& item = fields[itemAt];
     const std::string& timeText = fields[timeAt];
-    if (customer.empty()) fail(fileName, line, "empty customer");
-    if (item.empty()) fail(fileName, line, "empty item");
-    std::optional<TransactionTime> time = parseTransactionTime(timeText);
+    if (customer.empty()) {
+      reject(line, "blank customer", "empty customer");
+      continue;
+    }
+    if (item.empty()) {
+      reject(line, "blank item", "empty item");
+      continue;
+    }
+    std::optional<TransactionTime> time =
+        timeFormat.empty() ? parseTransactionTime(timeText)
+                           : parseFormattedTime(timeText, timeFormat);
     if (!time) {
-      fail(fileName, line,
-           "bad time " + quoted(timeText) +
-               ": expected a number or an ISO-8601 date");
+      reject(line, "bad time",
+             "bad time " + quoted(timeText) +
+                 (timeFormat.empty()
+                      ? ": expected a number or an ISO-8601 date"
+                      : ": does not match the format " + quoted(timeFormat)));
+      continue;
     }
     if (firstTimeLine == 0) {
       firstTimeLine = line;
       datesInFile = time->isDate;
     } else if (time->isDate != datesInFile) {
-      fail(fileName, line,
-           "time " + quoted(timeText) + " is " +
-               (time->isDate ? "a date" : "a number") + " but line " +
-               std::to_string(firstTimeLine) + " has " +
-               (datesInFile ? "a date" : "a number"));
+      reject(line, "bad time",
+             "time " + quoted(timeText) + " is " +
+                 (time->isDate ? "a date" : "a number") + " but line " +
+                 std::to_string(firstTimeLine) + " has " +
+                 (datesInFile ? "a date" : "a number"));
+      continue;
     }
     rows.push_back(
         Row{customers.indexOf(customer), labels.indexOf(item), time->value});
   }
-  if (rows.empty()) fail(fileName, 0, "no data rows after the header");
+  if (rows.empty()) {
+    fail(fileName, 0,
+         result.skipped.total() > 0
+             ? "no valid data rows (skipped " + result.skipped.summary() + ")"
+             : std::string("no data rows after the header"));
+  }
 
-  LabelledDatabase result;
   if (!options.itemCode) result.items = ItemLabels::assign(labels.texts());
   std::vector<int> codes;
   codes.reserve(labels.texts().size());
@@ -165,6 +196,36 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
   }
   result.customers = std::move(customers.texts());
   return result;
+}
+
+void SkippedRows::add(const std::string& what, long line) {
+  auto at = std::find_if(reasons_.begin(), reasons_.end(),
+                         [&what](const Reason& r) { return r.what == what; });
+  if (at == reasons_.end()) at = reasons_.insert(at, Reason{what, 0, {}});
+  ++at->count;
+  if (at->firstLines.size() < kLinesKept) at->firstLines.push_back(line);
+}
+
+long SkippedRows::total() const {
+  long total = 0;
+  for (const Reason& reason : reasons_) total += reason.count;
+  return total;
+}
+
+std::string SkippedRows::summary() const {
+  std::string text;
+  for (const Reason& reason : reasons_) {
+    if (!text.empty()) text += ", ";
+    text += std::to_string(reason.count) + " " + reason.what +
+            (reason.firstLines.size() > 1 ? " (lines " : " (line ");
+    for (std::size_t i = 0; i < reason.firstLines.size(); ++i) {
+      text += (i > 0 ? ", " : "") + std::to_string(reason.firstLines[i]);
+    }
+    text += reason.count > static_cast<long>(reason.firstLines.size())
+                ? ", ...)"
+                : ")";
+  }
+  return text;
 }
 
 LabelledDatabase readCsvFile(const std::string& path,

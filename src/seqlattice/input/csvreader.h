@@ -10,8 +10,10 @@
 // assigns them. The record syntax is CsvRecords'.
 //
 // Bad input throws InputError naming the file, the line and the problem, as
-// in "orders.csv:17: expected 3 columns, found 2". A database that outgrows
-// CsvOptions::memoryLimit throws the database's mining::MiningError.
+// in "orders.csv:17: expected 3 columns, found 2". With
+// CsvOptions::skipInvalid a bad data row is dropped instead and counted in
+// LabelledDatabase::skipped (a bad header still throws). A database that
+// outgrows CsvOptions::memoryLimit throws the database's mining::MiningError.
 #ifndef SEQLATTICE_INPUT_CSVREADER_H_
 #define SEQLATTICE_INPUT_CSVREADER_H_
 
@@ -37,6 +39,34 @@ struct CsvOptions {
   // assign (to read new data with a model's codes); the result's items are
   // then left empty.
   std::function<int(const std::string&)> itemCode;
+  // When not empty, times are dates in this format (parseFormattedTime)
+  // rather than numbers or ISO-8601 dates.
+  std::string timeFormat;
+  // Drop bad data rows (wrong column count, blank customer or item, a time
+  // that does not parse or is of the other kind) instead of throwing.
+  bool skipInvalid = false;
+};
+
+// The data rows a reader dropped, per reason, in order of first occurrence.
+class SkippedRows {
+ public:
+  // How many line numbers of each reason are kept.
+  static constexpr std::size_t kLinesKept = 5;
+
+  struct Reason {
+    std::string what;  // "blank customer", "blank item", "bad time", ...
+    long count = 0;
+    std::vector<long> firstLines;  // at most kLinesKept
+  };
+
+  void add(const std::string& what, long line);
+  long total() const;
+  const std::vector<Reason>& reasons() const { return reasons_; }
+  // "2 blank customer (lines 4, 7), 1 bad time (line 9)"; "" when none.
+  std::string summary() const;
+
+ private:
+  std::vector<Reason> reasons_;
 };
 
 // A customer database with the labels of its customers and items.
@@ -44,6 +74,7 @@ struct LabelledDatabase {
   mining::SequenceDatabase database;
   std::vector<std::string> customers;  // label of customer c of database
   ItemLabels items;
+  SkippedRows skipped;
 };
 
 // fileName labels the messages only.
