@@ -172,7 +172,7 @@ Command addRulesCommand(CLI::App& app) {
                        : "expected a number of at least 0, not \"" + text +
                              "\"";
           },
-          "FLOAT"))
+          "NONNEGATIVE"))
       ->capture_default_str();
   addItemFilterOption(command, "--antecedent-has", &options->antecedentHas,
                       "Only rules whose antecedent holds all these items "
