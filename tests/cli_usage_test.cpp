@@ -81,7 +81,8 @@ TEST_F(CliUsageTest, MissingModel) {
 }
 
 TEST_F(CliUsageTest, MineNeedsAnOutput) {
-  expectUsageError({"mine", "orders.csv"}, "--output is required");
+  expectUsageError({"mine", "orders.csv"},
+                   "--output or --patterns-only is required");
 }
 
 TEST_F(CliUsageTest, BadMinSupport) {

@@ -16,6 +16,21 @@ need_file /usr/include/gmock/gmock.h libgmock-dev
 need_file /usr/include/benchmark/benchmark.h libbenchmark-dev
 need_file /usr/include/CLI/CLI.hpp libcli11-dev
 need_file /usr/include/nlohmann/json.hpp nlohmann-json3-dev
+# The Python package: built with pybind11 for Debian's /usr/bin/python3.
+need_py() { /usr/bin/python3 -c "import $1" >/dev/null 2>&1 || missing+=("$2"); }
+need_file /usr/bin/python3 python3
+need_file /usr/lib/cmake/pybind11/pybind11Config.cmake pybind11-dev
+need_py pybind11 python3-pybind11
+python_include=$(/usr/bin/python3 -c \
+  "import sysconfig; print(sysconfig.get_paths()['include'])" 2>/dev/null || true)
+need_file "${python_include:-/nonexistent}/Python.h" python3-dev
+need_py pandas python3-pandas
+need_py pytest python3-pytest
+need_py venv python3-venv
+need_py ensurepip python3-venv
+need_py setuptools python3-setuptools
+need_py wheel python3-wheel
+need_py pip python3-pip
 
 if [ ${#missing[@]} -eq 0 ]; then
   exit 0

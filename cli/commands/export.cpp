@@ -7,8 +7,8 @@
 
 #include "commands/commands.h"
 #include "support/atomicfile.h"
-#include "support/clierror.h"
 #include "support/dotgraph.h"
+#include "support/modeldocuments.h"
 #include "support/modelfile.h"
 #include "support/rulebounds.h"
 
@@ -24,33 +24,14 @@ struct ExportOptions {
   int top = 30;
 };
 
-void checkStatus(const KvCommon_850::KvStatus& status, const char* what) {
-  if (!status.IsOK()) {
-    failInput(std::string("export: ") + what + " failed (status " +
-              std::to_string(status.GetCode()) + ")");
-  }
-}
-
 void runPmml(const ExportOptions& options) {
   Model model = loadModel(options.model);
-  const RuleBounds& b = options.bounds;
-  writeOutput(options.output, [&](std::ostream& out) {
-    checkStatus(
-        model.dictionary->ExportRulesXML(
-            out, b.minSupport, b.maxSupport, b.minConfidence, b.maxConfidence,
-            b.minCause, b.maxCause, model.mining.maxItemsPerTransaction,
-            model.mining.avgItemsPerTransaction(), b.sortLetter, b.maximal),
-        "the PMML document");
-  });
+  exportPmml(model, options.bounds, options.output);
 }
 
 void runLattice(const ExportOptions& options) {
   Model model = loadModel(options.model);
-  writeOutput(options.output, [&](std::ostream& out) {
-    checkStatus(
-        model.dictionary->ExportLatticeXML(out, options.latticeMinSupport),
-        "the lattice document");
-  });
+  exportLattice(model, options.latticeMinSupport, options.output);
 }
 
 void runDot(const ExportOptions& options) {

@@ -1,22 +1,18 @@
 // seqlattice mine: read a transaction file, mine every frequent sequential
 // pattern into a dictionary, build its lattice and save the model.
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "commands/commands.h"
-#include "seqlattice/dictionary/dictionarysettings.h"
-#include "seqlattice/mining/dictionaryfiller.h"
-#include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miner.h"
-#include "support/clierror.h"
 #include "support/inputlog.h"
+#include "support/minemodel.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
+#include "support/patternstream.h"
 #include "support/progress.h"
 
 namespace seqlattice_cli {
@@ -25,49 +21,15 @@ namespace {
 
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
 
-// --min-support: "0.02" is a fraction of the customers, "12" a count.
-struct MinSupportValue {
-  bool isFraction = false;
-  double value = 0;
-};
-
 struct MineOptions {
   std::string input;
   std::string output;
-  Parsed<MinSupportValue> minSupport;
-  int maxItems = 9;
+  MineSettings settings;
   InputOptions inputOptions;
   bool xml = false;
+  std::string patternsOnly;  // a file for the patterns instead of a model
+  std::string patternsFormat = "auto";
 };
-
-std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
-  char* end = nullptr;
-  double parsed = std::strtod(text.c_str(), &end);
-  bool isFraction = text.find_first_not_of("0123456789") != std::string::npos;
-  bool valid = !text.empty() && end == text.c_str() + text.size() &&
-               (isFraction ? parsed > 0 && parsed <= 1
-                           : parsed >= 1 && parsed <= 2147483647);
-  if (!valid) {
-    return "expected a fraction of the customers (0 < F <= 1) or a count of "
-           "customers (N >= 1), not \"" +
-           text + "\"";
-  }
-  *out = MinSupportValue{isFraction, parsed};
-  return "";
-}
-
-void describeDatabase(const mining::SequenceDatabase& db,
-                      MiningParameters* parameters) {
-  parameters->customers = static_cast<long>(db.customerCount());
-  parameters->transactions = static_cast<long>(db.transactionCount());
-  parameters->itemOccurrences = static_cast<long>(db.itemOccurrenceCount());
-  std::size_t widest = 0;
-  for (std::size_t t = 0; t < db.transactionCount(); ++t) {
-    widest = std::max(
-        widest, static_cast<std::size_t>(db.itemsEnd(t) - db.itemsBegin(t)));
-  }
-  parameters->maxItemsPerTransaction = static_cast<int>(widest);
-}
 
 void printLine(const std::string& field, const std::string& value) {
   std::string padding(field.size() < 14 ? 14 - field.size() : 1, ' ');
@@ -76,48 +38,34 @@ void printLine(const std::string& field, const std::string& value) {
 
 void runMine(const MineOptions& options) {
   auto start = std::chrono::steady_clock::now();
-  Model model;
-  MiningParameters& parameters = model.mining;
-  parameters.minSupportIsFraction = options.minSupport.value.isFraction;
-  parameters.minSupport = options.minSupport.value.value;
-  mining::MinerOptions minerOptions;
-  minerOptions.minSupport =
-      parameters.minSupportIsFraction
-          ? mining::MinSupport::fraction(parameters.minSupport)
-          : mining::MinSupport::count(static_cast<long>(parameters.minSupport));
-  minerOptions.maxItems = options.maxItems;
-  parameters.maxItems = options.maxItems;
-  parameters.inputName = options.input;
-  parameters.inputFormat = inputFormat(options.input, options.inputOptions);
-
   Progress progress;
   progress.note("reading " + options.input + " ...");
   SEQUENCE_NAMESPACE_800::input::LabelledDatabase log =
       loadInput(options.input, options.inputOptions);
   const mining::SequenceDatabase& db = log.database;
-  if (db.customerCount() == 0) failInput(options.input + ": no customers");
-  describeDatabase(db, &parameters);
-  model.items = log.items;
-  parameters.minCount = minerOptions.minSupport.countFor(db.customerCount());
 
   progress.note("mining " + std::to_string(db.customerCount()) +
                 " customers ...");
-  // The search and the model may use most of what is left once the
-  // database is loaded; a model that would need more is refused with a
-  // message instead of being killed for want of memory.
-  minerOptions.memoryBudget = mining::availableMemoryBytes() / 4 * 3;
-  SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
-  settings.nLevels = options.maxItems + 1;
-  model.dictionary =
-      std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(settings);
-  mining::MiningSummary summary =
-      mining::mineIntoDictionary(db, minerOptions, *model.dictionary);
-  // Every stored count reaches the minimum, so this removes nothing; it
-  // records the minimum support that the documents state.
-  model.dictionary->reduceAll(static_cast<double>(summary.minCount));
-
-  progress.note("writing " + options.output + " ...");
-  saveModel(model, options.output, options.xml);
+  Model model;
+  const MiningParameters& parameters = model.mining;
+  const std::string logFormat =
+      inputFormat(options.input, options.inputOptions);
+  mining::MiningSummary summary;
+  std::string written;
+  if (!options.patternsOnly.empty()) {
+    PatternFormat format =
+        patternFormatFor(options.patternsOnly, options.patternsFormat);
+    summary = minePatternFile(log, options.settings, options.input, logFormat,
+                              options.patternsOnly, format, &model);
+    written = options.patternsOnly +
+              (format == PatternFormat::kJson ? " (json lines)" : " (spmf)");
+  } else {
+    summary =
+        mineModel(log, options.settings, options.input, logFormat, &model);
+    progress.note("writing " + options.output + " ...");
+    saveModel(model, options.output, options.xml);
+    written = options.output + (options.xml ? " (xml)" : " (binary)");
+  }
   double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
           .count();
@@ -134,17 +82,18 @@ void runMine(const MineOptions& options) {
                          " occurrences, at most " +
                          std::to_string(parameters.maxItemsPerTransaction) +
                          " per transaction");
-  printLine("min support", options.minSupport.text + " = " +
+  printLine("min support", options.settings.minSupport.text + " = " +
                                std::to_string(parameters.minCount) +
                                " customers");
   printLine("patterns", std::to_string(summary.patterns) + " of at most " +
-                            std::to_string(options.maxItems) + " items");
+                            std::to_string(options.settings.maxItems) +
+                            " items");
   for (int k = 1; k < static_cast<int>(summary.patternsPerSize.size()); ++k) {
     if (summary.patternsPerSize[k] == 0) continue;
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
               std::to_string(summary.patternsPerSize[k]));
   }
-  printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
+  printLine(options.patternsOnly.empty() ? "model" : "pattern file", written);
   char time[32];
   std::snprintf(time, sizeof time, "%.2f s", seconds);
   printLine("time", time);
@@ -168,28 +117,54 @@ Command addMineCommand(CLI::App& app) {
       ->add_option("INPUT", options->input,
                    "Transaction file: CSV/TSV with a header, or SPMF")
       ->required();
-  command->add_option("-o,--output", options->output, "Model file to write")
-      ->required();
+  CLI::Option* output = command->add_option("-o,--output", options->output,
+                                            "Model file to write");
+  CLI::Option* patternsOnly =
+      command
+          ->add_option("--patterns-only", options->patternsOnly,
+                       "Write the frequent patterns to this file, one a line, "
+                       "instead of a model: needs no memory for a model, so "
+                       "it finishes searches whose model would not fit")
+          ->excludes(output);
+  command
+      ->add_option("--patterns-format", options->patternsFormat,
+                   "Form of the --patterns-only lines: spmf (1 -1 2 3 -1 "
+                   "#SUP: 7), json ({\"sequence\":[[1],[2,3]],\"freq\":7}) "
+                   "or auto (json for .json, .jsonl and .ndjson files)")
+      ->check(CLI::IsMember({"auto", "spmf", "json"}))
+      ->needs(patternsOnly)
+      ->capture_default_str();
+  // One of the two outputs is needed; CLI11 checks this after parsing.
+  command->callback([output, patternsOnly] {
+    if (output->count() == 0 && patternsOnly->count() == 0) {
+      throw CLI::RequiredError("--output or --patterns-only");
+    }
+  });
   addParsedOption<MinSupportValue>(
-      command, "--min-support", &options->minSupport, parseMinSupport, "F|N",
+      command, "--min-support", &options->settings.minSupport, parseMinSupport,
+      "F|N",
       "Least support of a pattern: a fraction of the customers (0.05) or a "
       "count of customers (30)")
       ->default_val("0.05");
   command
-      ->add_option("--max-items", options->maxItems,
+      ->add_option("--max-items", options->settings.maxItems,
                    "Largest number of items in a pattern")
       ->check(CLI::Range(1, 31))
       ->capture_default_str();
   addInputOptions(command, &options->inputOptions, "--format");
-  command->add_flag("--xml", options->xml,
-                    "Write the model in the XML object format");
+  command
+      ->add_flag("--xml", options->xml,
+                 "Write the model in the XML object format")
+      ->excludes(patternsOnly);
   command->footer(
       "Examples:\n"
       "  seqlattice mine data/sample/orders.csv -o orders.model "
       "--min-support 0.02\n"
       "  seqlattice mine log.tsv -o log.model --customer client --time date "
       "--item product\n"
-      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60");
+      "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60\n"
+      "  seqlattice mine BMS1_spmf.txt --patterns-only bms.patterns "
+      "--min-support 30");
   return {command, [options] { runMine(*options); }};
 }
 

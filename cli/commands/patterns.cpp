@@ -1,28 +1,20 @@
 // seqlattice patterns: the stored patterns, all of them or those that
 // contain, begin with or end with a given sequence.
-#include <algorithm>
-#include <climits>
 #include <iostream>
 #include <memory>
-#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands/commands.h"
-#include "seqlattice/sequence/sequence.h"
-#include "seqlattice/store/sequencedescriptor.h"
-#include "support/clierror.h"
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
-#include "support/sequencelabels.h"
+#include "support/patterntable.h"
 
 namespace seqlattice_cli {
 
 namespace {
-
-using SEQUENCE_NAMESPACE_800::Sequence;
-using SEQUENCE_NAMESPACE_800::SequenceDictionary;
 
 struct PatternsOptions {
   std::string model;
@@ -30,96 +22,28 @@ struct PatternsOptions {
   ItemSequenceOption contains;
   ItemSequenceOption beginning;
   ItemSequenceOption ending;
-  int size = 0;
-  bool maximal = false;
-  int minCount = 0;
-  int maxCount = INT_MAX;
+  PatternQuery query;
   Format format = Format::kTable;
 };
 
-struct Found {
-  Json pattern;
-  std::string text;
-  int size;
-  int count;
-};
-
-// The patterns the query names, as Sequences the caller must delete.
-std::vector<const Sequence*> queryPatterns(SequenceDictionary& dict,
-                                           const Model& model,
-                                           const PatternsOptions& options) {
-  std::vector<const Sequence*> result;
-  const LabelSets* sets = nullptr;
-  auto find = &SequenceDictionary::FindSequences;
-  if (options.contains.value) {
-    sets = &*options.contains.value;
-  } else if (options.beginning.value) {
-    sets = &*options.beginning.value;
-    find = &SequenceDictionary::FindSequencesBeginning;
-  } else if (options.ending.value) {
-    sets = &*options.ending.value;
-    find = &SequenceDictionary::FindSequencesEnding;
-  }
-  if (sets == nullptr) {
-    int largest = dict.LargestSequence();
-    for (int k = 1; k <= largest; ++k) {
-      if (options.size != 0 && k != options.size) continue;
-      KvCommon_850::KvStatus status =
-          dict.getSequencesOfSize(result, k, options.maximal);
-      if (!status.IsOK()) {
-        for (const Sequence* s : result) delete s;
-        failInput("patterns: listing failed (status " +
-                  std::to_string(status.GetCode()) + ")");
-      }
+void runPatterns(const PatternsOptions& options) {
+  Model model = loadModel(options.model);
+  PatternQuery query = options.query;
+  using Kind = PatternQuery::Kind;
+  for (const auto& [option, kind] :
+       {std::pair{&options.contains, Kind::kContains},
+        std::pair{&options.beginning, Kind::kBeginning},
+        std::pair{&options.ending, Kind::kEnding}}) {
+    if (option->value) {
+      query.kind = kind;
+      query.sequence = *option->value;
     }
-    return result;
   }
   std::vector<std::string> unknown;
-  Sequence query =
-      makeSequence(*sets, model.items, unknownItemCode(dict), &unknown);
+  ResultTable table = patternTable(model, query, &unknown);
   for (const std::string& label : unknown) {
     std::cerr << "seqlattice: patterns: item \"" << label
               << "\" is not in the model\n";
-  }
-  std::set<Sequence*> found;
-  // An unknown item or a query longer than any level matches nothing.
-  if (unknown.empty() && query.Size() < dict.getNLevels()) {
-    (dict.*find)(&query, found, options.minCount, options.maxCount);
-  }
-  result.assign(found.begin(), found.end());
-  return result;
-}
-
-void runPatterns(const PatternsOptions& options) {
-  Model model = loadModel(options.model);
-  SequenceDictionary& dict = *model.dictionary;
-  std::vector<const Sequence*> patterns = queryPatterns(dict, model, options);
-  std::vector<Found> rows;
-  for (const Sequence* pattern : patterns) {
-    auto* counter = dict.getDescriptor(pattern);
-    int count = counter != nullptr ? counter->getCount() : 0;
-    bool keep = count >= options.minCount && count <= options.maxCount &&
-                (options.size == 0 || pattern->Size() == options.size) &&
-                (!options.maximal ||
-                 (counter != nullptr && counter->getNAdjacent() == 0));
-    if (keep) {
-      Json cell = sequenceCell(*pattern, model.items);
-      rows.push_back({cell, cellText(cell, true), pattern->Size(), count});
-    }
-    delete pattern;
-  }
-  // Most frequent first; then shorter, then by text, for a stable listing.
-  std::sort(rows.begin(), rows.end(), [](const Found& a, const Found& b) {
-    if (a.count != b.count) return a.count > b.count;
-    if (a.size != b.size) return a.size < b.size;
-    return a.text < b.text;
-  });
-  auto* level0 = dict.getLevel0Descriptor();
-  double n = level0 != nullptr ? level0->getCount() : 0;
-  ResultTable table({"pattern", "items", "count", "support"});
-  for (const Found& row : rows) {
-    table.addRow(
-        {row.pattern, row.size, row.count, n > 0 ? row.count / n : 0.0});
   }
   table.write(std::cout, options.format);
 }
@@ -143,16 +67,16 @@ Command addPatternsCommand(CLI::App& app) {
   contains->excludes(beginning)->excludes(ending);
   beginning->excludes(contains)->excludes(ending);
   ending->excludes(contains)->excludes(beginning);
-  command->add_option("--size", options->size, "Only patterns of K items")
+  command->add_option("--size", options->query.size, "Only patterns of K items")
       ->check(CLI::PositiveNumber);
-  command->add_flag("--maximal", options->maximal,
+  command->add_flag("--maximal", options->query.maximal,
                     "Only patterns that no longer stored pattern extends");
   command
-      ->add_option("--min-count", options->minCount,
+      ->add_option("--min-count", options->query.minCount,
                    "Only patterns found in at least N customers")
       ->check(CLI::NonNegativeNumber);
   command
-      ->add_option("--max-count", options->maxCount,
+      ->add_option("--max-count", options->query.maxCount,
                    "Only patterns found in at most N customers")
       ->check(CLI::NonNegativeNumber);
   addFormatOption(command, &options->format);

@@ -18,7 +18,13 @@ bool endsWith(const std::string& text, const std::string& suffix) {
          text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
-// The delimiter an option value names.
+char delimiterFor(const std::string& path, const InputOptions& options) {
+  if (options.delimiter.value != '\0') return options.delimiter.value;
+  return endsWith(path, ".tsv") || endsWith(path, ".tab") ? '\t' : ',';
+}
+
+}  // namespace
+
 std::string parseDelimiter(const std::string& text, char* delimiter) {
   if (text == "tab" || text == "\\t" || text == "\t") {
     *delimiter = '\t';
@@ -30,13 +36,6 @@ std::string parseDelimiter(const std::string& text, char* delimiter) {
   }
   return "";
 }
-
-char delimiterFor(const std::string& path, const InputOptions& options) {
-  if (options.delimiter.value != '\0') return options.delimiter.value;
-  return endsWith(path, ".tsv") || endsWith(path, ".tab") ? '\t' : ',';
-}
-
-}  // namespace
 
 void addInputOptions(CLI::App* command, InputOptions* options,
                      const std::string& formatOption) {

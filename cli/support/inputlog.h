@@ -30,6 +30,10 @@ struct InputOptions {
   Parsed<std::string> timeFormat;  // "": numbers or ISO-8601 dates
 };
 
+// The delimiter an option value names: one character other than a quote or
+// a line break, or "tab". Returns "" or what is wrong.
+std::string parseDelimiter(const std::string& text, char* delimiter);
+
 // Adds the format option (named formatOption: "--format" for mine,
 // "--input-format" for predict), --customer, --time, --item, --delimiter,
 // --time-format and --skip-invalid.

@@ -29,6 +29,8 @@ class ResultTable {
   // One cell per column.
   void addRow(std::vector<Json> cells);
   std::size_t rows() const { return rows_.size(); }
+  const std::vector<std::string>& columns() const { return columns_; }
+  const std::vector<std::vector<Json>>& cells() const { return rows_; }
   void write(std::ostream& out, Format format) const;
 
  private:

@@ -2,6 +2,22 @@
 
 namespace seqlattice_cli {
 
+std::vector<std::string> ruleSortNames(bool toolMeasures) {
+  std::vector<std::string> names = {"support", "confidence", "cause"};
+  if (toolMeasures)
+    names.insert(names.end(), {"lift", "leverage", "conviction"});
+  return names;
+}
+
+bool isToolMeasure(const std::string& name) {
+  return name == "lift" || name == "leverage" || name == "conviction";
+}
+
+void setRuleSort(RuleBounds* bounds, const std::string& name) {
+  bounds->sortName = name;
+  bounds->sortLetter = name == "support" ? 'S' : name == "cause" ? 'A' : 'C';
+}
+
 void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds,
                          bool toolMeasures) {
   struct Bound {
@@ -20,24 +36,15 @@ void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds,
         ->check(CLI::Range(0.0, 1.0))
         ->capture_default_str();
   }
-  std::vector<std::string> sortNames = {"support", "confidence", "cause"};
-  if (toolMeasures) {
-    sortNames.insert(sortNames.end(), {"lift", "leverage", "conviction"});
-  }
   command
       ->add_option_function<std::string>(
           "--sort",
-          [bounds](const std::string& name) {
-            bounds->sortName = name;
-            bounds->sortLetter = name == "support" ? 'S'
-                                 : name == "cause" ? 'A'
-                                                   : 'C';
-          },
+          [bounds](const std::string& name) { setRuleSort(bounds, name); },
           toolMeasures ? "Order rules by support, confidence, cause, lift, "
                          "leverage or conviction (decreasing)"
                        : "Order rules by support, confidence or cause "
                          "(decreasing)")
-      ->check(CLI::IsMember(sortNames))
+      ->check(CLI::IsMember(ruleSortNames(toolMeasures)))
       ->default_str("confidence");
   command->add_flag("--maximal", bounds->maximal,
                     "Only rules of patterns that no longer pattern extends");

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 namespace seqlattice_cli {
 
@@ -24,6 +25,17 @@ struct RuleBounds {
   std::string sortName = "confidence";
   bool maximal = false;
 };
+
+// The measures rules can be ordered by: the library's (support, confidence,
+// cause) and, with toolMeasures, the tool's (lift, leverage, conviction).
+std::vector<std::string> ruleSortNames(bool toolMeasures);
+
+// Whether name is one of the tool's measures, which the library cannot order
+// by (it orders by confidence and the rule table reorders).
+bool isToolMeasure(const std::string& name);
+
+// Orders by the measure name, one of ruleSortNames(true).
+void setRuleSort(RuleBounds* bounds, const std::string& name);
 
 // Adds the bounds, --sort and --maximal to command. With toolMeasures, --sort
 // also takes lift, leverage and conviction: the library then orders by

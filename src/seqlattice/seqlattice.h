@@ -21,10 +21,12 @@
 #include "seqlattice/export/seqxmltags.h"
 
 // reading transaction logs
+#include "seqlattice/input/columnreader.h"
 #include "seqlattice/input/csvreader.h"
 #include "seqlattice/input/csvrecords.h"
 #include "seqlattice/input/inputerror.h"
 #include "seqlattice/input/itemlabels.h"
+#include "seqlattice/input/skippedrows.h"
 #include "seqlattice/input/spmfreader.h"
 #include "seqlattice/input/timeparse.h"
 

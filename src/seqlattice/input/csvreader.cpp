@@ -1,6 +1,5 @@
 #include "seqlattice/input/csvreader.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -52,23 +51,17 @@ std::size_t findColumn(const std::vector<std::string>& header,
 // Interns strings as dense indexes in order of first appearance.
 class Interner {
  public:
-  std::uint32_t indexOf(const std::string& text) {
+  std::int32_t indexOf(const std::string& text) {
     auto [at, added] =
-        index_.emplace(text, static_cast<std::uint32_t>(texts_.size()));
+        index_.emplace(text, static_cast<std::int32_t>(texts_.size()));
     if (added) texts_.push_back(text);
     return at->second;
   }
   std::vector<std::string>& texts() { return texts_; }
 
  private:
-  std::unordered_map<std::string, std::uint32_t> index_;
+  std::unordered_map<std::string, std::int32_t> index_;
   std::vector<std::string> texts_;
-};
-
-struct Row {
-  std::uint32_t customer;
-  std::uint32_t label;
-  double time;
 };
 
 }  // namespace
@@ -97,7 +90,9 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
 
   Interner customers;
   Interner labels;
-  std::vector<Row> rows;
+  std::vector<std::int32_t> customerColumn;
+  std::vector<std::int32_t> itemColumn;
+  std::vector<double> timeColumn;
   long firstTimeLine = 0;
   bool datesInFile = false;
   const std::string& timeFormat = options.timeFormat;
@@ -107,11 +102,11 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
       fail(fileName, 0, "time format " + quoted(timeFormat) + ": " + problem);
     }
   }
-  LabelledDatabase result;
+  SkippedRows skipped;
   // A bad row is dropped under skipInvalid (counted by reason), else fatal.
   auto reject = [&](long line, const char* reason, const std::string& problem) {
     if (!options.skipInvalid) fail(fileName, line, problem);
-    result.skipped.add(reason, line);
+    skipped.add(reason, line);
   };
   while (records.next(fields)) {
     const long line = records.line();
@@ -154,78 +149,28 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
                  (datesInFile ? "a date" : "a number"));
       continue;
     }
-    rows.push_back(
-        Row{customers.indexOf(customer), labels.indexOf(item), time->value});
+    customerColumn.push_back(customers.indexOf(customer));
+    itemColumn.push_back(labels.indexOf(item));
+    timeColumn.push_back(time->value);
   }
-  if (rows.empty()) {
+  if (timeColumn.empty()) {
     fail(fileName, 0,
-         result.skipped.total() > 0
-             ? "no valid data rows (skipped " + result.skipped.summary() + ")"
+         skipped.total() > 0
+             ? "no valid data rows (skipped " + skipped.summary() + ")"
              : std::string("no data rows after the header"));
   }
 
-  if (!options.itemCode) result.items = ItemLabels::assign(labels.texts());
-  std::vector<int> codes;
-  codes.reserve(labels.texts().size());
-  for (const std::string& label : labels.texts()) {
-    codes.push_back(options.itemCode ? options.itemCode(label)
-                                     : *result.items.codeOf(label));
-  }
-
-  // Group the rows by customer (stable, so equal times keep file order);
-  // the database orders each customer's transactions and merges equal times.
-  const std::size_t customerCount = customers.texts().size();
-  std::vector<std::size_t> start(customerCount + 1, 0);
-  for (const Row& row : rows) ++start[row.customer + 1];
-  for (std::size_t c = 0; c < customerCount; ++c) start[c + 1] += start[c];
-  std::vector<std::uint32_t> order(rows.size());
-  std::vector<std::size_t> fill(start.begin(), start.end() - 1);
-  for (std::size_t r = 0; r < rows.size(); ++r) {
-    order[fill[rows[r].customer]++] = static_cast<std::uint32_t>(r);
-  }
-
-  mining::SequenceDatabase& database = result.database;
-  database.setMemoryLimit(options.memoryLimit);
-  for (std::size_t c = 0; c < customerCount; ++c) {
-    database.beginCustomer();
-    for (std::size_t k = start[c]; k < start[c + 1]; ++k) {
-      const Row& row = rows[order[k]];
-      database.addTransaction(row.time, &codes[row.label], 1);
-    }
-    database.endCustomer();
-  }
-  result.customers = std::move(customers.texts());
+  LogColumns log;
+  log.rows = timeColumn.size();
+  log.customer = customerColumn.data();
+  log.time = timeColumn.data();
+  log.item = itemColumn.data();
+  log.customerLabels = std::move(customers.texts());
+  log.itemLabels = std::move(labels.texts());
+  LabelledDatabase result = readColumns(
+      std::move(log), ColumnOptions{options.memoryLimit, options.itemCode});
+  result.skipped = std::move(skipped);
   return result;
-}
-
-void SkippedRows::add(const std::string& what, long line) {
-  auto at = std::find_if(reasons_.begin(), reasons_.end(),
-                         [&what](const Reason& r) { return r.what == what; });
-  if (at == reasons_.end()) at = reasons_.insert(at, Reason{what, 0, {}});
-  ++at->count;
-  if (at->firstLines.size() < kLinesKept) at->firstLines.push_back(line);
-}
-
-long SkippedRows::total() const {
-  long total = 0;
-  for (const Reason& reason : reasons_) total += reason.count;
-  return total;
-}
-
-std::string SkippedRows::summary() const {
-  std::string text;
-  for (const Reason& reason : reasons_) {
-    if (!text.empty()) text += ", ";
-    text += std::to_string(reason.count) + " " + reason.what +
-            (reason.firstLines.size() > 1 ? " (lines " : " (line ");
-    for (std::size_t i = 0; i < reason.firstLines.size(); ++i) {
-      text += (i > 0 ? ", " : "") + std::to_string(reason.firstLines[i]);
-    }
-    text += reason.count > static_cast<long>(reason.firstLines.size())
-                ? ", ...)"
-                : ")";
-  }
-  return text;
 }
 
 LabelledDatabase readCsvFile(const std::string& path,

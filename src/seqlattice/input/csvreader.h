@@ -14,6 +14,7 @@
 // CsvOptions::skipInvalid a bad data row is dropped instead and counted in
 // LabelledDatabase::skipped (a bad header still throws). A database that
 // outgrows CsvOptions::memoryLimit throws the database's mining::MiningError.
+// The grouping of the rows is columnreader.h's.
 #ifndef SEQLATTICE_INPUT_CSVREADER_H_
 #define SEQLATTICE_INPUT_CSVREADER_H_
 
@@ -21,10 +22,8 @@
 #include <functional>
 #include <istream>
 #include <string>
-#include <vector>
 
-#include "seqlattice/input/itemlabels.h"
-#include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/input/columnreader.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace input {
@@ -45,36 +44,6 @@ struct CsvOptions {
   // Drop bad data rows (wrong column count, blank customer or item, a time
   // that does not parse or is of the other kind) instead of throwing.
   bool skipInvalid = false;
-};
-
-// The data rows a reader dropped, per reason, in order of first occurrence.
-class SkippedRows {
- public:
-  // How many line numbers of each reason are kept.
-  static constexpr std::size_t kLinesKept = 5;
-
-  struct Reason {
-    std::string what;  // "blank customer", "blank item", "bad time", ...
-    long count = 0;
-    std::vector<long> firstLines;  // at most kLinesKept
-  };
-
-  void add(const std::string& what, long line);
-  long total() const;
-  const std::vector<Reason>& reasons() const { return reasons_; }
-  // "2 blank customer (lines 4, 7), 1 bad time (line 9)"; "" when none.
-  std::string summary() const;
-
- private:
-  std::vector<Reason> reasons_;
-};
-
-// A customer database with the labels of its customers and items.
-struct LabelledDatabase {
-  mining::SequenceDatabase database;
-  std::vector<std::string> customers;  // label of customer c of database
-  ItemLabels items;
-  SkippedRows skipped;
 };
 
 // fileName labels the messages only.

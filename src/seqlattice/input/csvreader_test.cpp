@@ -4,10 +4,10 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iomanip>
 #include <sstream>
 #include <string>
 
+#include "seqlattice/input/input_test_util.h"
 #include "seqlattice/input/inputerror.h"
 #include "seqlattice/mining/miningerror.h"
 
@@ -31,25 +31,6 @@ std::string errorOf(const std::string& text,
   return "no error";
 }
 
-// "customer: (labels)@time ..." per customer, one line each.
-std::string describe(const LabelledDatabase& log) {
-  std::ostringstream out;
-  const auto& db = log.database;
-  for (std::size_t c = 0; c < db.customerCount(); ++c) {
-    out << log.customers[c] << ":";
-    for (auto t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
-      out << " (";
-      for (const int* item = db.itemsBegin(t); item != db.itemsEnd(t); ++item) {
-        out << (item == db.itemsBegin(t) ? "" : " ")
-            << log.items.labelOf(*item);
-      }
-      out << ")@" << std::fixed << std::setprecision(0) << db.time(t);
-    }
-    out << "\n";
-  }
-  return out.str();
-}
-
 TEST(CsvReaderTest, GroupsUnsortedRowsIntoTransactions) {
   LabelledDatabase log = read(
       "customer,time,item\n"
@@ -58,7 +39,7 @@ TEST(CsvReaderTest, GroupsUnsortedRowsIntoTransactions) {
       "ann,1,bread\n"
       "ann,2,bread\n"
       "ann,1,bread\n");
-  EXPECT_EQ(describe(log),
+  EXPECT_EQ(test::describeLog(log),
             "ann: (bread)@1 (bread milk)@2\n"
             "bob: (tea)@1\n");
   EXPECT_EQ(log.database.transactionCount(), 3u);
@@ -101,7 +82,8 @@ TEST(CsvReaderTest, ColumnsAreFoundByNameAmongOthers) {
       "north,jam,2.5,c9,2024-01-02\n"
       "south,\"tea, green\",3,c9,2024-01-01\n",
       options);
-  EXPECT_EQ(describe(log), "c9: (tea, green)@1704067200 (jam)@1704153600\n");
+  EXPECT_EQ(test::describeLog(log),
+            "c9: (tea, green)@1704067200 (jam)@1704153600\n");
 }
 
 TEST(CsvReaderTest, DatesAndDateTimesMixWithinOneFile) {
@@ -110,7 +92,7 @@ TEST(CsvReaderTest, DatesAndDateTimesMixWithinOneFile) {
       "c,2024-01-01T00:00:00Z,a\n"
       "c,2024-01-01,b\n"
       "c,2024-01-01T12:00,c\n");
-  EXPECT_EQ(describe(log), "c: (a b)@1704067200 (c)@1704110400\n");
+  EXPECT_EQ(test::describeLog(log), "c: (a b)@1704067200 (c)@1704110400\n");
 }
 
 TEST(CsvReaderTest, TabSeparatedWithCrlfAndQuotes) {
@@ -122,7 +104,7 @@ TEST(CsvReaderTest, TabSeparatedWithCrlfAndQuotes) {
       "x\t1\t\"a\"\"b\"\r\n"
       "x\t3\tc d\r\n",
       options);
-  EXPECT_EQ(describe(log), "x: (a\"b)@1 (c d)@3\n");
+  EXPECT_EQ(test::describeLog(log), "x: (a\"b)@1 (c d)@3\n");
 }
 
 TEST(CsvReaderTest, CustomersKeepTheirFirstAppearanceOrder) {
@@ -227,7 +209,7 @@ TEST(CsvReaderTest, ReadsAFile) {
     out << "customer,time,item\nc,1,a\n";
   }
   LabelledDatabase log = readCsvFile(path, CsvOptions());
-  EXPECT_EQ(describe(log), "c: (a)@1\n");
+  EXPECT_EQ(test::describeLog(log), "c: (a)@1\n");
   std::remove(path.c_str());
 }
 

@@ -5,12 +5,16 @@
 // Outputs travel in chunks of ints as they fill, not as whole task outputs:
 // the task the consumer is waiting for (the head) streams straight through,
 // while a worker running ahead of it blocks in put() once the chunks held for
-// later tasks reach the limit. The memory held for outputs therefore stays
-// near the limit (plus one chunk per worker) however much one task produces.
+// later tasks reach the limit. The head's worker blocks too, but only on its
+// own chunks that the consumer has not taken yet: a consumer slower than the
+// search (a sink writing a file) then paces the search instead of letting the
+// head's output pile up. The memory held for outputs therefore stays near
+// twice the limit (plus one chunk per worker) however much one task produces.
 //
 // No deadlock: tasks are claimed in ascending order and each worker runs its
 // claims in order, so the head task is either finished or being run by a
-// worker that is not blocked (put() never blocks for the head).
+// worker that waits, if at all, for the consumer to take the head's own
+// chunks, which the consumer is always ready to do.
 //
 // Thread-safe; one consumer calls drain(), any number of workers call put().
 #ifndef SEQLATTICE_MINING_INTERNAL_OUTPUTQUEUE_H_
@@ -43,8 +47,10 @@ class OutputQueue {
   // task is not the head and the buffered chunks reach the limit.
   void put(std::size_t task, std::vector<int>& chunk, bool last) {
     std::unique_lock<std::mutex> lock(mutex_);
-    room_.wait(lock,
-               [&] { return stopped_ || task == head_ || buffered_ < limit_; });
+    room_.wait(lock, [&] {
+      return stopped_ ||
+             (task == head_ ? pending(task) < limit_ : buffered_ < limit_);
+    });
     if (stopped_) throw Stopped();
     if (!chunk.empty()) {
       buffered_ += chunk.size();
@@ -94,6 +100,13 @@ class OutputQueue {
   }
 
  private:
+  // Ints held for task; the caller holds the mutex.
+  std::size_t pending(std::size_t task) const {
+    std::size_t ints = 0;
+    for (const std::vector<int>& chunk : chunks_[task]) ints += chunk.size();
+    return ints;
+  }
+
   std::mutex mutex_;
   std::condition_variable ready_;  // a chunk arrived or a task finished
   std::condition_variable room_;   // chunks were taken or the head moved

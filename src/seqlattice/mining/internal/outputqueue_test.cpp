@@ -63,6 +63,30 @@ TEST(OutputQueueTest, AWorkerAheadOfTheConsumerWaitsForRoom) {
   EXPECT_EQ(seen, (std::vector<int>{0, 10, 11, 12, 13, 14}));
 }
 
+// A head task producing faster than the consumer takes its chunks waits once
+// its own untaken chunks reach the limit (4 ints), so they never pile up.
+TEST(OutputQueueTest, TheHeadWaitsForASlowConsumer) {
+  OutputQueue queue(1, 4);
+  std::atomic<int> put{0};
+  std::thread worker([&] {
+    for (int i = 0; i < 6; ++i) {
+      std::vector<int> c = chunk({i, i});
+      queue.put(0, c, i == 5);
+      ++put;
+    }
+  });
+  // Unconsumed: two chunks of two ints reach the limit and the third waits.
+  while (put.load() < 2) std::this_thread::yield();
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_EQ(put.load(), 2);
+  std::vector<int> seen;
+  queue.drain([&seen](std::vector<int>& got) {
+    seen.insert(seen.end(), got.begin(), got.end());
+  });
+  worker.join();
+  EXPECT_EQ(seen, (std::vector<int>{0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5}));
+}
+
 TEST(OutputQueueTest, StopReleasesABlockedWorkerAndTheConsumer) {
   OutputQueue queue(2, 1);
   std::atomic<bool> stopped{false};

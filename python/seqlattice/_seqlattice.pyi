@@ -1,0 +1,93 @@
+# Types of the extension module; the package's public interface is in
+# _model.py. A new mining setting is one attribute here and one def_readwrite
+# in python/src/module.cpp; mine() passes it on as a keyword argument.
+from typing import Any
+
+import numpy as np
+
+class Error(RuntimeError): ...
+class InputError(Error, ValueError): ...
+class MiningError(Error): ...
+
+class MineSettings:
+    min_support: str
+    max_items: int
+    threads: int
+
+class InputOptions:
+    format: str
+    customer: str
+    time: str
+    item: str
+    delimiter: str
+
+class PredictSettings:
+    current: bool
+    last_set_only: bool
+    top: int
+
+class RuleBounds:
+    min_support: float
+    max_support: float
+    min_confidence: float
+    max_confidence: float
+    min_cause: float
+    max_cause: float
+    maximal: bool
+    sort: str
+
+class RuleFilters:
+    min_lift: float
+    antecedent_has: list[str] | None
+    consequent: list[str] | None
+
+class PatternQueryKind:
+    all: PatternQueryKind
+    contains: PatternQueryKind
+    beginning: PatternQueryKind
+    ending: PatternQueryKind
+
+class PatternQuery:
+    kind: PatternQueryKind
+    sequence: list[list[str]]
+    size: int
+    maximal: bool
+    min_count: int
+    max_count: int
+
+Columns = dict[str, Any]
+
+class Model:
+    @staticmethod
+    def mine_file(path: str, options: InputOptions, settings: MineSettings,
+                  pattern_file: str,
+                  pattern_format: str) -> tuple[Model, dict[str, Any]]: ...
+    @staticmethod
+    def mine_columns(customer: np.ndarray, time: np.ndarray,
+                     item: np.ndarray, customers: int,
+                     item_labels: list[str], settings: MineSettings,
+                     input_name: str, pattern_file: str,
+                     pattern_format: str) -> tuple[Model, dict[str, Any]]: ...
+    @staticmethod
+    def load(path: str) -> Model: ...
+    def save(self, path: str, xml: bool) -> None: ...
+    def rules(self, bounds: RuleBounds, filters: RuleFilters,
+              top: int) -> tuple[Columns, list[str]]: ...
+    def patterns(self, query: PatternQuery) -> tuple[Columns, list[str]]: ...
+    def predict_history(self, history: list[list[str]],
+                        settings: PredictSettings
+                        ) -> tuple[Columns, list[str]]: ...
+    def predict_file(self, path: str, options: InputOptions,
+                     settings: PredictSettings) -> Columns: ...
+    def predict_columns(self, customer: np.ndarray, time: np.ndarray,
+                        item: np.ndarray, customers: int,
+                        item_labels: list[str],
+                        settings: PredictSettings) -> Columns: ...
+    def info(self) -> dict[str, Any]: ...
+    def to_pmml(self, path: str, bounds: RuleBounds) -> None: ...
+    def to_lattice_xml(self, path: str, min_support: float) -> None: ...
+    def to_dot(self, path: str, top: int) -> None: ...
+
+def read_log(path: str, options: InputOptions) -> Columns: ...
+def parse_times(texts: list[str]) -> tuple[np.ndarray, np.ndarray]: ...
+def parse_item_sequence(text: str) -> list[list[str]]: ...
