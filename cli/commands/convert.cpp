@@ -4,6 +4,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "support/atomicfile.h"
 #include "support/modelfile.h"
 
 namespace seqlattice_cli {
@@ -17,6 +18,7 @@ struct ConvertOptions {
 };
 
 void runConvert(const ConvertOptions& options) {
+  refuseSameFile(options.input, options.output);
   Model model = loadModel(options.input);
   bool xml = options.to.empty() ? !model.xml : options.to == "xml";
   saveModel(model, options.output, xml);

@@ -10,6 +10,7 @@
 #include "support/dotgraph.h"
 #include "support/modeldocuments.h"
 #include "support/modelfile.h"
+#include "support/parsedoption.h"
 #include "support/rulebounds.h"
 
 namespace seqlattice_cli {
@@ -24,18 +25,23 @@ struct ExportOptions {
   int top = 30;
 };
 
+Model loadModelFor(const ExportOptions& options) {
+  refuseSameFile(options.model, options.output);
+  return loadModel(options.model);
+}
+
 void runPmml(const ExportOptions& options) {
-  Model model = loadModel(options.model);
+  Model model = loadModelFor(options);
   exportPmml(model, options.bounds, options.output);
 }
 
 void runLattice(const ExportOptions& options) {
-  Model model = loadModel(options.model);
+  Model model = loadModelFor(options);
   exportLattice(model, options.latticeMinSupport, options.output);
 }
 
 void runDot(const ExportOptions& options) {
-  Model model = loadModel(options.model);
+  Model model = loadModelFor(options);
   writeOutput(options.output, [&](std::ostream& out) {
     writeDotGraph(out, *model.dictionary, model.items, options.top);
   });
@@ -82,7 +88,7 @@ Command addExportCommand(CLI::App& app) {
       "Graphviz graph of the most frequent patterns and their extensions",
       options.get());
   dot->add_option("--top", options->top, "Number of patterns shown")
-      ->check(CLI::PositiveNumber)
+      ->check(wholeNumber(1))
       ->capture_default_str();
   dot->footer(
       "Example:\n"

@@ -2,12 +2,14 @@
 // pattern into a dictionary, build its lattice and save the model.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "commands/commands.h"
 #include "seqlattice/mining/miner.h"
+#include "support/atomicfile.h"
 #include "support/inputlog.h"
 #include "support/minemodel.h"
 #include "support/modelfile.h"
@@ -36,9 +38,18 @@ void printLine(const std::string& field, const std::string& value) {
   std::cout << field << padding << value << "\n";
 }
 
+std::string secondsText(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g s", seconds);
+  return text;
+}
+
 void runMine(const MineOptions& options) {
+  refuseSameFile(options.input, options.patternsOnly.empty()
+                                    ? options.output
+                                    : options.patternsOnly);
   auto start = std::chrono::steady_clock::now();
-  Progress progress;
+  Progress progress(options.settings.progress);
   progress.note("reading " + options.input + " ...");
   SEQUENCE_NAMESPACE_800::input::LabelledDatabase log =
       loadInput(options.input, options.inputOptions);
@@ -93,10 +104,27 @@ void runMine(const MineOptions& options) {
     printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
               std::to_string(summary.patternsPerSize[k]));
   }
+  if (!summary.complete) {
+    printLine(
+        "complete",
+        "no: the time limit of " + secondsText(options.settings.timeLimit) +
+            " stopped the search; " + std::to_string(summary.patternsDropped) +
+            " patterns found were dropped because a sub-pattern of "
+            "theirs was not reached");
+  }
   printLine(options.patternsOnly.empty() ? "model" : "pattern file", written);
   char time[32];
   std::snprintf(time, sizeof time, "%.2f s", seconds);
   printLine("time", time);
+  if (!summary.complete) {
+    std::cerr << "seqlattice: mine: the search stopped at the time limit of "
+              << secondsText(options.settings.timeLimit) << "; "
+              << (options.patternsOnly.empty() ? "the model in "
+                                               : "the pattern file ")
+              << (options.patternsOnly.empty() ? options.output
+                                               : options.patternsOnly)
+              << " holds only part of the frequent patterns\n";
+  }
   // The process ends next. Freeing a model of millions of patterns node by
   // node takes a fifth of a large run, and the system takes the memory back
   // at once, so the model is left to it; builds that check for leaks free it.
@@ -152,6 +180,26 @@ Command addMineCommand(CLI::App& app) {
       ->check(CLI::Range(1, 31))
       ->capture_default_str();
   addInputOptions(command, &options->inputOptions, "--format");
+  command
+      ->add_option("--time-limit", options->settings.timeLimit,
+                   "Stop the search in time for the model to be saved about S "
+                   "seconds after mining began, with the patterns found so "
+                   "far, marked incomplete")
+      ->type_name("S")
+      ->check(CLI::Validator(
+          [](std::string& text) -> std::string {
+            char* end = nullptr;
+            double seconds = std::strtod(text.c_str(), &end);
+            if (!text.empty() && end == text.c_str() + text.size() &&
+                seconds > 0 && seconds <= 1e9) {
+              return "";
+            }
+            return "expected a number of seconds above 0, not \"" + text + "\"";
+          },
+          ""));
+  command->add_flag("--progress", options->settings.progress,
+                    "Report progress on standard error even when it is not "
+                    "a terminal");
   command
       ->add_flag("--xml", options->xml,
                  "Write the model in the XML object format")

@@ -10,7 +10,9 @@
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
+#include "support/parsedoption.h"
 #include "support/patterntable.h"
+#include "support/printable.h"
 
 namespace seqlattice_cli {
 
@@ -42,7 +44,7 @@ void runPatterns(const PatternsOptions& options) {
   std::vector<std::string> unknown;
   ResultTable table = patternTable(model, query, &unknown);
   for (const std::string& label : unknown) {
-    std::cerr << "seqlattice: patterns: item \"" << label
+    std::cerr << "seqlattice: patterns: item \"" << printable(label)
               << "\" is not in the model\n";
   }
   table.write(std::cout, options.format);
@@ -68,17 +70,17 @@ Command addPatternsCommand(CLI::App& app) {
   beginning->excludes(contains)->excludes(ending);
   ending->excludes(contains)->excludes(beginning);
   command->add_option("--size", options->query.size, "Only patterns of K items")
-      ->check(CLI::PositiveNumber);
+      ->check(wholeNumber(1));
   command->add_flag("--maximal", options->query.maximal,
                     "Only patterns that no longer stored pattern extends");
   command
       ->add_option("--min-count", options->query.minCount,
                    "Only patterns found in at least N customers")
-      ->check(CLI::NonNegativeNumber);
+      ->check(wholeNumber(0));
   command
       ->add_option("--max-count", options->query.maxCount,
                    "Only patterns found in at most N customers")
-      ->check(CLI::NonNegativeNumber);
+      ->check(wholeNumber(0));
   addFormatOption(command, &options->format);
   command->footer(
       "Examples:\n"

@@ -10,7 +10,9 @@
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
+#include "support/parsedoption.h"
 #include "support/prediction.h"
+#include "support/printable.h"
 
 namespace seqlattice_cli {
 
@@ -27,7 +29,7 @@ struct PredictOptions {
 
 void warnUnknown(const std::vector<std::string>& unknown) {
   for (const std::string& label : unknown) {
-    std::cerr << "seqlattice: predict: item \"" << label
+    std::cerr << "seqlattice: predict: item \"" << printable(label)
               << "\" is not in the model\n";
   }
 }
@@ -75,7 +77,7 @@ Command addPredictCommand(CLI::App& app) {
   command
       ->add_option("--top", options->settings.top,
                    "Number of items per customer")
-      ->check(CLI::PositiveNumber)
+      ->check(wholeNumber(1))
       ->capture_default_str();
   addFormatOption(command, &options->format);
   addInputOptions(command, &options->inputOptions, "--input-format");

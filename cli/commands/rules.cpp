@@ -9,6 +9,7 @@
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
+#include "support/parsedoption.h"
 #include "support/rulebounds.h"
 #include "support/ruletable.h"
 
@@ -95,7 +96,7 @@ Command addRulesCommand(CLI::App& app) {
   addItemFilterOption(command, "--consequent", &options->consequent,
                       "Only rules whose consequent is exactly this item set");
   command->add_option("--top", options->top, "Show the first N rules (0: all)")
-      ->check(CLI::NonNegativeNumber)
+      ->check(wholeNumber(0))
       ->capture_default_str();
   addFormatOption(command, &options->format);
   command->footer(

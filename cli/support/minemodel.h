@@ -14,6 +14,7 @@
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
 #include "support/patternstream.h"
+#include "support/progress.h"
 
 namespace seqlattice_cli {
 
@@ -30,19 +31,29 @@ struct MineSettings {
   Parsed<MinSupportValue> minSupport;  // set through parseMinSupport
   int maxItems = 9;                    // 1 .. 31
   int threads = 0;                     // 0: the hardware's concurrency
+  // Seconds after which the search stops in time for the model to be
+  // finished about then, keeping the patterns found so far (the model is
+  // marked incomplete); 0: none.
+  double timeLimit = 0;
+  // Progress notes on standard error even when it is not a terminal.
+  bool progress = false;
 };
 
 // Records in model what it is mined from and with (item labels, mining
 // parameters; inputName and inputFormat as given) and returns the miner's
-// options for log, with a memory budget of most of what the machine has free.
-// Throws CliError (exit 1) when the log has no customers.
+// options for log, with a memory budget of most of what the machine has free
+// and, through progress (which must outlive the search), notes on how the
+// search goes and the stop at the time limit. Throws CliError (exit 1) when
+// the log has no customers.
 SEQUENCE_NAMESPACE_800::mining::MinerOptions prepareMining(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
-    const std::string& inputFormat, Model* model);
+    const std::string& inputFormat, Progress& progress, Model* model);
 
 // prepareMining, then mines log into the model's fresh dictionary and
-// returns the miner's summary. Passes on the miner's MiningError (a model
+// returns the miner's summary. A search stopped by the time limit keeps the
+// patterns whose sub-patterns were all found (summary.complete is false and
+// the model's parameters say so). Passes on the miner's MiningError (a model
 // beyond the memory the machine has free is refused that way).
 SEQUENCE_NAMESPACE_800::mining::MiningSummary mineModel(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,

@@ -1,5 +1,8 @@
 #include "support/modelfile.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +13,7 @@
 #include "seqlattice/support/seqexceptions.h"
 #include "support/atomicfile.h"
 #include "support/clierror.h"
+#include "support/modelcheck.h"
 
 namespace seqlattice_cli {
 
@@ -69,6 +73,25 @@ std::string readAll(std::istream& in) {
   return text.str();
 }
 
+// CRC-32 of the first `length` bytes of in, read a megabyte at a time; false
+// when the stream holds fewer.
+bool crc32OfPrefix(std::istream& in, std::streamoff length,
+                   std::uint32_t* crc) {
+  in.seekg(0);
+  Crc32 sum;
+  std::string buffer(std::size_t{1} << 20, '\0');
+  while (length > 0 && in) {
+    const std::streamsize step =
+        static_cast<std::streamsize>(std::min<std::streamoff>(
+            length, static_cast<std::streamoff>(buffer.size())));
+    in.read(&buffer[0], step);
+    sum.add(buffer.data(), static_cast<std::size_t>(in.gcount()));
+    length -= in.gcount();
+  }
+  *crc = sum.value();
+  return length == 0;
+}
+
 [[noreturn]] void damaged(const std::string& path, const std::string& why) {
   failInput(path + ": damaged dictionary record (" + why + ")");
 }
@@ -88,6 +111,10 @@ void readDictionary(const std::string& path, Read read) {
   } catch (const std::bad_alloc&) {
     damaged(path, "too large to load");
   } catch (const SEQUENCE_NAMESPACE_800::SeqExceptions::DictionaryFailure&) {
+    damaged(path, "too large to load");
+  } catch (const CliError&) {
+    throw;
+  } catch (const std::exception&) {
     damaged(path, "unreadable");
   }
 }
@@ -107,15 +134,24 @@ void loadBinary(const std::string& path, std::fstream& in, std::streamoff size,
   }
   std::streamoff recordSize =
       size - 16 - static_cast<std::streamoff>(trailerSize);
+  // The length is only trusted once the trailer's own mark is where it
+  // points: a forged length must not make the loader allocate it.
+  in.seekg(recordSize);
+  char mark[kTrailerMarkSize];
+  if (trailerSize < kTrailerMarkSize || !in.read(mark, kTrailerMarkSize) ||
+      std::string(mark, kTrailerMarkSize) != kTrailerMark) {
+    notAModel(path, "bad trailer length");
+  }
   in.seekg(recordSize);
   std::string trailer(trailerSize, '\0');
   in.read(&trailer[0], static_cast<std::streamsize>(trailerSize));
   std::uint32_t checksum = decodeTrailer(trailer, path, model);
 
-  in.seekg(0);
-  std::string record(static_cast<std::size_t>(recordSize), '\0');
-  in.read(&record[0], recordSize);
-  if (!in || crc32(record) != checksum) damaged(path, "checksum mismatch");
+  std::uint32_t crc = 0;
+  if (!crc32OfPrefix(in, recordSize, &crc) || crc != checksum) {
+    damaged(path, "checksum mismatch");
+  }
+  in.clear();
   in.seekg(0);
   readDictionary(path, [&] {
     model->dictionary->readObject(in);
@@ -156,6 +192,14 @@ void loadXml(const std::string& path, std::streamoff size, Model* model) {
 }  // namespace
 
 Model loadModel(const std::string& path) {
+  // A directory "opens" and reads as empty; a FIFO would block until a
+  // writer comes, a device could read forever.
+  struct stat info;
+  if (stat(path.c_str(), &info) != 0) {
+    failInput(path + ": cannot open: " + std::strerror(errno));
+  }
+  if (S_ISDIR(info.st_mode)) failInput(path + ": is a directory");
+  if (!S_ISREG(info.st_mode)) failInput(path + ": is not a regular file");
   std::fstream in(path, std::ios::in | std::ios::binary);
   if (!in) failInput(path + ": cannot open: " + std::strerror(errno));
   in.seekg(0, std::ios::end);
@@ -174,6 +218,8 @@ Model loadModel(const std::string& path) {
   if (!model.dictionary->isLatticeBuilt()) {
     failInput(path + ": the model's lattice is not built");
   }
+  std::string problem = inconsistentPattern(*model.dictionary);
+  if (!problem.empty()) damaged(path, problem);
   return model;
 }
 
@@ -190,14 +236,18 @@ void saveModel(const Model& model, const std::string& path, bool xml) {
     delete e;
     failInput(path + ": cannot write the model");
   }
-  // The checksum covers the dictionary part as it went to the file.
+  // The checksum covers the dictionary part as it went to the file. A full
+  // disk shows here: a failed stream has no position to take a size from.
   out.flush();
+  if (!out.good()) file.failWrite();
   std::streamoff recordSize = out.tellp();
-  std::string record(static_cast<std::size_t>(recordSize), '\0');
-  out.seekg(0);
-  out.read(&record[0], recordSize);
+  std::uint32_t checksum = 0;
+  if (recordSize < 0 || !crc32OfPrefix(out, recordSize, &checksum)) {
+    file.failWrite();
+  }
+  out.clear();
   out.seekp(recordSize);
-  std::string trailer = encodeTrailer(model, crc32(record));
+  std::string trailer = encodeTrailer(model, checksum);
   if (xml) {
     out << "\n" << kXmlTrailerStart << base64Encode(trailer) << kXmlTrailerEnd;
   } else {

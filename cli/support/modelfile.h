@@ -13,6 +13,7 @@
 #ifndef SEQLATTICE_CLI_SUPPORT_MODELFILE_H_
 #define SEQLATTICE_CLI_SUPPORT_MODELFILE_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -34,6 +35,8 @@ struct MiningParameters {
   int maxItemsPerTransaction = 0;
   std::string inputFormat;  // "csv" or "spmf"
   std::string inputName;    // the input file as it was named
+  bool complete = true;     // false: a time limit stopped the search
+  double timeLimit = 0;     // seconds; 0: none
 
   double avgItemsPerTransaction() const {
     return transactions > 0 ? static_cast<double>(itemOccurrences) /
@@ -63,7 +66,21 @@ std::string encodeTrailer(const Model& model, std::uint32_t checksum);
 std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
                             Model* model);
 
-// CRC-32 (the ISO-HDLC one of zlib and PNG) of bytes.
+// The first bytes of every trailer.
+constexpr char kTrailerMark[] = "SQLTRAIL";
+constexpr std::size_t kTrailerMarkSize = 8;
+
+// CRC-32 (the ISO-HDLC one of zlib and PNG), over bytes given in pieces.
+class Crc32 {
+ public:
+  void add(const char* data, std::size_t n);
+  std::uint32_t value() const { return crc_ ^ 0xFFFFFFFFu; }
+
+ private:
+  std::uint32_t crc_ = 0xFFFFFFFFu;
+};
+
+// The CRC-32 of bytes.
 std::uint32_t crc32(const std::string& bytes);
 
 }  // namespace seqlattice_cli

@@ -41,6 +41,14 @@ InfoFields modelInfo(const Model& model, const std::string& name) {
   add("min count", m.minCount);
   add("min support (dictionary)", dict.getMinSupport());
   add("max items per pattern", m.maxItems);
+  if (!m.complete) {
+    // Only a search stopped early says so; complete models show what they
+    // always showed.
+    char limit[32];
+    std::snprintf(limit, sizeof limit, "%g", m.timeLimit);
+    add("complete", "no (the time limit of " + std::string(limit) +
+                        " s stopped the search)");
+  }
   add("patterns", dict.NumberOfSequences() - 1);
   for (int k = 1; k <= dict.LargestSequence(); ++k) {
     std::string field =

@@ -14,8 +14,9 @@ namespace seqlattice_cli {
 
 namespace {
 
-const char kTrailerMark[8] = {'S', 'Q', 'L', 'T', 'R', 'A', 'I', 'L'};
-constexpr std::uint32_t kTrailerVersion = 1;
+// Version 2 added the search's completeness and time limit; version 1
+// trailers are still read (complete, no time limit).
+constexpr std::uint32_t kTrailerVersion = 2;
 
 class Writer {
  public:
@@ -114,7 +115,7 @@ class Reader {
 std::string encodeTrailer(const Model& model, std::uint32_t checksum) {
   const MiningParameters& m = model.mining;
   Writer w;
-  w.raw(kTrailerMark, sizeof kTrailerMark);
+  w.raw(kTrailerMark, kTrailerMarkSize);
   w.u32(kTrailerVersion);
   w.u32(checksum);
   w.u8(m.minSupportIsFraction);
@@ -127,6 +128,8 @@ std::string encodeTrailer(const Model& model, std::uint32_t checksum) {
   w.i32(m.maxItemsPerTransaction);
   w.str(m.inputFormat);
   w.str(m.inputName);
+  w.u8(m.complete);
+  w.f64(m.timeLimit);
   auto labels = model.items.stringLabels();
   w.u32(static_cast<std::uint32_t>(labels.size()));
   for (const auto& [code, label] : labels) {
@@ -140,14 +143,13 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
                             Model* model) {
   try {
     Reader r(bytes);
-    if (r.raw(sizeof kTrailerMark) !=
-        std::string(kTrailerMark, sizeof kTrailerMark)) {
+    if (r.raw(kTrailerMarkSize) != kTrailerMark) {
       throw std::runtime_error("bad mark");
     }
     std::uint32_t version = r.u32();
-    if (version != kTrailerVersion) {
+    if (version < 1 || version > kTrailerVersion) {
       failInput(path + ": model trailer version " + std::to_string(version) +
-                " is not supported (this build reads version 1)");
+                " is not supported (this build reads versions 1 and 2)");
     }
     std::uint32_t checksum = r.u32();
     MiningParameters& m = model->mining;
@@ -161,6 +163,10 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
     m.maxItemsPerTransaction = r.i32();
     m.inputFormat = r.str();
     m.inputName = r.str();
+    if (version >= 2) {
+      m.complete = r.u8();
+      m.timeLimit = r.f64();
+    }
     std::uint32_t count = r.u32();
     std::vector<std::pair<int, std::string>> labels;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -178,9 +184,11 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
   }
 }
 
+namespace {
+
 // Eight bytes a step with eight tables ("slicing by 8"): the byte-wise loop
 // took a tenth of saving a large model.
-std::uint32_t crc32(const std::string& bytes) {
+const std::array<std::array<std::uint32_t, 256>, 8>& crcTables() {
   static const auto kTables = [] {
     std::array<std::array<std::uint32_t, 256>, 8> tables{};
     for (std::uint32_t n = 0; n < 256; ++n) {
@@ -196,9 +204,15 @@ std::uint32_t crc32(const std::string& bytes) {
     }
     return tables;
   }();
-  const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
-  std::size_t n = bytes.size();
-  std::uint32_t crc = 0xFFFFFFFFu;
+  return kTables;
+}
+
+}  // namespace
+
+void Crc32::add(const char* data, std::size_t n) {
+  const auto& kTables = crcTables();
+  const auto* p = reinterpret_cast<const unsigned char*>(data);
+  std::uint32_t crc = crc_;
   for (; n >= 8; n -= 8, p += 8) {
     const std::uint32_t low = crc ^ (static_cast<std::uint32_t>(p[0]) |
                                      static_cast<std::uint32_t>(p[1]) << 8 |
@@ -210,7 +224,13 @@ std::uint32_t crc32(const std::string& bytes) {
           kTables[0][p[7]];
   }
   for (; n > 0; --n, ++p) crc = kTables[0][(crc ^ *p) & 0xFF] ^ (crc >> 8);
-  return crc ^ 0xFFFFFFFFu;
+  crc_ = crc;
+}
+
+std::uint32_t crc32(const std::string& bytes) {
+  Crc32 sum;
+  sum.add(bytes.data(), bytes.size());
+  return sum.value();
 }
 
 }  // namespace seqlattice_cli

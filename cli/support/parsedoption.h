@@ -8,6 +8,9 @@
 #define SEQLATTICE_CLI_SUPPORT_PARSEDOPTION_H_
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <functional>
 #include <string>
 
@@ -38,6 +41,25 @@ CLI::Option* addParsedOption(CLI::App* command, const std::string& name,
             return parse(text, &target->value);
           },
           validatorName));
+}
+
+// A whole number from least to most, for counts such as --top: CLI11's own
+// range checks print their bounds as doubles of three hundred digits.
+inline CLI::Validator wholeNumber(long least, long most = INT_MAX) {
+  const std::string range =
+      "a whole number from " + std::to_string(least) + " to " +
+      (most == INT_MAX ? std::string("2147483647") : std::to_string(most));
+  return CLI::Validator(
+      [least, most, range](std::string& text) -> std::string {
+        errno = 0;
+        char* end = nullptr;
+        long value = std::strtol(text.c_str(), &end, 10);
+        bool whole =
+            !text.empty() && end == text.c_str() + text.size() && errno == 0;
+        if (whole && value >= least && value <= most) return "";
+        return "expected " + range + ", not \"" + text + "\"";
+      },
+      "N");
 }
 
 }  // namespace seqlattice_cli

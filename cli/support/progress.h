@@ -1,6 +1,7 @@
-// Progress notes for a person watching a long command: written to standard
-// error, and only when it is a terminal, so that pipes, logs and tests see
-// nothing. Each note replaces the previous one on the same line.
+// Progress notes for a person watching a long command, on standard error:
+// when it is a terminal each note replaces the previous one on the same
+// line; when it is not, notes are written only if asked for (--progress),
+// one line each, so that pipes, logs and tests see nothing by default.
 #ifndef SEQLATTICE_CLI_SUPPORT_PROGRESS_H_
 #define SEQLATTICE_CLI_SUPPORT_PROGRESS_H_
 
@@ -10,7 +11,8 @@ namespace seqlattice_cli {
 
 class Progress {
  public:
-  Progress();
+  // forced: write notes even when standard error is not a terminal.
+  explicit Progress(bool forced = false);
   ~Progress();  // clears the line
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -18,6 +20,7 @@ class Progress {
   void note(const std::string& text);
 
  private:
+  bool terminal_;
   bool enabled_;
   std::size_t shown_ = 0;  // length of the note on screen
 };

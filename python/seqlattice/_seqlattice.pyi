@@ -13,6 +13,8 @@ class MineSettings:
     min_support: str
     max_items: int
     threads: int
+    time_limit: float
+    progress: bool
 
 class InputOptions:
     format: str

@@ -334,7 +334,9 @@ void bindSettings(py::module_& m) {
                                             cli::parseMinSupport);
           })
       .def_readwrite("max_items", &cli::MineSettings::maxItems)
-      .def_readwrite("threads", &cli::MineSettings::threads);
+      .def_readwrite("threads", &cli::MineSettings::threads)
+      .def_readwrite("time_limit", &cli::MineSettings::timeLimit)
+      .def_readwrite("progress", &cli::MineSettings::progress);
 
   py::class_<cli::InputOptions>(m, "InputOptions")
       .def(py::init<>())

@@ -48,7 +48,9 @@ class LineParser {
     errno = 0;
     char* end = nullptr;
     long value = std::strtol(token.c_str(), &end, 10);
-    if (*end != '\0' || end == token.c_str()) {
+    // The whole token must be the number: strtol stops at a NUL byte, which
+    // would hide what follows it.
+    if (end != token.c_str() + token.size() || end == token.c_str()) {
       fail("expected an item, -1 or -2, found '" + token + "'");
     }
     if (errno == ERANGE || value > INT_MAX) {

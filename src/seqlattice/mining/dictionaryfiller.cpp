@@ -1,9 +1,12 @@
 #include "seqlattice/mining/dictionaryfiller.h"
 
 #include <string>
+#include <vector>
 
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -38,6 +41,64 @@ void DictionarySink::addPattern(int** sets, int nSets, long count,
   dictionary_.addSequence(sets, nSets, &counter);
 }
 
+namespace {
+
+// Adds key with a copy of counter.
+void addPattern(SequenceDictionary& dictionary, const NTSequence& key,
+                SequenceCounter* counter) {
+  const int nSets = key.getNSets();
+  std::vector<std::vector<int>> sets(static_cast<std::size_t>(nSets));
+  std::vector<int*> pointers;
+  for (int s = 0; s < nSets; ++s) {
+    std::vector<int>& set = sets[static_cast<std::size_t>(s)];
+    set.resize(static_cast<std::size_t>(key.getSizeOfSet(s)) + 1);
+    set[0] = key.getSizeOfSet(s);
+    key.getSetAsArray(s, set.data() + 1);
+    pointers.push_back(set.data());
+  }
+  dictionary.addSequence(pointers.data(), nSets, counter);
+}
+
+}  // namespace
+
+void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
+                    MiningSummary& summary) {
+  kept.getLevel0Descriptor()->setCount(found.getLevel0Descriptor()->getCount());
+  NTSequence sub;  // the scratch pattern removeItem fills without allocating
+  long dropped = 0;
+  for (int k = 1; k < found.getNLevels(); ++k) {
+    HashtableSQPair* table = found.getLevel(k);
+    if (table == nullptr) continue;
+    for (const ISQCPair& entry : *table) {
+      bool closed = true;
+      for (int i = 0; k > 1 && closed && i < entry.key->size(); ++i) {
+        sub.removeItem(i, entry.key);
+        closed = kept.getDescriptor(&sub) != nullptr;
+      }
+      if (closed) {
+        addPattern(kept, *entry.key, entry.value);
+      } else {
+        ++dropped;
+      }
+    }
+  }
+  KvCommon_850::KvStatus status = kept.buildLattice();
+  if (!status.IsOK()) {
+    throw MiningError("building the lattice failed (status " +
+                      std::to_string(status.GetCode()) + ")");
+  }
+  summary.patternsDropped = dropped;
+  summary.patterns = 0;
+  summary.longestPattern = 0;
+  for (std::size_t k = 1; k < summary.patternsPerSize.size(); ++k) {
+    summary.patternsPerSize[k] = kept.CountSequencesOfSize(static_cast<int>(k));
+    summary.patterns += summary.patternsPerSize[k];
+    if (summary.patternsPerSize[k] > 0) {
+      summary.longestPattern = static_cast<int>(k);
+    }
+  }
+}
+
 MiningSummary mineIntoDictionary(const SequenceDatabase& db,
                                  const MinerOptions& options,
                                  SequenceDictionary& dictionary) {
@@ -57,6 +118,7 @@ MiningSummary mineIntoDictionary(const SequenceDatabase& db,
   total->setCount(total->getCount() + static_cast<int>(db.customerCount()));
   DictionarySink sink(dictionary, options.memoryBudget);
   MiningSummary summary = SequenceMiner(options).mine(db, sink);
+  if (!summary.complete) return summary;
   KvCommon_850::KvStatus status = dictionary.buildLattice();
   if (!status.IsOK()) {
     throw MiningError("building the lattice failed (status " +

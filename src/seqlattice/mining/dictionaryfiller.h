@@ -52,7 +52,23 @@ class DictionarySink : public PatternSink {
 // a pattern one level down. Within about 20% of measured model sizes.
 std::size_t storedPatternBytes(int items);
 
-// Mines db into dictionary and builds the lattice. Throws MiningError when
+// The part of a stopped search's patterns that is closed under
+// sub-patterns, as the lattice, the rules and the predictions need: fills
+// kept (freshly made, with found's settings) with every pattern of found
+// whose sub-patterns of one item less are all kept, level by level
+// upwards, copies the number of customers, builds kept's lattice and
+// updates summary (patterns and patterns per size kept, patterns dropped,
+// longest pattern). Copying the kept part costs what the kept part costs;
+// found, often many times larger, is left as it is for the caller to drop.
+// Throws MiningError when the lattice cannot be built.
+void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
+                    MiningSummary& summary);
+
+// Mines db into dictionary and builds the lattice. A search stopped early
+// (MinerOptions::deadline or progress) says so in summary.complete and
+// leaves every pattern it found in dictionary, not closed under
+// sub-patterns and without a lattice: take its closed part with
+// keepClosedPart. Throws MiningError when
 // options.maxItems does not fit the dictionary (it must be below its
 // nLevels and at most 31, the longest pattern key), when the patterns would
 // take the model past options.memoryBudget, or when the lattice cannot be

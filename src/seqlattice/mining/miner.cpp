@@ -1,6 +1,7 @@
 #include "seqlattice/mining/miner.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -221,8 +222,12 @@ struct Extension {
 // pattern on the current search path.
 class Worker {
  public:
-  Worker(const internal::WorkDatabase& db, long minCount, int maxItems)
-      : db_(db), minCount_(static_cast<u32>(minCount)), maxItems_(maxItems) {
+  Worker(const internal::WorkDatabase& db, long minCount, int maxItems,
+         std::chrono::steady_clock::time_point deadline)
+      : db_(db),
+        minCount_(static_cast<u32>(minCount)),
+        maxItems_(maxItems),
+        deadline_(deadline) {
     std::size_t f = db.itemCount();
     for (Counters* c : {&s_, &i_}) {
       c->flag.assign(f, 0);
@@ -332,6 +337,11 @@ class Worker {
       out.push_back(db_.itemValue[pattern_[k]]);
     }
     if (full_ && out.size() >= internal::kChunkInts) full_();
+    if ((++emitted_ & 1023) == 0 &&
+        deadline_ != std::chrono::steady_clock::time_point::max() &&
+        std::chrono::steady_clock::now() >= deadline_) {
+      throw internal::SearchStopped();
+    }
   }
 
  private:
@@ -531,6 +541,8 @@ class Worker {
   const internal::WorkDatabase& db_;
   u32 minCount_;
   int maxItems_;
+  std::chrono::steady_clock::time_point deadline_;
+  u32 emitted_ = 0;
   Counters s_, i_;
   std::uint64_t now_ = 0;
   std::vector<Level> levels_;
@@ -572,6 +584,16 @@ SequenceMiner::SequenceMiner(const MinerOptions& options) : options_(options) {
 MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
                                   PatternSink& sink) const {
   MiningSummary summary;
+  try {
+    search(db, sink, summary);
+  } catch (const internal::SearchStopped&) {
+    summary.complete = false;
+  }
+  return summary;
+}
+
+void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
+                           MiningSummary& summary) const {
   summary.customers = static_cast<long>(db.customerCount());
   summary.minCount = options_.minSupport.countFor(db.customerCount());
   summary.patternsPerSize.assign(1, 0);
@@ -587,11 +609,21 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
   long minCount = std::min<long>(summary.minCount, summary.customers + 1);
   internal::WorkDatabase work = internal::buildWorkDatabase(db, minCount);
   u32 f = static_cast<u32>(work.itemCount());
-  internal::PatternEmitter emitter(sink, summary);
+  // The calling thread, which feeds the sink and may lag behind the
+  // workers, looks at the deadline too, after each batch.
+  std::function<bool(long)> report;
+  if (options_.progress ||
+      options_.deadline != std::chrono::steady_clock::time_point::max()) {
+    report = [this](long patterns) {
+      return (!options_.progress || options_.progress(patterns)) &&
+             std::chrono::steady_clock::now() < options_.deadline;
+    };
+  }
+  internal::PatternEmitter emitter(sink, summary, report);
   auto emit = [&emitter](std::vector<int>& chunk) { emitter.emit(chunk); };
   std::vector<Worker> workers;
   for (std::size_t k = 0; k < threads; ++k) {
-    workers.emplace_back(work, minCount, options_.maxItems);
+    workers.emplace_back(work, minCount, options_.maxItems, options_.deadline);
   }
   std::vector<int> singles;
   workers[0].setOutput(&singles);
@@ -600,7 +632,7 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
     workers[0].emit(work.support[x], work.firstCustomer[x]);
   }
   emitter.emit(singles);
-  if (options_.maxItems < 2 || f == 0) return summary;
+  if (options_.maxItems < 2 || f == 0) return;
 
   ProjectionStore roots;
   buildRoots(work, roots);
@@ -621,7 +653,7 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
         }
       },
       emit);
-  if (options_.maxItems < 3) return summary;
+  if (options_.maxItems < 3) return;
 
   // One task per frequent two-item pattern, the most frequent first.
   struct Task {
@@ -650,7 +682,6 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
                      i.size() - after);
       },
       emit);
-  return summary;
 }
 
 }  // namespace mining

@@ -17,7 +17,9 @@
 #ifndef SEQLATTICE_MINING_MINER_H_
 #define SEQLATTICE_MINING_MINER_H_
 
+#include <chrono>
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 #include "seqlattice/mining/sequencedatabase.h"
@@ -54,6 +56,16 @@ struct MinerOptions {
   // estimated to need more is refused before it starts. mineIntoDictionary
   // also stops, with a MiningError, when the model it fills would outgrow it.
   std::size_t memoryBudget = 0;
+  // A search still running at this time stops cleanly (default: never):
+  // mine() returns the patterns found so far with MiningSummary::complete
+  // false. The workers look at the clock every 1024 patterns they find, the
+  // calling thread after each batch of patterns it hands to the sink.
+  std::chrono::steady_clock::time_point deadline =
+      std::chrono::steady_clock::time_point::max();
+  // Called on the calling thread each time a batch of patterns has reached
+  // the sink, with the number found so far; returning false stops the
+  // search as the deadline does. Empty: not called.
+  std::function<bool(long patterns)> progress;
 };
 
 // Receives the patterns, one call each, from the thread that called mine().
@@ -75,6 +87,13 @@ struct MiningSummary {
   int longestPattern = 0;  // items of the largest pattern found
   // patternsPerSize[k] = patterns with k items (entry 0 unused, 0).
   std::vector<long> patternsPerSize;
+  // False when the deadline or the progress callback stopped the search:
+  // the patterns reported are then only part of the frequent ones, and not
+  // necessarily closed under sub-patterns.
+  bool complete = true;
+  // Patterns reported and then taken out again to keep a stopped search's
+  // result closed under sub-patterns (mineIntoDictionary).
+  long patternsDropped = 0;
 };
 
 class SequenceMiner {
@@ -84,10 +103,15 @@ class SequenceMiner {
 
   // Mines db and feeds every frequent pattern to sink. Throws MiningError
   // when the search would exceed the memory budget; an exception thrown by
-  // the sink stops the workers and is passed on.
+  // the sink stops the workers and is passed on. A search stopped by the
+  // deadline or the progress callback returns normally, summary.complete
+  // false.
   MiningSummary mine(const SequenceDatabase& db, PatternSink& sink) const;
 
  private:
+  void search(const SequenceDatabase& db, PatternSink& sink,
+              MiningSummary& summary) const;
+
   MinerOptions options_;
 };
 

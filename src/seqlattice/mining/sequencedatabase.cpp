@@ -76,23 +76,23 @@ void SequenceDatabase::finishCustomerTransactions() {
   items_.resize(itemBase);
   itemStart_.resize(first + 1);
   times_.resize(first);
-  for (std::size_t k = 0; k < order.size(); ++k) {
-    std::size_t old = order[k] - first;
-    auto from = oldItems.begin() + (oldStart[old] - itemBase);
-    auto to = oldItems.begin() + (oldStart[old + 1] - itemBase);
-    bool merge = times_.size() > first && times_.back() == oldTimes[old];
-    if (!merge) {
-      items_.insert(items_.end(), from, to);
-      itemStart_.push_back(static_cast<std::uint32_t>(items_.size()));
-      times_.push_back(oldTimes[old]);
-      continue;
-    }
-    std::size_t setStart = itemStart_[itemStart_.size() - 2];
-    items_.insert(items_.end(), from, to);
+  // Each run of equal times becomes one transaction: its items are
+  // gathered, then sorted and made unique once, so that many rows of one
+  // time cost n log n, not a sort per row.
+  for (std::size_t k = 0; k < order.size();) {
+    const double time = oldTimes[order[k] - first];
+    const std::size_t setStart = items_.size();
+    do {
+      std::size_t old = order[k] - first;
+      items_.insert(items_.end(), oldItems.begin() + (oldStart[old] - itemBase),
+                    oldItems.begin() + (oldStart[old + 1] - itemBase));
+      ++k;
+    } while (k < order.size() && oldTimes[order[k] - first] == time);
     auto setBegin = items_.begin() + static_cast<std::ptrdiff_t>(setStart);
     std::sort(setBegin, items_.end());
     items_.erase(std::unique(setBegin, items_.end()), items_.end());
-    itemStart_.back() = static_cast<std::uint32_t>(items_.size());
+    itemStart_.push_back(static_cast<std::uint32_t>(items_.size()));
+    times_.push_back(time);
   }
 }
 

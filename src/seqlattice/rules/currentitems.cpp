@@ -1,6 +1,7 @@
 // Current-item prediction: items likely to join the customer's most recent
 // item set. One pass over the patterns that end in that set; an item the set
 // already holds is never predicted. The cancel flag is not looked at.
+#include <unordered_set>
 #include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
@@ -19,9 +20,11 @@ KvStatus SequenceDictionary::GetCurrentItems(
       [&](itemprediction::ItemCandidates& candidates) {
         itemprediction::OwnedPatterns found;
         getSubsequencesInSequence(found.get(), customer, 0);
-        candidates.addExtensions(found.get(),
-                                 itemprediction::Placement::kIntoLastSet,
-                                 itemprediction::itemsOfLastSets(*customer, 1));
+        std::unordered_set<int> lastSetItems;
+        itemprediction::addItemsOfSet(*customer, customer->Length() - 1,
+                                      lastSetItems);
+        candidates.addExtensions(
+            found.get(), itemprediction::Placement::kIntoLastSet, lastSetItems);
         return KvStatus();
       });
 }

@@ -15,8 +15,8 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace itemprediction {
 
-using KvCommon_850::KvStatus;
 using KvCommon_850::kStatusFailure;
+using KvCommon_850::KvStatus;
 
 namespace {
 
@@ -72,7 +72,7 @@ ItemCandidates::ItemCandidates(SequenceDictionary& dict, double n)
 
 void ItemCandidates::addExtensions(const std::vector<NTSequence*>& patterns,
                                    Placement placement,
-                                   const std::vector<int>& excluded) {
+                                   const std::unordered_set<int>& excluded) {
   for (const NTSequence* p : patterns) {
     const SequenceCounter* counter = dict_.getDescriptor(p);
     if (counter == nullptr || counter->getAdjacentItems() == nullptr) continue;
@@ -81,8 +81,7 @@ void ItemCandidates::addExtensions(const std::vector<NTSequence*>& patterns,
         placement == Placement::kNewSetAfterLast ? 2 * sets + 1 : 2 * sets - 2;
     for (const std::pair<int, int>& entry : *counter->getAdjacentItems()) {
       const int item = entry.first;
-      if (entry.second != wanted ||
-          std::find(excluded.begin(), excluded.end(), item) != excluded.end()) {
+      if (entry.second != wanted || excluded.count(item) != 0) {
         continue;
       }
       // The extension constructor with code 2s + 1 appends a new last set,
@@ -130,14 +129,10 @@ double ItemCandidates::causeOf(int item, double count) {
   return single == nullptr ? 0.0 : count / single->getCount();
 }
 
-std::vector<int> itemsOfLastSets(const Sequence& customer, int k) {
-  std::vector<int> items;
-  const int length = customer.Length();
-  for (int i = std::max(0, length - k); i < length; ++i) {
-    const TimedItemSet* set = customer[i];
-    items.insert(items.end(), set->Begin(), set->End());
-  }
-  return items;
+void addItemsOfSet(const Sequence& customer, int i,
+                   std::unordered_set<int>& items) {
+  const TimedItemSet* set = customer[i];
+  items.insert(set->Begin(), set->End());
 }
 
 KvStatus answer(SequenceDictionary& dict, const Sequence* customer,

@@ -3,6 +3,7 @@
 // grown backwards from the last item set, one adjacency entry at a time, so
 // only stored patterns are ever formed.
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -11,6 +12,7 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/rules/internal/historymatch.h"
 #include "seqlattice/rules/seqcarmacmp.h"
 #include "seqlattice/sequence/sequence.h"
 #include "seqlattice/sequence/timeditemset.h"
@@ -21,48 +23,6 @@ namespace SEQUENCE_NAMESPACE_800 {
 using KvCommon_850::KvStatus;
 
 namespace {
-
-// The customer's item sets as matching sees them: only items that are stored
-// one-item patterns, only item sets that keep an item, numbered 0 .. n-1.
-// For each kept item, the ascending indices of the sets holding it, so that
-// an occurrence is found by binary search and any number of items fits.
-class KnownItems {
- public:
-  // Adds the next kept item set; returns false, adding nothing, when no item
-  // of `set` is known.
-  bool addSet(SequenceDictionary& dict, const TimedItemSet& set) {
-    std::vector<int> kept;
-    for (const int* item = set.Begin(); item != set.End(); ++item) {
-      int single[2] = {1, *item};
-      int* sets[1] = {single};
-      if (dict.hasSequence(sets, 1)) kept.push_back(*item);
-    }
-    if (kept.empty()) return false;
-    for (int item : kept) {
-      std::vector<int>& sets = occurrences_[item];
-      if (sets.empty() || sets.back() != nSets_) sets.push_back(nSets_);
-    }
-    totalItems_ += static_cast<int>(kept.size());
-    lastSet_ = kept;
-    ++nSets_;
-    return true;
-  }
-
-  int nSets() const { return nSets_; }
-  int totalItems() const { return totalItems_; }
-  // The items of the last kept set, in the set's order.
-  const std::vector<int>& lastSet() const { return lastSet_; }
-  // Item -> ascending indices of the sets that hold it, by ascending item.
-  const std::map<int, std::vector<int>>& occurrences() const {
-    return occurrences_;
-  }
-
- private:
-  int nSets_ = 0;
-  int totalItems_ = 0;
-  std::vector<int> lastSet_;
-  std::map<int, std::vector<int>> occurrences_;
-};
 
 NTSequence oneItemPattern(int item) {
   int set[2] = {1, item};
@@ -105,44 +65,80 @@ class MatchOutput {
 
 }  // namespace
 
-KvStatus SequenceDictionary::getSubsequencesInSequence(
-    std::vector<NTSequence*>& found, const Sequence* customer, int skipLast) {
-  if (customer == nullptr) return KvStatus();
-  const int used = customer->Length() - skipLast;
-  if (used < 1) return KvStatus();
+namespace historymatch {
 
-  // Keep only items known to the dictionary; the match is anchored on the
-  // most recent item set, so nothing matches when it keeps no item.
-  KnownItems known;
+KnownItems::KnownItems(SequenceDictionary& dict, const Sequence& customer,
+                       int used) {
+  keptIndex_.reserve(static_cast<std::size_t>(used));
   for (int i = 0; i < used; ++i) {
-    if (!known.addSet(*this, *(*customer)[i]) && i == used - 1) {
-      return KvStatus();
+    const TimedItemSet& set = *customer[i];
+    std::vector<int> kept;
+    for (const int* item = set.Begin(); item != set.End(); ++item) {
+      int single[2] = {1, *item};
+      int* sets[1] = {single};
+      if (dict.hasSequence(sets, 1)) kept.push_back(*item);
     }
+    if (kept.empty()) {
+      keptIndex_.push_back(-1);
+      continue;
+    }
+    const int index = nSets();
+    for (int item : kept) {
+      std::vector<int>& sets = occurrences_[item];
+      if (sets.empty() || sets.back() != index) sets.push_back(index);
+    }
+    totalItems_ += static_cast<int>(kept.size());
+    keptIndex_.push_back(index);
+    keptSets_.push_back(std::move(kept));
   }
+}
+
+void KnownItems::keepFirst(int used) {
+  while (static_cast<int>(keptIndex_.size()) > std::max(used, 0)) {
+    const int index = keptIndex_.back();
+    keptIndex_.pop_back();
+    if (index < 0) continue;
+    for (int item : keptSets_.back()) {
+      std::vector<int>& sets = occurrences_[item];
+      if (!sets.empty() && sets.back() == index) sets.pop_back();
+    }
+    totalItems_ -= static_cast<int>(keptSets_.back().size());
+    keptSets_.pop_back();
+  }
+}
+
+void matchAnchored(SequenceDictionary& dict, const KnownItems& known,
+                   std::vector<NTSequence*>& found) {
+  if (!known.lastSetKept()) return;
   const int n = known.nSets();
   const int totalItems = known.totalItems();
-  const int largest = LargestSequence();
+  const int largest = dict.LargestSequence();
 
   MatchOutput output(found);
   if (largest < 3) {
     for (int item : known.lastSet()) output.offer(oneItemPattern(item));
-    return KvStatus();
+    return;
   }
 
   // work[j]: patterns still to be extended whose first item set is matched
-  // at item set j.
-  std::vector<std::set<NTSequence>> work(n);
+  // at item set j, taken from the highest j down. An extension lands at j
+  // or below, so a set once emptied stays empty; only sets that ever hold a
+  // pattern exist, whatever the length of the history.
+  std::map<int, std::set<NTSequence>> work;
   for (int item : known.lastSet()) {
     const NTSequence single = oneItemPattern(item);
     output.offer(single);
     work[n - 1].insert(single);
   }
-  for (int j = n - 1; j >= 0; --j) {
-    while (!work[j].empty()) {
-      const NTSequence p = *work[j].begin();
+  while (!work.empty()) {
+    const auto current = std::prev(work.end());
+    const int j = current->first;
+    std::set<NTSequence>& patterns = current->second;
+    while (!patterns.empty()) {
+      const NTSequence p = *patterns.begin();
       const SequenceCounter* counter = nullptr;
       if (p.size() < totalItems && p.getNSets() <= n && p.size() < largest) {
-        counter = getDescriptor(&p);
+        counter = dict.getDescriptor(&p);
       }
       if (counter != nullptr && counter->getNAdjacent() > 0) {
         // Only pairs (x, 0) and (x, 1) of items x that the customer holds can
@@ -168,9 +164,23 @@ KvStatus SequenceDictionary::getSubsequencesInSequence(
           }
         }
       }
-      work[j].erase(p);
+      patterns.erase(p);
     }
+    work.erase(current);
   }
+}
+
+}  // namespace historymatch
+
+KvStatus SequenceDictionary::getSubsequencesInSequence(
+    std::vector<NTSequence*>& found, const Sequence* customer, int skipLast) {
+  if (customer == nullptr) return KvStatus();
+  const int used = customer->Length() - skipLast;
+  if (used < 1) return KvStatus();
+  // Keep only items known to the dictionary; the match is anchored on the
+  // most recent item set, so nothing matches when it keeps no item.
+  historymatch::matchAnchored(
+      *this, historymatch::KnownItems(*this, *customer, used), found);
   return KvStatus();
 }
 

@@ -30,6 +30,7 @@ void PatternEmitter::emit(std::vector<int>& buffer) {
         std::max(summary_.longestPattern, static_cast<int>(items));
     sink_.addPattern(sets_.data(), nSets, count, first);
   }
+  if (progress_ && !progress_(summary_.patterns)) throw SearchStopped();
 }
 
 }  // namespace internal

@@ -12,6 +12,8 @@
 #ifndef SEQLATTICE_MINING_INTERNAL_PATTERNEMITTER_H_
 #define SEQLATTICE_MINING_INTERNAL_PATTERNEMITTER_H_
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "seqlattice/mining/miner.h"
@@ -20,19 +22,29 @@ namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
 namespace internal {
 
+// Thrown by a worker past the deadline, or by the emitter when the progress
+// callback asks to stop; SequenceMiner::mine catches it and returns what was
+// found.
+struct SearchStopped {};
+
 class PatternEmitter {
  public:
-  // Both stay the caller's and must outlive the emitter.
-  PatternEmitter(PatternSink& sink, MiningSummary& summary)
-      : sink_(sink), summary_(summary) {}
+  // sink and summary stay the caller's and must outlive the emitter;
+  // progress may be empty.
+  PatternEmitter(PatternSink& sink, MiningSummary& summary,
+                 std::function<bool(long)> progress = {})
+      : sink_(sink), summary_(summary), progress_(std::move(progress)) {}
 
   // Passes every record of buffer to the sink, in order, and counts it in
-  // the summary. The sink may modify the sets it is given.
+  // the summary. The sink may modify the sets it is given. Then reports the
+  // count to the progress callback, and throws SearchStopped when it returns
+  // false.
   void emit(std::vector<int>& buffer);
 
  private:
   PatternSink& sink_;
   MiningSummary& summary_;
+  std::function<bool(long)> progress_;
   std::vector<int*> sets_;
 };
 

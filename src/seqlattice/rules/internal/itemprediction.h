@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <map>
+#include <unordered_set>
 #include <vector>
 
 #include "seqlattice/rules/seqconsequentdescript.h"
@@ -56,7 +57,8 @@ class ItemCandidates {
   // For each pattern, in order, every adjacent item placed as `placement`
   // says whose extended pattern is stored, unless the item is excluded.
   void addExtensions(const std::vector<NTSequence*>& patterns,
-                     Placement placement, const std::vector<int>& excluded);
+                     Placement placement,
+                     const std::unordered_set<int>& excluded);
   // Appends the first maxItems candidates in prediction order.
   void appendBest(std::vector<SeqConsequentDescriptor>& out,
                   int maxItems) const;
@@ -75,13 +77,15 @@ class ItemCandidates {
   std::map<int, SeqConsequentDescriptor> best_;
 };
 
-// The items of the customer's last k item sets, unknown items included.
-std::vector<int> itemsOfLastSets(const Sequence& customer, int k);
+// Adds the items of the customer's item set i, unknown items included.
+void addItemsOfSet(const Sequence& customer, int i,
+                   std::unordered_set<int>& items);
 
 // Answers one prediction request. A customer that is null or without item
 // sets gets the most frequent single items. Otherwise `collect` gathers the
 // candidates and returns OK, or a status (cancellation) under which nothing
-// is appended. Running out of memory appends nothing and gives code kStatusFailure.
+// is appended. Running out of memory appends nothing and gives code
+// kStatusFailure.
 KvCommon_850::KvStatus answer(
     SequenceDictionary& dict, const Sequence* customer, int maxItems,
     std::vector<SeqConsequentDescriptor>& out,

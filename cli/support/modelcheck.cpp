@@ -1,0 +1,51 @@
+#include "support/modelcheck.h"
+
+#include <bitset>
+#include <cstdint>
+
+#include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/store/hashpairseq.h"
+
+namespace seqlattice_cli {
+
+namespace {
+
+using SEQUENCE_NAMESPACE_800::NTSequence;
+
+std::string problemOf(const NTSequence& key, int level) {
+  const int items = key.size();
+  const int sets = key.getNSets();
+  const std::string where = "a pattern of level " + std::to_string(level);
+  if (items != level) {
+    return where + " has " + std::to_string(items) + " items";
+  }
+  const auto word = static_cast<std::uint64_t>(key.getPattern());
+  const std::uint64_t itemBits =
+      items >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << items) - 1;
+  const auto boundaries =
+      static_cast<int>(std::bitset<64>(word & itemBits).count());
+  const bool lastClosed = items == 0 || (word & 1) != 0;
+  if (sets != boundaries || (word & ~itemBits) != 0 || !lastClosed) {
+    return where + " has " + std::to_string(sets) +
+           " item sets, which its items do not make";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string inconsistentPattern(
+    const SEQUENCE_NAMESPACE_800::SequenceDictionary& dictionary) {
+  for (int level = 0; level < dictionary.getNLevels(); ++level) {
+    const auto* table = dictionary.getLevel(level);
+    if (table == nullptr) continue;
+    for (const auto& entry : *table) {
+      if (entry.key == nullptr) return "a pattern record is missing";
+      std::string problem = problemOf(*entry.key, level);
+      if (!problem.empty()) return problem;
+    }
+  }
+  return "";
+}
+
+}  // namespace seqlattice_cli
