@@ -10,6 +10,7 @@
 #include "support/modelfile.h"
 #include "support/output.h"
 #include "support/parsedoption.h"
+#include "support/printable.h"
 #include "support/rulebounds.h"
 #include "support/ruletable.h"
 
@@ -47,7 +48,7 @@ void runRules(const RulesOptions& options) {
   ResultTable table =
       ruleTable(model, options.bounds, filters, options.top, &unknown);
   for (const std::string& label : unknown) {
-    std::cerr << "seqlattice: rules: item \"" << label
+    std::cerr << "seqlattice: rules: item \"" << printable(label)
               << "\" is not in the model\n";
   }
   table.write(std::cout, options.format);
