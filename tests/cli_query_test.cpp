@@ -43,21 +43,66 @@ class CliQueryTest : public test::CliTest {
   }
 };
 
+// The measures worked by hand: N = 5; jam by 2 customers, both buying it
+// again; pot by 3, cups by 2, both after a pot. (jam) => (jam): support 2/5,
+// confidence 1, cause 1, lift 1 / (2/5) = 2.5, leverage 0.4 - 0.4 * 0.4 =
+// 0.24, conviction infinite. (pot) => (cups): support 0.4, confidence 2/3,
+// cause 1, lift (2/3) / 0.4 = 5/3, leverage 0.4 - 0.6 * 0.4 = 0.16,
+// conviction (1 - 0.4) / (1 - 2/3) = 1.8.
 TEST_F(CliQueryTest, Rules) {
   EXPECT_EQ(output({"rules", "shop.model"}),
-            "rank  antecedent  consequent  support  confidence  cause\n"
-            "   1  (jam, red)  (jam, red)   0.4000      1.0000  1.0000\n"
-            "   2  (pot)       (cups)       0.4000      0.6667  1.0000\n");
+            "rank  antecedent  consequent  support  confidence  cause   "
+            "lift    leverage  conviction\n"
+            "   1  (jam, red)  (jam, red)   0.4000      1.0000  1.0000  "
+            "2.5000    0.2400         inf\n"
+            "   2  (pot)       (cups)       0.4000      0.6667  1.0000  "
+            "1.6667    0.1600      1.8000\n");
 }
 
 TEST_F(CliQueryTest, RulesSortedFilteredAndCut) {
   EXPECT_EQ(output({"rules", "shop.model", "--max-confidence", "0.9"}),
-            "rank  antecedent  consequent  support  confidence  cause\n"
-            "   1  (pot)       (cups)       0.4000      0.6667  1.0000\n");
+            "rank  antecedent  consequent  support  confidence  cause   "
+            "lift    leverage  conviction\n"
+            "   1  (pot)       (cups)       0.4000      0.6667  1.0000  "
+            "1.6667    0.1600      1.8000\n");
   EXPECT_EQ(output({"rules", "shop.model", "--sort", "cause", "--top", "1",
                     "--format", "csv"}),
-            "rank,antecedent,consequent,support,confidence,cause\n"
-            "1,\"(jam, red)\",\"(jam, red)\",0.4,1.0,1.0\n");
+            std::string(test::kRulesCsvHeader) +
+                "1,\"(jam, red)\",\"(jam, red)\",0.4,1.0,1.0,2.5,0.24,inf\n");
+}
+
+TEST_F(CliQueryTest, RulesByTheToolsMeasures) {
+  const std::string header = test::kRulesCsvHeader;
+  const std::string potCups =
+      "(pot),(cups),0.4,0.6666666666666666,1.0,1.6666666666666665,"
+      "0.16000000000000003,1.7999999999999998\n";
+  const std::string jamJam =
+      "\"(jam, red)\",\"(jam, red)\",0.4,1.0,1.0,2.5,"
+      "0.24,inf\n";
+  EXPECT_EQ(
+      output({"rules", "shop.model", "--sort", "lift", "--format", "csv"}),
+      header + "1," + jamJam + "2," + potCups);
+  EXPECT_EQ(
+      output({"rules", "shop.model", "--min-lift", "2", "--format", "csv"}),
+      header + "1," + jamJam);
+  EXPECT_EQ(output({"rules", "shop.model", "--consequent", "cups", "--format",
+                    "csv"}),
+            header + "1," + potCups);
+  EXPECT_EQ(output({"rules", "shop.model", "--antecedent-has", "pot",
+                    "--format", "csv"}),
+            header + "1," + potCups);
+  EXPECT_EQ(output({"rules", "shop.model", "--antecedent-has", "pot,tea",
+                    "--format", "csv"}),
+            header);
+}
+
+TEST_F(CliQueryTest, RulesFilterOnAnUnknownItemMatchesNothing) {
+  test::CliRun result =
+      run({"rules", "shop.model", "--consequent", "milk", "--format", "csv"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, test::kRulesCsvHeader);
+  EXPECT_EQ(result.err,
+            "seqlattice: rules: item \"milk\" is not in the model\n");
 }
 
 TEST_F(CliQueryTest, RulesAsJson) {
@@ -77,7 +122,10 @@ TEST_F(CliQueryTest, RulesAsJson) {
             "    ],\n"
             "    \"support\": 0.4,\n"
             "    \"confidence\": 1.0,\n"
-            "    \"cause\": 1.0\n"
+            "    \"cause\": 1.0,\n"
+            "    \"lift\": 2.5,\n"
+            "    \"leverage\": 0.24,\n"
+            "    \"conviction\": null\n"
             "  }\n"
             "]\n");
 }

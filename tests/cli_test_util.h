@@ -29,6 +29,11 @@ inline constexpr char kOrders[] =
     "c3,1,c\n"
     "c4,2,b\n";
 
+// The header line of "rules --format csv".
+inline constexpr char kRulesCsvHeader[] =
+    "rank,antecedent,consequent,support,confidence,cause,lift,leverage,"
+    "conviction\n";
+
 struct CliRun {
   int exitCode;
   std::string out;

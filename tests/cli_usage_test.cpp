@@ -117,8 +117,17 @@ TEST_F(CliUsageTest, BoundsAreFractions) {
   expectUsageError({"rules", "m", "--min-confidence", "2"},
                    "--min-confidence: Value 2 not in range 0.000000 to "
                    "1.000000");
-  expectUsageError({"rules", "m", "--sort", "lift"},
+  expectUsageError({"rules", "m", "--sort", "height"},
+                   "--sort: height not in {support,confidence,cause,lift,"
+                   "leverage,conviction}");
+  // The PMML document orders rules by the library's measures only.
+  expectUsageError({"export", "pmml", "m", "--sort", "lift"},
                    "--sort: lift not in {support,confidence,cause}");
+  expectUsageError({"rules", "m", "--consequent", "a;b"},
+                   "--consequent: one item set expected, items separated by "
+                   "','");
+  expectUsageError({"rules", "m", "--min-lift", "-1"},
+                   "--min-lift: expected a number of at least 0, not \"-1\"");
 }
 
 TEST_F(CliUsageTest, PredictNeedsOneSource) {

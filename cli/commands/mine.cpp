@@ -87,6 +87,10 @@ void runMine(const MineOptions& options) {
           .count();
 
   printLine("input", options.input + " (" + parameters.inputFormat + ")");
+  if (log.skipped.total() > 0) {
+    printLine("skipped rows", std::to_string(log.skipped.total()) + ": " +
+                                  log.skipped.summary());
+  }
   printLine("customers", std::to_string(parameters.customers));
   printLine("transactions", std::to_string(parameters.transactions));
   printLine("items", std::to_string(db.distinctItemCount()) + " distinct, " +

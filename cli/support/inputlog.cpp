@@ -1,6 +1,9 @@
 #include "support/inputlog.h"
 
+#include <iostream>
+
 #include "seqlattice/input/spmfreader.h"
+#include "seqlattice/input/timeparse.h"
 #include "seqlattice/mining/memorybudget.h"
 
 namespace seqlattice_cli {
@@ -59,6 +62,20 @@ void addInputOptions(CLI::App* command, InputOptions* options,
                         parseDelimiter, "C",
                         "CSV field delimiter: one character or \"tab\" "
                         "(default: tab for *.tsv, else ',')");
+  addParsedOption<std::string>(
+      command, "--time-format", &options->timeFormat,
+      [](const std::string& text, std::string* format) {
+        std::string problem = input::checkTimeFormat(text);
+        if (problem.empty()) *format = text;
+        return problem;
+      },
+      "FORMAT",
+      "CSV dates written another way: %Y %y %m %b %d %H %M %S and literal "
+      "characters, e.g. \"%m/%d/%Y %H:%M\" or \"%d-%m-%Y\"");
+  command->add_flag("--skip-invalid", options->skipInvalid,
+                    "Drop CSV rows with a blank customer or item, a bad time "
+                    "or a wrong column count, and report them, instead of "
+                    "stopping at the first");
 }
 
 std::string inputFormat(const std::string& path, const InputOptions& options) {
@@ -74,7 +91,7 @@ input::LabelledDatabase loadInput(
   if (inputFormat(path, options) == "spmf") {
     input::LabelledDatabase result;
     result.database.setMemoryLimit(memoryLimit);
-    input::readSpmfFile(path, result.database);
+    input::readSpmfFile(path, result.database, &result.items);
     for (std::size_t c = 0; c < result.database.customerCount(); ++c) {
       result.customers.push_back(std::to_string(c + 1));
     }
@@ -87,7 +104,15 @@ input::LabelledDatabase loadInput(
   csv.delimiter = delimiterFor(path, options);
   csv.memoryLimit = memoryLimit;
   csv.itemCode = itemCode;
-  return input::readCsvFile(path, csv);
+  csv.timeFormat = options.timeFormat.value;
+  csv.skipInvalid = options.skipInvalid;
+  input::LabelledDatabase result = input::readCsvFile(path, csv);
+  if (result.skipped.total() > 0) {
+    std::cerr << "seqlattice: " << path << ": skipped "
+              << result.skipped.total()
+              << " invalid rows: " << result.skipped.summary() << "\n";
+  }
+  return result;
 }
 
 }  // namespace seqlattice_cli

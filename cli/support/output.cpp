@@ -1,6 +1,7 @@
 #include "support/output.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -44,6 +45,12 @@ void addFormatOption(CLI::App* command, Format* format) {
 std::string cellText(const Json& cell, bool tableForm) {
   if (cell.is_string()) return cell.get<std::string>();
   if (cell.is_number_float()) {
+    // JSON has no infinity (dump() gives null); the text forms say "inf".
+    if (!std::isfinite(cell.get<double>())) {
+      return std::isnan(cell.get<double>()) ? "nan"
+             : cell.get<double>() > 0       ? "inf"
+                                            : "-inf";
+    }
     if (!tableForm) return cell.dump();
     char text[64];
     std::snprintf(text, sizeof text, "%.4f", cell.get<double>());

@@ -3,7 +3,8 @@
 // strings, integers, doubles, and item sequences (arrays of item sets, each an
 // array of labels). The text and CSV forms show a sequence as "(a, b) (c)";
 // the JSON form keeps the nested arrays. Doubles show 4 decimals in the text
-// table and their shortest exact form in CSV and JSON.
+// table and their shortest exact form in CSV and JSON; an infinite double
+// shows "inf" in the text table and CSV and null in JSON.
 #ifndef SEQLATTICE_CLI_SUPPORT_OUTPUT_H_
 #define SEQLATTICE_CLI_SUPPORT_OUTPUT_H_
 

@@ -2,7 +2,24 @@
 
 namespace seqlattice_cli {
 
-void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds) {
+std::vector<std::string> ruleSortNames(bool toolMeasures) {
+  std::vector<std::string> names = {"support", "confidence", "cause"};
+  if (toolMeasures)
+    names.insert(names.end(), {"lift", "leverage", "conviction"});
+  return names;
+}
+
+bool isToolMeasure(const std::string& name) {
+  return name == "lift" || name == "leverage" || name == "conviction";
+}
+
+void setRuleSort(RuleBounds* bounds, const std::string& name) {
+  bounds->sortName = name;
+  bounds->sortLetter = name == "support" ? 'S' : name == "cause" ? 'A' : 'C';
+}
+
+void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds,
+                         bool toolMeasures) {
   struct Bound {
     const char* name;
     double* value;
@@ -22,13 +39,12 @@ void addRuleBoundOptions(CLI::App* command, RuleBounds* bounds) {
   command
       ->add_option_function<std::string>(
           "--sort",
-          [bounds](const std::string& name) {
-            bounds->sortLetter = name == "support" ? 'S'
-                                 : name == "cause" ? 'A'
-                                                   : 'C';
-          },
-          "Order rules by support, confidence or cause (decreasing)")
-      ->check(CLI::IsMember({"support", "confidence", "cause"}))
+          [bounds](const std::string& name) { setRuleSort(bounds, name); },
+          toolMeasures ? "Order rules by support, confidence, cause, lift, "
+                         "leverage or conviction (decreasing)"
+                       : "Order rules by support, confidence or cause "
+                         "(decreasing)")
+      ->check(CLI::IsMember(ruleSortNames(toolMeasures)))
       ->default_str("confidence");
   command->add_flag("--maximal", bounds->maximal,
                     "Only rules of patterns that no longer pattern extends");

@@ -14,9 +14,12 @@ from . import _frame, _seqlattice
 PathLike = Union[str, "os.PathLike[str]"]
 Data = Union[pd.DataFrame, PathLike]
 History = Union[str, Sequence[Sequence[Any]]]
+ItemSet = Union[str, Sequence[Any]]
 
 _BOUNDS = ("min_support", "max_support", "min_confidence", "max_confidence",
            "min_cause", "max_cause")
+# The measures the library orders rules by; the PMML document knows no other.
+_LIBRARY_SORTS = ("support", "confidence", "cause")
 
 
 def _set_options(target: Any, options: dict, function: str) -> None:
@@ -90,6 +93,31 @@ def _rule_bounds(sort: str, maximal: bool,
     return result
 
 
+def _rule_filters(min_lift: float, antecedent_has: Optional[ItemSet],
+                  consequent: Optional[ItemSet]) -> _seqlattice.RuleFilters:
+    result = _seqlattice.RuleFilters()
+    min_lift = float(min_lift)
+    if not min_lift >= 0.0:
+        raise ValueError(f"min_lift: {min_lift} is not at least 0")
+    result.min_lift = min_lift
+    result.antecedent_has = _item_set("antecedent_has", antecedent_has)
+    result.consequent = _item_set("consequent", consequent)
+    return result
+
+
+def _item_set(name: str, items: Optional[ItemSet]) -> Optional[list[str]]:
+    """One item set: the tool's syntax "a,b" or a list of labels."""
+    if items is None:
+        return None
+    if not isinstance(items, str):
+        return [str(label) for label in items]
+    sets = _seqlattice.parse_item_sequence(items)
+    if len(sets) > 1:
+        raise ValueError(f"{name}: one item set expected, items separated "
+                         "by ','")
+    return [label for item_set in sets for label in item_set]
+
+
 def _history_sets(history: History) -> list[list[str]]:
     if isinstance(history, str):
         return _seqlattice.parse_item_sequence(history)
@@ -126,24 +154,36 @@ class Model:
         self._core = core
 
     def rules(self, *, sort: str = "confidence", top: Optional[int] = None,
-              maximal: bool = False, **bounds: float) -> pd.DataFrame:
+              maximal: bool = False, min_lift: float = 0.0,
+              antecedent_has: Optional[ItemSet] = None,
+              consequent: Optional[ItemSet] = None,
+              **bounds: float) -> pd.DataFrame:
         """The sequential association rules, as ``seqlattice rules`` lists
         them.
 
         A rule reads "customers who bought the antecedent's item sets, in
         order, then buy the consequent". Bounds, fractions within [0, 1]
         and inclusive: ``min_support``, ``max_support``, ``min_confidence``,
-        ``max_confidence``, ``min_cause``, ``max_cause``. ``sort`` is
-        "confidence", "support" or "cause" (decreasing); ``top`` keeps the
+        ``max_confidence``, ``min_cause``, ``max_cause``; ``min_lift`` the
+        least lift (>= 0). ``sort`` is "confidence", "support", "cause",
+        "lift", "leverage" or "conviction" (decreasing); ``top`` keeps the
         first rules; ``maximal`` takes only rules of patterns that no longer
-        pattern extends.
+        pattern extends. ``antecedent_has`` keeps the rules whose antecedent
+        holds all these items (in any of its item sets), ``consequent``
+        those whose consequent is exactly this item set: each "a,b" or a
+        list of labels. Items of a filter the model does not know are
+        warned about (such a filter matches nothing).
 
         Returns columns rank, antecedent, consequent (tuples of item sets,
-        each a tuple of labels), support, confidence and cause.
+        each a tuple of labels), support, confidence, cause, lift, leverage
+        and conviction (``inf`` for a rule that never fails).
         """
         top = 0 if top is None else _check_range("top", top, 0, 2**31 - 1)
-        return _frame_of(
-            self._core.rules(_rule_bounds(sort, maximal, bounds), top))
+        columns, unknown = self._core.rules(
+            _rule_bounds(sort, maximal, bounds),
+            _rule_filters(min_lift, antecedent_has, consequent), top)
+        _warn_unknown("rules", unknown)
+        return _frame_of(columns)
 
     def patterns(self, *, contains: Optional[History] = None,
                  beginning: Optional[History] = None,
@@ -295,7 +335,11 @@ class Model:
     def to_pmml(self, path: PathLike, *, sort: str = "confidence",
                 maximal: bool = False, **bounds: float) -> None:
         """Writes the PMML 3.2 sequence model of the rules within bounds
-        (those of :meth:`rules`), as ``seqlattice export pmml``."""
+        (those of :meth:`rules`), as ``seqlattice export pmml``; ``sort``
+        is "confidence", "support" or "cause"."""
+        if sort not in _LIBRARY_SORTS:
+            raise ValueError('sort: expected "support", "confidence" or '
+                             f'"cause", not "{sort}"')
         self._core.to_pmml(os.fspath(path),
                            _rule_bounds(sort, maximal, bounds))
 

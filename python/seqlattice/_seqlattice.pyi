@@ -52,6 +52,11 @@ class RuleBounds:
     maximal: bool
     sort: str
 
+class RuleFilters:
+    min_lift: float
+    antecedent_has: list[str] | None
+    consequent: list[str] | None
+
 class PatternQueryKind:
     all: PatternQueryKind
     contains: PatternQueryKind
@@ -82,7 +87,8 @@ class Model:
     @staticmethod
     def load(path: str) -> Model: ...
     def save(self, path: str, xml: bool) -> None: ...
-    def rules(self, bounds: RuleBounds, top: int) -> Columns: ...
+    def rules(self, bounds: RuleBounds, filters: RuleFilters,
+              top: int) -> tuple[Columns, list[str]]: ...
     def patterns(self, query: PatternQuery) -> tuple[Columns, list[str]]: ...
     def predict_history(self, history: list[list[str]],
                         settings: PredictSettings

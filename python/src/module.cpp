@@ -13,6 +13,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -382,23 +383,23 @@ void bindSettings(py::module_& m) {
       .def_readwrite("max_cause", &cli::RuleBounds::maxCause)
       .def_readwrite("maximal", &cli::RuleBounds::maximal)
       .def_property(
-          "sort",
-          [](const cli::RuleBounds& b) {
-            return b.sortLetter == 'S'   ? "support"
-                   : b.sortLetter == 'A' ? "cause"
-                                         : "confidence";
-          },
+          "sort", [](const cli::RuleBounds& b) { return b.sortName; },
           [](cli::RuleBounds& b, const std::string& name) {
-            if (name != "support" && name != "confidence" && name != "cause") {
+            std::vector<std::string> names = cli::ruleSortNames(true);
+            if (std::find(names.begin(), names.end(), name) == names.end()) {
               throw py::value_error(
-                  "sort: expected \"support\", \"confidence\" or \"cause\", "
-                  "not \"" +
+                  "sort: expected \"support\", \"confidence\", \"cause\", "
+                  "\"lift\", \"leverage\" or \"conviction\", not \"" +
                   name + "\"");
             }
-            b.sortLetter = name == "support" ? 'S'
-                           : name == "cause" ? 'A'
-                                             : 'C';
+            cli::setRuleSort(&b, name);
           });
+
+  py::class_<cli::RuleFilters>(m, "RuleFilters")
+      .def(py::init<>())
+      .def_readwrite("min_lift", &cli::RuleFilters::minLift)
+      .def_readwrite("antecedent_has", &cli::RuleFilters::antecedentHas)
+      .def_readwrite("consequent", &cli::RuleFilters::consequent);
 
   using Kind = cli::PatternQuery::Kind;
   py::enum_<Kind>(m, "PatternQueryKind")
@@ -430,10 +431,14 @@ void bindModel(py::module_& m) {
              });
            })
       .def("rules",
-           [](PyModel& self, const cli::RuleBounds& bounds, int top) {
-             return resultColumns(unlocked(&self, [&] {
-               return cli::ruleTable(self.model, bounds, top);
-             }));
+           [](PyModel& self, const cli::RuleBounds& bounds,
+              const cli::RuleFilters& filters, int top) {
+             std::vector<std::string> unknown;
+             cli::ResultTable table = unlocked(&self, [&] {
+               return cli::ruleTable(self.model, bounds, filters, top,
+                                     &unknown);
+             });
+             return withUnknown(table, unknown);
            })
       .def("patterns",
            [](PyModel& self, const cli::PatternQuery& query) {

@@ -8,6 +8,7 @@ build/release of the repository.
 from __future__ import annotations
 
 import json
+import math
 import os
 import pathlib
 import subprocess
@@ -73,10 +74,13 @@ def shared_data() -> pathlib.Path:
 
 def records(frame: pd.DataFrame) -> list[dict]:
     """A result DataFrame as the tool's JSON rows: item sequences as nested
-    lists, numbers as Python numbers."""
+    lists, numbers as Python numbers, an infinite number (a rule's
+    conviction) as the JSON's null."""
     def plain(value):
         if isinstance(value, tuple):
             return [plain(v) for v in value]
-        return value.item() if hasattr(value, "item") else value
+        value = value.item() if hasattr(value, "item") else value
+        return None if isinstance(value, float) and math.isinf(value) \
+            else value
     return [{column: plain(value) for column, value in row.items()}
             for row in frame.to_dict(orient="records")]

@@ -89,9 +89,22 @@ def test_bad_arguments():
                                          r"\[0, 1\]$"):
         model.rules(min_cause=2)
     with pytest.raises(ValueError, match='^sort: expected "support", '
+                                         '"confidence", "cause", "lift", '
+                                         '"leverage" or "conviction", not '
+                                         '"height"$'):
+        model.rules(sort="height")
+    # The PMML document orders rules by the library's measures only.
+    with pytest.raises(ValueError, match='^sort: expected "support", '
                                          '"confidence" or "cause", not '
                                          '"lift"$'):
-        model.rules(sort="lift")
+        model.to_pmml("x.pmml", sort="lift")
+    with pytest.raises(ValueError, match="^min_lift: -1.0 is not at least "
+                                         "0$"):
+        model.rules(min_lift=-1)
+    with pytest.raises(ValueError, match="^consequent: one item set "
+                                         "expected, items separated by "
+                                         "','$"):
+        model.rules(consequent="a;b")
     with pytest.raises(ValueError) as raised:
         model.predict("a,,b")
     assert str(raised.value) == '"a,,b": empty item (write item sets as ' \

@@ -60,6 +60,14 @@ def test_mining_the_frame_finds_the_tools_patterns(tool, sample_model,
      {"sort": "support", "maximal": True, "min_confidence": 0.3}),
     ("rules", ("--sort", "cause", "--max-support", "0.1"),
      {"sort": "cause", "max_support": 0.1}),
+    ("rules", ("--sort", "lift", "--min-lift", "1.5", "--top", "20"),
+     {"sort": "lift", "min_lift": 1.5, "top": 20}),
+    ("rules", ("--sort", "conviction", "--consequent", "gooseneck kettle"),
+     {"sort": "conviction", "consequent": ["gooseneck kettle"]}),
+    ("rules", ("--sort", "leverage", "--antecedent-has",
+               "paper filters,pour-over dripper"),
+     {"sort": "leverage",
+      "antecedent_has": "paper filters,pour-over dripper"}),
     ("patterns", (), {}),
     ("patterns", ("--size", "2", "--min-count", "40"),
      {"size": 2, "min_count": 40}),
@@ -76,6 +84,51 @@ def test_rules_and_patterns_equal_the_tools(tool, sample_model, command,
     expected = tool.json(command, sample_model, *args)
     assert len(expected) > 0
     assert records(getattr(model, command)(**kwargs)) == expected
+
+
+def test_rule_measures_equal_the_tools(tool, sample_model):
+    model = seqlattice.load(sample_model)
+    frame = model.rules()
+    expected = tool.json("rules", sample_model)
+    assert len(frame) == len(expected) > 0
+    measures = ("lift", "leverage", "conviction")
+    for row, tool_row in zip(records(frame[list(measures)]), expected):
+        assert row == {name: tool_row[name] for name in measures}
+
+
+def test_a_rule_that_never_fails_has_infinite_conviction(tool, tmp_path):
+    # N = 4; jam bought twice by ann and bob, so (jam) => (jam) never fails:
+    # lift 1 / (2/4) = 2, leverage 0.5 - 0.5 * 0.5 = 0.25.
+    frame = pd.DataFrame({
+        "customer": ["ann", "ann", "ann", "bob", "bob", "bob", "cid", "dan"],
+        "time": [1, 2, 3, 1, 2, 3, 1, 1],
+        "item": ["jam", "pot", "jam", "jam", "pot", "jam", "pot", "tea"],
+    })
+    frame.to_csv(tmp_path / "jam.csv", index=False)
+    tool.run("mine", tmp_path / "jam.csv", "-o", tmp_path / "jam.model",
+             "--min-support", "2")
+    rules = seqlattice.mine(frame, min_support=2).rules()
+    certain = rules[rules["antecedent"] == (("jam",),)]
+    certain = certain[certain["consequent"] == (("jam",),)]
+    assert certain[["lift", "leverage", "conviction"]].values.tolist() == [
+        [2.0, 0.25, float("inf")]]
+    # The tool's JSON has no infinity: the same rule shows null there.
+    assert records(rules) == tool.json("rules", tmp_path / "jam.model")
+
+
+def test_an_unknown_filter_item_warns_as_the_tool(tool, sample_model):
+    model = seqlattice.load(sample_model)
+    done = tool.run("rules", sample_model, "--consequent", "teapot from mars")
+    assert done.stderr == ('seqlattice: rules: item "teapot from mars" is '
+                           "not in the model\n")
+    with pytest.warns(UserWarning,
+                      match='rules: item "teapot from mars" is not in the '
+                            "model"):
+        result = model.rules(consequent="teapot from mars")
+    assert len(result) == 0
+    assert list(result.columns) == [
+        "rank", "antecedent", "consequent", "support", "confidence", "cause",
+        "lift", "leverage", "conviction"]
 
 
 @pytest.mark.parametrize("args, kwargs", [

@@ -26,6 +26,7 @@
 #include "seqlattice/input/csvrecords.h"
 #include "seqlattice/input/inputerror.h"
 #include "seqlattice/input/itemlabels.h"
+#include "seqlattice/input/skippedrows.h"
 #include "seqlattice/input/spmfreader.h"
 #include "seqlattice/input/timeparse.h"
 

@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "seqlattice/input/itemlabels.h"
+#include "seqlattice/input/skippedrows.h"
 #include "seqlattice/mining/sequencedatabase.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -34,6 +35,9 @@ struct LabelledDatabase {
   mining::SequenceDatabase database;
   std::vector<std::string> customers;  // label of customer c of database
   ItemLabels items;
+  // The rows a forgiving reader dropped (none for columns, which have no bad
+  // rows to forgive: they throw).
+  SkippedRows skipped;
 };
 
 // Three columns of `rows` entries each, and the labels the indexes name.

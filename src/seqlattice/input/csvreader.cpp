@@ -95,39 +95,70 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
   std::vector<double> timeColumn;
   long firstTimeLine = 0;
   bool datesInFile = false;
+  const std::string& timeFormat = options.timeFormat;
+  if (!timeFormat.empty()) {
+    std::string problem = checkTimeFormat(timeFormat);
+    if (!problem.empty()) {
+      fail(fileName, 0, "time format " + quoted(timeFormat) + ": " + problem);
+    }
+  }
+  SkippedRows skipped;
+  // A bad row is dropped under skipInvalid (counted by reason), else fatal.
+  auto reject = [&](long line, const char* reason, const std::string& problem) {
+    if (!options.skipInvalid) fail(fileName, line, problem);
+    skipped.add(reason, line);
+  };
   while (records.next(fields)) {
     const long line = records.line();
     if (fields.size() != columns) {
-      fail(fileName, line,
-           "expected " + std::to_string(columns) + " columns, found " +
-               std::to_string(fields.size()));
+      reject(line, "wrong column count",
+             "expected " + std::to_string(columns) + " columns, found " +
+                 std::to_string(fields.size()));
+      continue;
     }
     const std::string& customer = fields[customerAt];
     const std::string& item = fields[itemAt];
     const std::string& timeText = fields[timeAt];
-    if (customer.empty()) fail(fileName, line, "empty customer");
-    if (item.empty()) fail(fileName, line, "empty item");
-    std::optional<TransactionTime> time = parseTransactionTime(timeText);
+    if (customer.empty()) {
+      reject(line, "blank customer", "empty customer");
+      continue;
+    }
+    if (item.empty()) {
+      reject(line, "blank item", "empty item");
+      continue;
+    }
+    std::optional<TransactionTime> time =
+        timeFormat.empty() ? parseTransactionTime(timeText)
+                           : parseFormattedTime(timeText, timeFormat);
     if (!time) {
-      fail(fileName, line,
-           "bad time " + quoted(timeText) +
-               ": expected a number or an ISO-8601 date");
+      reject(line, "bad time",
+             "bad time " + quoted(timeText) +
+                 (timeFormat.empty()
+                      ? ": expected a number or an ISO-8601 date"
+                      : ": does not match the format " + quoted(timeFormat)));
+      continue;
     }
     if (firstTimeLine == 0) {
       firstTimeLine = line;
       datesInFile = time->isDate;
     } else if (time->isDate != datesInFile) {
-      fail(fileName, line,
-           "time " + quoted(timeText) + " is " +
-               (time->isDate ? "a date" : "a number") + " but line " +
-               std::to_string(firstTimeLine) + " has " +
-               (datesInFile ? "a date" : "a number"));
+      reject(line, "bad time",
+             "time " + quoted(timeText) + " is " +
+                 (time->isDate ? "a date" : "a number") + " but line " +
+                 std::to_string(firstTimeLine) + " has " +
+                 (datesInFile ? "a date" : "a number"));
+      continue;
     }
     customerColumn.push_back(customers.indexOf(customer));
     itemColumn.push_back(labels.indexOf(item));
     timeColumn.push_back(time->value);
   }
-  if (timeColumn.empty()) fail(fileName, 0, "no data rows after the header");
+  if (timeColumn.empty()) {
+    fail(fileName, 0,
+         skipped.total() > 0
+             ? "no valid data rows (skipped " + skipped.summary() + ")"
+             : std::string("no data rows after the header"));
+  }
 
   LogColumns log;
   log.rows = timeColumn.size();
@@ -136,8 +167,10 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
   log.item = itemColumn.data();
   log.customerLabels = std::move(customers.texts());
   log.itemLabels = std::move(labels.texts());
-  return readColumns(std::move(log),
-                     ColumnOptions{options.memoryLimit, options.itemCode});
+  LabelledDatabase result = readColumns(
+      std::move(log), ColumnOptions{options.memoryLimit, options.itemCode});
+  result.skipped = std::move(skipped);
+  return result;
 }
 
 LabelledDatabase readCsvFile(const std::string& path,

@@ -10,9 +10,11 @@
 // assigns them. The record syntax is CsvRecords'.
 //
 // Bad input throws InputError naming the file, the line and the problem, as
-// in "orders.csv:17: expected 3 columns, found 2". A database that outgrows
-// CsvOptions::memoryLimit throws the database's mining::MiningError. The
-// grouping of the rows is columnreader.h's.
+// in "orders.csv:17: expected 3 columns, found 2". With
+// CsvOptions::skipInvalid a bad data row is dropped instead and counted in
+// LabelledDatabase::skipped (a bad header still throws). A database that
+// outgrows CsvOptions::memoryLimit throws the database's mining::MiningError.
+// The grouping of the rows is columnreader.h's.
 #ifndef SEQLATTICE_INPUT_CSVREADER_H_
 #define SEQLATTICE_INPUT_CSVREADER_H_
 
@@ -20,7 +22,6 @@
 #include <functional>
 #include <istream>
 #include <string>
-#include <vector>
 
 #include "seqlattice/input/columnreader.h"
 
@@ -37,6 +38,12 @@ struct CsvOptions {
   // assign (to read new data with a model's codes); the result's items are
   // then left empty.
   std::function<int(const std::string&)> itemCode;
+  // When not empty, times are dates in this format (parseFormattedTime)
+  // rather than numbers or ISO-8601 dates.
+  std::string timeFormat;
+  // Drop bad data rows (wrong column count, blank customer or item, a time
+  // that does not parse or is of the other kind) instead of throwing.
+  bool skipInvalid = false;
 };
 
 // fileName labels the messages only.

@@ -1,7 +1,9 @@
 #include "seqlattice/input/timeparse.h"
 
+#include <cctype>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -120,6 +122,47 @@ std::optional<double> parseDate(std::string_view text) {
   return seconds + hour * 3600.0 + minute * 60.0 + second + fraction - *zone;
 }
 
+// Reads 1 to maxWidth digits at text[*at]; advances *at on success.
+bool readUpTo(std::string_view text, size_t* at, size_t maxWidth, int* value) {
+  size_t width = 0;
+  while (width < maxWidth && *at + width < text.size() &&
+         text[*at + width] >= '0' && text[*at + width] <= '9') {
+    ++width;
+  }
+  return width > 0 && readDigits(text, at, width, value);
+}
+
+// Reads an English month abbreviation ("Jan" ... "Dec", any case).
+bool readMonthName(std::string_view text, size_t* at, int* month) {
+  static const char kNames[] = "janfebmaraprmayjunjulaugsepoctnovdec";
+  if (*at + 3 > text.size()) return false;
+  std::string name(text.substr(*at, 3));
+  for (char& c : name) {
+    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  for (int m = 0; m < 12; ++m) {
+    if (name.compare(0, 3, kNames + 3 * m, 3) == 0) {
+      *at += 3;
+      *month = m + 1;
+      return true;
+    }
+  }
+  return false;
+}
+
+// The fields of a formatted time, in the order of the directives "YmdHMS".
+constexpr char kFieldLetters[] = "YmdHMS";
+
+// Which field a directive letter sets (%y the year, %b the month), or -1.
+int fieldOf(char letter) {
+  if (letter == 'y') return 0;
+  if (letter == 'b') return 1;
+  const char* found = std::strchr(kFieldLetters, letter);
+  return found != nullptr && letter != '\0'
+             ? static_cast<int>(found - kFieldLetters)
+             : -1;
+}
+
 }  // namespace
 
 std::optional<TransactionTime> parseTransactionTime(std::string_view text) {
@@ -130,6 +173,64 @@ std::optional<TransactionTime> parseTransactionTime(std::string_view text) {
     return TransactionTime{*number, false};
   }
   return std::nullopt;
+}
+
+std::string checkTimeFormat(std::string_view format) {
+  bool seen[6] = {false, false, false, false, false, false};
+  for (size_t at = 0; at < format.size(); ++at) {
+    if (format[at] != '%') continue;
+    if (++at == format.size()) return "the format ends in a lone '%'";
+    if (format[at] == '%') continue;
+    int field = fieldOf(format[at]);
+    if (field < 0) {
+      return std::string("unknown directive %") + format[at] +
+             " (known: %Y %y %m %b %d %H %M %S %%)";
+    }
+    if (seen[field]) {
+      return std::string("the format gives the ") +
+             (field == 0   ? "year"
+              : field == 1 ? "month"
+                           : "field %") +
+             (field > 1 ? std::string(1, kFieldLetters[field]) : "") + " twice";
+    }
+    seen[field] = true;
+  }
+  if (!seen[0] && !seen[1] && !seen[2]) {
+    return "the format has no date field (%Y, %y, %m, %b or %d)";
+  }
+  return "";
+}
+
+std::optional<TransactionTime> parseFormattedTime(std::string_view text,
+                                                  std::string_view format) {
+  int value[6] = {1970, 1, 1, 0, 0, 0};
+  size_t at = 0;
+  for (size_t f = 0; f < format.size(); ++f) {
+    char c = format[f];
+    if (c == '%' && f + 1 < format.size() && format[f + 1] != '%') {
+      char letter = format[++f];
+      bool ok = letter == 'b'   ? readMonthName(text, &at, &value[1])
+                : letter == 'y' ? readDigits(text, &at, 2, &value[0])
+                : letter == 'Y'
+                    ? readUpTo(text, &at, 4, &value[0])
+                    : readUpTo(text, &at, 2, &value[fieldOf(letter)]);
+      if (!ok) return std::nullopt;
+      if (letter == 'y') value[0] += value[0] < 69 ? 2000 : 1900;
+      continue;
+    }
+    if (c == '%') ++f;  // "%%" stands for one '%'
+    if (at >= text.size() || text[at] != c) return std::nullopt;
+    ++at;
+  }
+  const int year = value[0], month = value[1], day = value[2];
+  if (at != text.size() || month < 1 || month > 12 || day < 1 ||
+      day > daysInMonth(year, month) || value[3] > 23 || value[4] > 59 ||
+      value[5] > 60) {
+    return std::nullopt;
+  }
+  return TransactionTime{daysFromCivil(year, month, day) * 86400.0 +
+                             value[3] * 3600.0 + value[4] * 60.0 + value[5],
+                         true};
 }
 
 }  // namespace input

@@ -8,6 +8,7 @@
 #define SEQLATTICE_INPUT_TIMEPARSE_H_
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -24,6 +25,23 @@ struct TransactionTime {
 // without a zone the time is taken as UTC. Returns nothing for anything else,
 // including impossible dates such as 2023-02-29.
 std::optional<TransactionTime> parseTransactionTime(std::string_view text);
+
+// Dates written another way, described by a strftime-style format: %Y the
+// year (1 to 4 digits), %y a two-digit year (69-99 are 1969-1999, 00-68 are
+// 2000-2068), %m the month, %d the day, %H the hour, %M the minute, %S the
+// second (1 or 2 digits each), %b the month's English three-letter
+// abbreviation in any case, %% a '%'; every other character stands for
+// itself. Fields the format leaves out are January, the 1st, 00:00:00.
+// Times are UTC seconds since the epoch, as for ISO dates.
+//
+// checkTimeFormat returns "" or what is wrong with the format (an unknown
+// directive, a field given twice, no date field at all).
+std::string checkTimeFormat(std::string_view format);
+
+// The time of text in a format that checkTimeFormat accepts; nothing when
+// text does not match it completely or names an impossible date.
+std::optional<TransactionTime> parseFormattedTime(std::string_view text,
+                                                  std::string_view format);
 
 }  // namespace input
 }  // namespace SEQUENCE_NAMESPACE_800
