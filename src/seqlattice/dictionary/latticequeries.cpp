@@ -13,8 +13,8 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
-using KvCommon_850::KvStatus;
 using KvCommon_850::kStatusFailure;
+using KvCommon_850::KvStatus;
 
 namespace {
 

@@ -19,9 +19,9 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
-using KvCommon_850::KvStatus;
 using KvCommon_850::kStatusCancelled;
 using KvCommon_850::kStatusFailure;
+using KvCommon_850::KvStatus;
 
 namespace {
 

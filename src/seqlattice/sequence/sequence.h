@@ -9,9 +9,10 @@
 // Deliberate quirks kept for compatibility with saved models and hosts:
 //  - assignment appends the other's sets after the ones held (no clear);
 //  - operator[] and GetTimeOfTimedItemSet only reject an index greater than
-//    the length, by throwing KvCommon_850::KvStatus with code kStatusIndexError (60001). An index
-//    equal to the length, or a negative one, is let through; here it yields a
-//    null pointer or a NaN time rather than reading outside the array.
+//    the length, by throwing KvCommon_850::KvStatus with code kStatusIndexError
+//    (60001). An index equal to the length, or a negative one, is let through;
+//    here it yields a null pointer or a NaN time rather than reading outside
+//    the array.
 // Display writes to std::cout, not to a stream argument.
 //
 // Not safe for concurrent use.
@@ -42,11 +43,12 @@ class Sequence {
   // Total number of items over all item sets.
   int Size() const;
 
-  // The item set at index i; throws KvStatus(kStatusIndexError) carrying i and Length()
-  // as discrete data when i > Length(). Null when i == Length() or i < 0.
+  // The item set at index i; throws KvStatus(kStatusIndexError) carrying i and
+  // Length() as discrete data when i > Length(). Null when i == Length() or i <
+  // 0.
   const TimedItemSet* operator[](int i) const;
-  // The time of the item set at index i; throws KvStatus(kStatusIndexError) carrying i
-  // when i > Length(). NaN when i == Length() or i < 0.
+  // The time of the item set at index i; throws KvStatus(kStatusIndexError)
+  // carrying i when i > Length(). NaN when i == Length() or i < 0.
   double GetTimeOfTimedItemSet(int i) const;
 
   // Deletes all item sets.

@@ -8,8 +8,8 @@
 namespace SEQUENCE_NAMESPACE_800 {
 namespace internal {
 
-using KvCommon_850::KvStatus;
 using KvCommon_850::kStatusFailure;
+using KvCommon_850::KvStatus;
 using KvXML_850::XMLElement;
 namespace Tags = SeqXMLTags;
 
