@@ -37,6 +37,12 @@ std::string parseDelimiter(const std::string& text, char* delimiter) {
   return "";
 }
 
+std::string parseTimeFormat(const std::string& text, std::string* format) {
+  std::string problem = input::checkTimeFormat(text);
+  if (problem.empty()) *format = text;
+  return problem;
+}
+
 void addInputOptions(CLI::App* command, InputOptions* options,
                      const std::string& formatOption,
                      const std::string& columnSuffix) {
@@ -63,13 +69,7 @@ void addInputOptions(CLI::App* command, InputOptions* options,
                         "CSV field delimiter: one character or \"tab\" "
                         "(default: tab for *.tsv, else ',')");
   addParsedOption<std::string>(
-      command, "--time-format", &options->timeFormat,
-      [](const std::string& text, std::string* format) {
-        std::string problem = input::checkTimeFormat(text);
-        if (problem.empty()) *format = text;
-        return problem;
-      },
-      "FORMAT",
+      command, "--time-format", &options->timeFormat, parseTimeFormat, "FORMAT",
       "CSV dates written another way: %Y %y %m %b %d %H %M %S and literal "
       "characters, e.g. \"%m/%d/%Y %H:%M\" or \"%d-%m-%Y\"");
   command->add_flag("--skip-invalid", options->skipInvalid,

@@ -34,6 +34,9 @@ struct InputOptions {
 // a line break, or "tab". Returns "" or what is wrong.
 std::string parseDelimiter(const std::string& text, char* delimiter);
 
+// A --time-format value: "" or what is wrong with it (input::checkTimeFormat).
+std::string parseTimeFormat(const std::string& text, std::string* format);
+
 // Adds the format option (named formatOption: "--format" for mine,
 // "--input-format" for predict), the column options --customer, --time and
 // --item, each name followed by columnSuffix (predict, whose --customer

@@ -34,7 +34,9 @@ def _set_options(target: Any, options: dict, function: str) -> None:
 
 
 def _input_options(customer: str, time: str, item: str, format: str,
-                   delimiter: Optional[str]) -> _seqlattice.InputOptions:
+                   delimiter: Optional[str], skip_invalid: bool = False,
+                   time_format: Optional[str] = None
+                   ) -> _seqlattice.InputOptions:
     if format not in ("auto", "csv", "spmf"):
         raise ValueError(
             f'format: expected "auto", "csv" or "spmf", not "{format}"')
@@ -43,6 +45,9 @@ def _input_options(customer: str, time: str, item: str, format: str,
     options.customer, options.time, options.item = customer, time, item
     if delimiter is not None:
         options.delimiter = delimiter
+    options.skip_invalid = skip_invalid
+    if time_format is not None:
+        options.time_format = time_format
     return options
 
 
@@ -371,7 +376,8 @@ def _mine(data: Data, customer: str, time: str, item: str,
           max_patterns: Optional[int], max_items: int,
           threads: Optional[int], format: str, delimiter: Optional[str],
           options: dict, function: str, pattern_file: str = "",
-          pattern_format: str = "auto"):
+          pattern_format: str = "auto", skip_invalid: bool = False,
+          time_format: Optional[str] = None):
     """The extension's model and the miner's summary."""
     settings = _seqlattice.MineSettings()
     if min_support is not None:
@@ -384,6 +390,11 @@ def _mine(data: Data, customer: str, time: str, item: str,
         "threads", threads, 0, 4096)
     _set_options(settings, options, function)
     if isinstance(data, pd.DataFrame):
+        if skip_invalid or time_format is not None:
+            raise ValueError(
+                f"{function}: skip_invalid and time_format read text files; "
+                "convert a DataFrame's columns with pandas instead (e.g. "
+                "pd.to_datetime(column, format=...), dropna)")
         log = _frame.log_columns(data, customer, time, item)
         return _seqlattice.Model.mine_columns(
             log.customer, log.time, log.item, len(log.customers),
@@ -391,7 +402,7 @@ def _mine(data: Data, customer: str, time: str, item: str,
             pattern_format)
     if isinstance(data, (str, os.PathLike)):
         input_options = _input_options(customer, time, item, format,
-                                       delimiter)
+                                       delimiter, skip_invalid, time_format)
         return _seqlattice.Model.mine_file(os.fspath(data), input_options,
                                            settings, pattern_file,
                                            pattern_format)
@@ -404,6 +415,7 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
          max_patterns: Optional[int] = None, max_items: int = 4,
          threads: Optional[int] = None,
          format: str = "auto", delimiter: Optional[str] = None,
+         skip_invalid: bool = False, time_format: Optional[str] = None,
          **options: Any) -> Model:
     """Mines every frequent sequential pattern of a customer log into a
     model, as ``seqlattice mine`` does (the same code path, so the same
@@ -414,7 +426,10 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
     items of any dtype, categoricals included; times numbers, datetimes,
     timedeltas or ISO-8601 texts), or the path of a CSV/TSV file with a
     header or of an SPMF file (``format`` "auto", "csv" or "spmf";
-    ``delimiter`` one character or "tab").
+    ``delimiter`` one character or "tab"). For a file, ``skip_invalid``
+    drops bad rows instead of stopping, reporting them on standard error as
+    ``mine --skip-invalid`` does, and ``time_format`` reads dates written
+    another way (``"%m/%d/%Y %H:%M"``), as ``mine --time-format`` does.
 
     ``min_support`` is a fraction of the customers (a float, 0 < F <= 1) or
     a count of customers (an int >= 1); None: the lowest support of at most
@@ -429,7 +444,8 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
     line) of bad input, MiningError when the model would not fit in memory.
     """
     core, _ = _mine(data, customer, time, item, min_support, max_patterns,
-                    max_items, threads, format, delimiter, options, "mine")
+                    max_items, threads, format, delimiter, options, "mine",
+                    skip_invalid=skip_invalid, time_format=time_format)
     return Model(core)
 
 
@@ -439,6 +455,8 @@ def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
                   max_patterns: Optional[int] = None, max_items: int = 4,
                   threads: Optional[int] = None,
                   format: str = "auto", delimiter: Optional[str] = None,
+                  skip_invalid: bool = False,
+                  time_format: Optional[str] = None,
                   **options: Any) -> dict[str, Any]:
     """Mines the frequent patterns of a log, as :func:`mine` does, straight
     into a pattern file instead of a model, as ``seqlattice mine
@@ -457,19 +475,23 @@ def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
         raise ValueError("path: expected a file name")
     _, summary = _mine(data, customer, time, item, min_support, max_patterns,
                        max_items, threads, format, delimiter, options,
-                       "mine_patterns", path, patterns_format)
+                       "mine_patterns", path, patterns_format,
+                       skip_invalid=skip_invalid, time_format=time_format)
     return summary
 
 
 def read_log(path: PathLike, *, customer: str = "customer",
              time: str = "time", item: str = "item", format: str = "auto",
-             delimiter: Optional[str] = None) -> pd.DataFrame:
+             delimiter: Optional[str] = None, skip_invalid: bool = False,
+             time_format: Optional[str] = None) -> pd.DataFrame:
     """A transaction file (CSV/TSV with a header, or SPMF) as a DataFrame
     with the columns customer, time and item, one row per item occurrence,
     read as :func:`mine` reads it: a CSV's dates become seconds since
     1970-01-01 UTC, an SPMF file's customers are numbered from "1", its item
-    sets are timed by their position and its items are integers."""
-    options = _input_options(customer, time, item, format, delimiter)
+    sets are timed by their position and its items are integers.
+    ``skip_invalid`` and ``time_format`` as for :func:`mine`."""
+    options = _input_options(customer, time, item, format, delimiter,
+                             skip_invalid, time_format)
     return _frame_of(_seqlattice.read_log(os.fspath(path), options))
 
 

@@ -24,6 +24,8 @@ class InputOptions:
     time: str
     item: str
     delimiter: str
+    skip_invalid: bool
+    time_format: str
 
 class PredictSettings:
     current: bool

@@ -346,6 +346,14 @@ void bindSettings(py::module_& m) {
       .def_readwrite("customer", &cli::InputOptions::customerColumn)
       .def_readwrite("time", &cli::InputOptions::timeColumn)
       .def_readwrite("item", &cli::InputOptions::itemColumn)
+      .def_readwrite("skip_invalid", &cli::InputOptions::skipInvalid)
+      .def_property(
+          "time_format",
+          [](const cli::InputOptions& o) { return o.timeFormat.text; },
+          [](cli::InputOptions& o, const std::string& text) {
+            setParsed<std::string>(&o.timeFormat, text, "time_format",
+                                   cli::parseTimeFormat);
+          })
       .def_property(
           "delimiter",
           [](const cli::InputOptions& o) { return o.delimiter.text; },
