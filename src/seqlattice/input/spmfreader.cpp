@@ -4,12 +4,13 @@
 #include <climits>
 #include <cstdlib>
 #include <fstream>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "seqlattice/input/inputerror.h"
+#include "seqlattice/input/internal/itemlabellines.h"
+#include "seqlattice/input/internal/linereader.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace input {
@@ -90,67 +91,16 @@ bool isSkipped(const std::string& line) {
   return c == '@' || c == '#' || c == '%';
 }
 
-// The "@ITEM=code=label" lines of a file, checked as they come.
-class ItemLabelLines {
- public:
-  explicit ItemLabelLines(const std::string& name) : name_(name) {}
-
-  // Takes the line if it is an item label line; returns whether it was.
-  bool take(const std::string& line, long lineNumber) {
-    static const std::string kPrefix = "@ITEM=";
-    if (line.compare(0, kPrefix.size(), kPrefix) != 0) return false;
-    std::string rest = line.substr(kPrefix.size());
-    if (!rest.empty() && rest.back() == '\r') rest.pop_back();
-    std::size_t equals = rest.find('=');
-    int code = 0;
-    if (equals == std::string::npos ||
-        !ItemLabels::parseNumeric(rest.substr(0, equals), &code) || code < 0) {
-      fail(lineNumber, "expected @ITEM=code=label with a non-negative code");
-    }
-    std::string label = rest.substr(equals + 1);
-    int numeric = 0;
-    if (label.empty() || ItemLabels::parseNumeric(label, &numeric)) {
-      fail(lineNumber, "the label of item " + std::to_string(code) +
-                           " must be a non-numeric text");
-    }
-    if (!codes_.insert(code).second) {
-      fail(lineNumber, "item " + std::to_string(code) + " is labelled twice");
-    }
-    if (!labels_.insert(label).second) {
-      fail(lineNumber, "label \"" + label + "\" names two items");
-    }
-    pairs_.emplace_back(code, std::move(label));
-    return true;
-  }
-
-  ItemLabels labels() const { return ItemLabels::fromStringLabels(pairs_); }
-
- private:
-  [[noreturn]] void fail(long lineNumber, const std::string& problem) const {
-    throw InputError(name_, lineNumber, problem);
-  }
-
-  const std::string& name_;
-  std::set<int> codes_;
-  std::set<std::string> labels_;
-  std::vector<std::pair<int, std::string>> pairs_;
-};
-
 }  // namespace
 
 void readSpmf(std::istream& in, const std::string& name,
               mining::SequenceDatabase& db, ItemLabels* labels) {
-  static const std::string kByteOrderMark = "\xEF\xBB\xBF";
-  ItemLabelLines labelLines(name);
+  internal::ItemLabelLines labelLines(name);
+  internal::LineReader lines(in);
   std::string line;
-  long lineNumber = 0;
-  while (std::getline(in, line)) {
-    ++lineNumber;
-    if (lineNumber == 1 && line.compare(0, 3, kByteOrderMark) == 0) {
-      line.erase(0, 3);
-    }
-    if (labelLines.take(line, lineNumber) || isSkipped(line)) continue;
-    LineParser(name, lineNumber, db).parse(line);
+  while (lines.next(&line)) {
+    if (labelLines.take(line, lines.number()) || isSkipped(line)) continue;
+    LineParser(name, lines.number(), db).parse(line);
   }
   if (in.bad()) throw InputError(name, 0, "read error");
   if (labels != nullptr) *labels = labelLines.labels();

@@ -3,8 +3,11 @@
 #include <string>
 #include <vector>
 
+#include "seqlattice/mining/internal/patternemitter.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
+#include "seqlattice/mining/patternorder.h"
+#include "seqlattice/mining/patternrecords.h"
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
@@ -16,6 +19,60 @@ namespace {
 
 // The longest pattern a pattern key holds.
 constexpr int kMaxPatternItems = 31;
+
+void checkPatternSize(int maxItems, const SequenceDictionary& dictionary) {
+  if (maxItems >= dictionary.getNLevels() || maxItems > kMaxPatternItems) {
+    throw MiningError("maximum pattern size " + std::to_string(maxItems) +
+                      " does not fit a dictionary of " +
+                      std::to_string(dictionary.getNLevels()) +
+                      " levels (at most " + std::to_string(kMaxPatternItems) +
+                      " items, below the level count)");
+  }
+}
+
+// Adds n customers to the count of the empty pattern, the model's N.
+void addCustomers(SequenceDictionary& dictionary, long n) {
+  int* none = nullptr;
+  SequenceCounter* total = dictionary.getDescriptor(&none, 0);
+  if (total == nullptr) {
+    throw MiningError("the dictionary has no entry for the empty pattern");
+  }
+  total->setCount(total->getCount() + static_cast<int>(n));
+}
+
+void buildLatticeOf(SequenceDictionary& dictionary) {
+  KvCommon_850::KvStatus status = dictionary.buildLattice();
+  if (!status.IsOK()) {
+    throw MiningError("building the lattice failed (status " +
+                      std::to_string(status.GetCode()) + ")");
+  }
+}
+
+// Whether dictionary holds every sub-pattern of key with one item less;
+// sub is the scratch pattern removeItem fills without allocating.
+bool holdsSubPatterns(SequenceDictionary& dictionary, NTSequence* key,
+                      NTSequence& sub, int* missing = nullptr) {
+  for (int i = 0; key->size() > 1 && i < key->size(); ++i) {
+    sub.removeItem(i, key);
+    if (dictionary.getDescriptor(&sub) == nullptr) {
+      if (missing != nullptr) *missing = i;
+      return false;
+    }
+  }
+  return true;
+}
+
+// key as text, the way recordText writes a record.
+std::string keyText(const NTSequence& key) {
+  std::vector<int> record{0, 0, key.getNSets()};
+  for (int s = 0; s < key.getNSets(); ++s) {
+    record.push_back(key.getSizeOfSet(s));
+    for (int i = 0; i < key.getSizeOfSet(s); ++i) {
+      record.push_back(key.getItemInSet(i, s));
+    }
+  }
+  return recordText(record, 0);
+}
 
 }  // namespace
 
@@ -70,23 +127,14 @@ void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
     HashtableSQPair* table = found.getLevel(k);
     if (table == nullptr) continue;
     for (const ISQCPair& entry : *table) {
-      bool closed = true;
-      for (int i = 0; k > 1 && closed && i < entry.key->size(); ++i) {
-        sub.removeItem(i, entry.key);
-        closed = kept.getDescriptor(&sub) != nullptr;
-      }
-      if (closed) {
+      if (holdsSubPatterns(kept, entry.key, sub)) {
         addPattern(kept, *entry.key, entry.value);
       } else {
         ++dropped;
       }
     }
   }
-  KvCommon_850::KvStatus status = kept.buildLattice();
-  if (!status.IsOK()) {
-    throw MiningError("building the lattice failed (status " +
-                      std::to_string(status.GetCode()) + ")");
-  }
+  buildLatticeOf(kept);
   summary.patternsDropped = dropped;
   summary.patterns = 0;
   summary.longestPattern = 0;
@@ -102,28 +150,55 @@ void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
 MiningSummary mineIntoDictionary(const SequenceDatabase& db,
                                  const MinerOptions& options,
                                  SequenceDictionary& dictionary) {
-  if (options.maxItems >= dictionary.getNLevels() ||
-      options.maxItems > kMaxPatternItems) {
-    throw MiningError(
-        "maximum pattern size " + std::to_string(options.maxItems) +
-        " does not fit a dictionary of " +
-        std::to_string(dictionary.getNLevels()) + " levels (at most " +
-        std::to_string(kMaxPatternItems) + " items, below the level count)");
-  }
-  int* none = nullptr;
-  SequenceCounter* total = dictionary.getDescriptor(&none, 0);
-  if (total == nullptr) {
-    throw MiningError("the dictionary has no entry for the empty pattern");
-  }
-  total->setCount(total->getCount() + static_cast<int>(db.customerCount()));
+  checkPatternSize(options.maxItems, dictionary);
+  addCustomers(dictionary, static_cast<long>(db.customerCount()));
   DictionarySink sink(dictionary, options.memoryBudget);
   MiningSummary summary = SequenceMiner(options).mine(db, sink);
   if (!summary.complete) return summary;
-  KvCommon_850::KvStatus status = dictionary.buildLattice();
-  if (!status.IsOK()) {
-    throw MiningError("building the lattice failed (status " +
-                      std::to_string(status.GetCode()) + ")");
+  buildLatticeOf(dictionary);
+  return summary;
+}
+
+MiningSummary fillFromRecords(const std::vector<int>& records, long customers,
+                              int maxItems, SequenceDictionary& dictionary,
+                              std::size_t memoryBudget) {
+  checkPatternSize(maxItems, dictionary);
+  std::vector<int> ordered;
+  ordered.reserve(records.size());
+  for (std::size_t start : minerReportOrder(records)) {
+    const int items = recordItems(records, start);
+    if (items > maxItems) {
+      throw MiningError("pattern " + recordText(records, start) + " has " +
+                        std::to_string(items) + " items, more than " +
+                        std::to_string(maxItems));
+    }
+    std::size_t end = start + 3;
+    for (int k = 0; k < records[start + 2]; ++k) {
+      end += static_cast<std::size_t>(records[end]) + 1;
+    }
+    ordered.insert(ordered.end(), records.begin() + static_cast<long>(start),
+                   records.begin() + static_cast<long>(end));
   }
+  addCustomers(dictionary, customers);
+  MiningSummary summary;
+  summary.customers = customers;
+  summary.patternsPerSize.assign(1, 0);
+  DictionarySink sink(dictionary, memoryBudget);
+  internal::PatternEmitter(sink, summary).emit(ordered);
+  NTSequence sub;
+  for (int k = 2; k < dictionary.getNLevels(); ++k) {
+    HashtableSQPair* table = dictionary.getLevel(k);
+    if (table == nullptr) continue;
+    for (const ISQCPair& entry : *table) {
+      int missing = 0;
+      if (!holdsSubPatterns(dictionary, entry.key, sub, &missing)) {
+        sub.removeItem(missing, entry.key);
+        throw MiningError("pattern " + keyText(*entry.key) +
+                          " is given without its sub-pattern " + keyText(sub));
+      }
+    }
+  }
+  buildLatticeOf(dictionary);
   return summary;
 }
 

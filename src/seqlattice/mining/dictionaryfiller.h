@@ -17,6 +17,7 @@
 #define SEQLATTICE_MINING_DICTIONARYFILLER_H_
 
 #include <cstddef>
+#include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/mining/miner.h"
@@ -76,6 +77,21 @@ void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
 MiningSummary mineIntoDictionary(const SequenceDatabase& db,
                                  const MinerOptions& options,
                                  SequenceDictionary& dictionary);
+
+// Fills dictionary, freshly made, with the patterns of records
+// (patternrecords.h), counted over `customers` customers elsewhere (by
+// PatternCounter, on other machines, by another miner), and builds the
+// lattice: the same dictionary, byte for byte once saved, as
+// mineIntoDictionary fills when it finds these patterns with these counts
+// and first customers, since the records are stored in the miner's report
+// order (patternorder.h). The records are only read. Throws MiningError
+// when a pattern is given twice, has more items than maxItems allows (as
+// mineIntoDictionary checks it), lacks a sub-pattern of one item less (the
+// lattice needs them all; the message names both), would take the model
+// past memoryBudget (bytes, 0: none), or when the lattice cannot be built.
+MiningSummary fillFromRecords(const std::vector<int>& records, long customers,
+                              int maxItems, SequenceDictionary& dictionary,
+                              std::size_t memoryBudget = 0);
 
 }  // namespace mining
 }  // namespace SEQUENCE_NAMESPACE_800
