@@ -10,10 +10,12 @@
 #include "commands/commands.h"
 #include "seqlattice/mining/miner.h"
 #include "support/atomicfile.h"
+#include "support/clierror.h"
 #include "support/inputlog.h"
 #include "support/minemodel.h"
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
+#include "support/patternmodel.h"
 #include "support/patternstream.h"
 #include "support/progress.h"
 
@@ -32,6 +34,8 @@ struct MineOptions {
   std::string patternsOnly;  // a file for the patterns instead of a model
   std::string patternsFormat = "auto";
   bool noSequences = false;
+  std::string fromPatterns;  // a pattern file to build the model from
+  long customers = 0;        // the customers its patterns were counted in
 };
 
 void printLine(const std::string& field, const std::string& value) {
@@ -43,6 +47,16 @@ std::string secondsText(double seconds) {
   char text[32];
   std::snprintf(text, sizeof text, "%g s", seconds);
   return text;
+}
+
+void printSummary(const mining::MiningSummary& summary, int maxItems) {
+  printLine("patterns", std::to_string(summary.patterns) + " of at most " +
+                            std::to_string(maxItems) + " items");
+  for (int k = 1; k < static_cast<int>(summary.patternsPerSize.size()); ++k) {
+    if (summary.patternsPerSize[k] == 0) continue;
+    printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
+              std::to_string(summary.patternsPerSize[k]));
+  }
 }
 
 void runMine(const MineOptions& options) {
@@ -101,14 +115,7 @@ void runMine(const MineOptions& options) {
   printLine(
       "min support",
       supportText + " = " + std::to_string(parameters.minCount) + " customers");
-  printLine("patterns", std::to_string(summary.patterns) + " of at most " +
-                            std::to_string(options.settings.maxItems) +
-                            " items");
-  for (int k = 1; k < static_cast<int>(summary.patternsPerSize.size()); ++k) {
-    if (summary.patternsPerSize[k] == 0) continue;
-    printLine("  " + std::to_string(k) + (k == 1 ? " item" : " items"),
-              std::to_string(summary.patternsPerSize[k]));
-  }
+  printSummary(summary, options.settings.maxItems);
   if (!summary.complete) {
     printLine(
         "complete",
@@ -138,6 +145,37 @@ void runMine(const MineOptions& options) {
 #endif
 }
 
+// mine --from-patterns: a model of patterns counted elsewhere.
+void runFromPatterns(const MineOptions& options) {
+  if (options.settings.maxPatterns > 0 || options.settings.timeLimit > 0) {
+    failUsage(
+        "--from-patterns builds the model of the patterns given: "
+        "--max-patterns and --time-limit do not apply");
+  }
+  refuseSameFile(options.fromPatterns, options.output);
+  Model model;
+  PatternFileSummary read;
+  mining::MiningSummary summary = modelFromPatternFile(
+      options.fromPatterns, options.customers, options.settings, &model, &read);
+  saveModel(model, options.output, options.xml);
+  printLine("patterns from",
+            options.fromPatterns + (read.json ? " (json lines)" : " (spmf)"));
+  printLine("customers", std::to_string(model.mining.customers));
+  printLine("min support",
+            std::to_string(model.mining.minCount) + " customers");
+  printSummary(summary, options.settings.maxItems);
+  if (read.dropped > 0) {
+    printLine("left out", std::to_string(read.dropped) + " of " +
+                              std::to_string(read.read) +
+                              " patterns, below the minimum support or "
+                              "longer than --max-items");
+  }
+  printLine("model", options.output + (options.xml ? " (xml)" : " (binary)"));
+#ifndef SEQLATTICE_FREE_AT_EXIT
+  static_cast<void>(model.dictionary.release());
+#endif
+}
+
 }  // namespace
 
 Command addMineCommand(CLI::App& app) {
@@ -146,10 +184,9 @@ Command addMineCommand(CLI::App& app) {
       "mine",
       "Mine the frequent sequential patterns of a transaction file into a "
       "model");
-  command
-      ->add_option("INPUT", options->input,
-                   "Transaction file: CSV/TSV with a header, or SPMF")
-      ->required();
+  CLI::Option* input =
+      command->add_option("INPUT", options->input,
+                          "Transaction file: CSV/TSV with a header, or SPMF");
   CLI::Option* output = command->add_option("-o,--output", options->output,
                                             "Model file to write");
   CLI::Option* patternsOnly =
@@ -167,8 +204,32 @@ Command addMineCommand(CLI::App& app) {
       ->check(CLI::IsMember({"auto", "spmf", "json"}))
       ->needs(patternsOnly)
       ->capture_default_str();
-  // One of the two outputs is needed; CLI11 checks this after parsing.
-  command->callback([output, patternsOnly] {
+  CLI::Option* fromPatterns =
+      command
+          ->add_option("--from-patterns", options->fromPatterns,
+                       "Build the model from this pattern file (SPMF lines "
+                       "1 -1 2 -1 #SUP: 7, or JSON lines "
+                       "{\"sequence\":[[1],[2,3]],\"freq\":7}) instead of "
+                       "mining INPUT")
+          ->excludes(input)
+          ->excludes(patternsOnly)
+          ->needs(output);
+  CLI::Option* customers =
+      command
+          ->add_option("--customers", options->customers,
+                       "With --from-patterns: the number of customers the "
+                       "patterns were counted in (the model's N)")
+          ->check(CLI::Range(1L, 2147483647L))
+          ->needs(fromPatterns);
+  // One input and one of the two outputs are needed; CLI11 checks this
+  // after parsing.
+  command->callback([input, output, patternsOnly, fromPatterns, customers] {
+    if (fromPatterns->count() > 0 && customers->count() == 0) {
+      throw CLI::RequiredError("--customers (with --from-patterns)");
+    }
+    if (input->count() == 0 && fromPatterns->count() == 0) {
+      throw CLI::RequiredError("INPUT");
+    }
     if (output->count() == 0 && patternsOnly->count() == 0) {
       throw CLI::RequiredError("--output or --patterns-only");
     }
@@ -212,8 +273,16 @@ Command addMineCommand(CLI::App& app) {
       "--item product\n"
       "  seqlattice mine BMS1_spmf.txt -o bms.model --min-support 60\n"
       "  seqlattice mine BMS1_spmf.txt --patterns-only bms.patterns "
-      "--min-support 30");
-  return {command, [options] { runMine(*options); }};
+      "--min-support 30\n"
+      "  seqlattice mine --from-patterns part-00000.json --customers 31790 "
+      "-o spark.model");
+  return {command, [options] {
+            if (options->fromPatterns.empty()) {
+              runMine(*options);
+            } else {
+              runFromPatterns(*options);
+            }
+          }};
 }
 
 }  // namespace seqlattice_cli

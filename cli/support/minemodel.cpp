@@ -21,6 +21,8 @@ namespace {
 
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
 
+}  // namespace
+
 void describeDatabase(const mining::SequenceDatabase& db,
                       MiningParameters* parameters) {
   parameters->customers = static_cast<long>(db.customerCount());
@@ -33,6 +35,8 @@ void describeDatabase(const mining::SequenceDatabase& db,
   }
   parameters->maxItemsPerTransaction = static_cast<int>(widest);
 }
+
+namespace {
 
 // What finishing a model costs per pattern found (keeping the closed part,
 // building the lattice, saving), between about 2 (most patterns dropped)
@@ -220,15 +224,20 @@ mining::MiningSummary mineModel(
     mining::keepClosedPart(*model->dictionary, *kept, summary);
     model->dictionary = std::move(kept);
   }
+  return finishModel(summary, model);
+}
+
+mining::MiningSummary finishModel(mining::MiningSummary summary, Model* model) {
+  const long minCount = model->mining.minCount;
+  const int maxItems = model->mining.maxItems;
   model->mining.complete = summary.complete;
   // Every stored count reaches the minimum, so this removes nothing; it
   // records the minimum support that the documents state.
-  model->dictionary->reduceAll(static_cast<double>(pairCount));
-  summary.minCount = pairCount;
+  model->dictionary->reduceAll(static_cast<double>(minCount));
+  summary.minCount = minCount;
   summary.patterns = 0;
-  summary.patternsPerSize.assign(
-      static_cast<std::size_t>(settings.maxItems) + 1, 0);
-  for (int k = 1; k <= settings.maxItems; ++k) {
+  summary.patternsPerSize.assign(static_cast<std::size_t>(maxItems) + 1, 0);
+  for (int k = 1; k <= maxItems; ++k) {
     const long n = model->dictionary->CountSequencesOfSize(k);
     summary.patternsPerSize[static_cast<std::size_t>(k)] = n;
     summary.patterns += n;

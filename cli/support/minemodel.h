@@ -92,6 +92,20 @@ SEQUENCE_NAMESPACE_800::mining::MiningSummary minePatternFile(
     const std::string& inputFormat, const std::string& path,
     PatternFormat format, Model* model, std::string* supportText = nullptr);
 
+// The last step of making a model, once its dictionary holds its patterns
+// and its lattice: records that it is complete as summary says, records the
+// minimum support (model->mining.minCount) in the dictionary, and returns
+// summary with the model's patterns counted per size up to
+// model->mining.maxItems.
+SEQUENCE_NAMESPACE_800::mining::MiningSummary finishModel(
+    SEQUENCE_NAMESPACE_800::mining::MiningSummary summary, Model* model);
+
+// Sets the size fields of parameters (customers, transactions, item
+// occurrences, the widest transaction) from db.
+void describeDatabase(
+    const SEQUENCE_NAMESPACE_800::mining::SequenceDatabase& db,
+    MiningParameters* parameters);
+
 // The pattern file format a --patterns-format value names for path: "json",
 // "spmf", or "auto" (by the file name).
 PatternFormat patternFormatFor(const std::string& path,
