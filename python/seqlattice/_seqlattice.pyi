@@ -1,7 +1,7 @@
 # Types of the extension module; the package's public interface is in
 # _model.py. A new mining setting is one attribute here and one def_readwrite
 # in python/src/module.cpp; mine() passes it on as a keyword argument.
-from typing import Any
+from typing import Any, Optional
 
 import numpy as np
 
@@ -75,6 +75,20 @@ class PatternQuery:
 
 Columns = dict[str, Any]
 
+class PatternModelParts:
+    settings: MineSettings
+    customers: int
+    min_count: int
+    transactions: int
+    item_occurrences: int
+    widest: int
+    input_name: str
+    input_format: str
+    item_labels: list[str]
+    def __init__(self) -> None: ...
+    def set_sequences(self, items: np.ndarray, set_starts: np.ndarray,
+                      customer_starts: np.ndarray) -> None: ...
+
 class Model:
     @staticmethod
     def mine_file(path: str, options: InputOptions, settings: MineSettings,
@@ -86,6 +100,9 @@ class Model:
                      item_labels: list[str], settings: MineSettings,
                      input_name: str, pattern_file: str,
                      pattern_format: str) -> tuple[Model, dict[str, Any]]: ...
+    @staticmethod
+    def from_records(records: np.ndarray,
+                     parts: PatternModelParts) -> Model: ...
     @staticmethod
     def load(path: str) -> Model: ...
     def save(self, path: str, xml: bool) -> None: ...
@@ -109,3 +126,19 @@ class Model:
 def read_log(path: str, options: InputOptions) -> Columns: ...
 def parse_times(texts: list[str]) -> tuple[np.ndarray, np.ndarray]: ...
 def parse_item_sequence(text: str) -> list[list[str]]: ...
+def mine_partition(customer: np.ndarray, time: np.ndarray, item: np.ndarray,
+                   customers: int, item_labels: list[str], min_count: int,
+                   max_items: int, threads: int, max_candidates: int,
+                   sequences: bool
+                   ) -> tuple[np.ndarray, int, dict[str, int],
+                              Optional[tuple[np.ndarray, np.ndarray,
+                                             np.ndarray]]]: ...
+def count_partition(customer: np.ndarray, time: np.ndarray, item: np.ndarray,
+                    customers: int, item_labels: list[str],
+                    candidates: np.ndarray, threads: int
+                    ) -> tuple[np.ndarray, np.ndarray]: ...
+def item_codes(labels: list[str]) -> list[int]: ...
+def union_records(parts: list[np.ndarray]) -> tuple[np.ndarray, int]: ...
+def keep_frequent(candidates: np.ndarray, counts: np.ndarray,
+                  first_customers: np.ndarray,
+                  min_count: int) -> tuple[np.ndarray, int]: ...

@@ -21,6 +21,8 @@
 #include <utility>
 #include <vector>
 
+#include "distributed.h"
+#include "logcolumns.h"
 #include "resultcolumns.h"
 #include "seqlattice/input/columnreader.h"
 #include "seqlattice/input/inputerror.h"
@@ -50,9 +52,6 @@ namespace cli = seqlattice_cli;
 namespace input = SEQUENCE_NAMESPACE_800::input;
 namespace mining = SEQUENCE_NAMESPACE_800::mining;
 
-using Codes = py::array_t<std::int32_t, py::array::c_style>;
-using Times = py::array_t<double, py::array::c_style>;
-
 // A model and the file it last came from or went to ("" when only mined).
 struct PyModel {
   cli::Model model;
@@ -79,34 +78,6 @@ void setParsed(cli::Parsed<T>* target, const std::string& text,
   target->text = text;
   target->value = value;
 }
-
-// The three columns of a data frame's log; customers are labelled by their
-// index, which the package maps back to its own values.
-input::LogColumns logColumns(const Codes& customer, const Times& time,
-                             const Codes& item, std::size_t customers,
-                             std::vector<std::string> itemLabels) {
-  const auto rows = static_cast<std::size_t>(customer.size());
-  if (static_cast<std::size_t>(time.size()) != rows ||
-      static_cast<std::size_t>(item.size()) != rows) {
-    throw py::value_error(
-        "the customer, time and item columns differ in "
-        "length");
-  }
-  input::LogColumns columns;
-  columns.rows = rows;
-  columns.customer = customer.data();
-  columns.time = time.data();
-  columns.item = item.data();
-  columns.customerLabels.reserve(customers);
-  for (std::size_t c = 0; c < customers; ++c) {
-    columns.customerLabels.push_back(std::to_string(c));
-  }
-  columns.itemLabels = std::move(itemLabels);
-  return columns;
-}
-
-// What a database may hold, as for the tool's input files.
-std::size_t inputMemoryLimit() { return mining::availableMemoryBytes() / 2; }
 
 // Mines log into the model's dictionary or, given a path, as `mine
 // --patterns-only` does into a pattern file (the model then holds only what
@@ -429,6 +400,14 @@ void bindModel(py::module_& m) {
   py::class_<PyModel>(m, "Model")
       .def_static("mine_file", &mineFile)
       .def_static("mine_columns", &mineColumns)
+      .def_static("from_records",
+                  [](const Records& records, const PatternModelParts& parts) {
+                    auto result = std::make_unique<PyModel>();
+                    result->model = unlocked(nullptr, [&] {
+                      return modelFromRecords(records, parts);
+                    });
+                    return result;
+                  })
       .def_static("load", &loadModel)
       .def("save",
            [](PyModel& self, const std::string& path, bool xml) {
@@ -491,6 +470,7 @@ PYBIND11_MODULE(_seqlattice, m) {
   registerErrors(m);
   bindSettings(m);
   bindModel(m);
+  bindDistributed(m);
   m.def("read_log", &readLog);
   m.def("parse_times", &parseTimes);
   m.def("parse_item_sequence", &parseItemSequence);
