@@ -159,6 +159,10 @@ def main() -> None:
               f"  workers {', '.join(mb(med(r['workers'][k] for r in rs)) for k in range(workers))}"
               f"  candidates {rs[0]['candidates proposed']} proposed, "
               f"{rs[0]['candidates']} distinct  patterns {rs[0]['patterns']}")
+        steps = rs[0]["seconds"]
+        print("          seconds: " + ", ".join(
+            f"{step} {med(r['seconds'][step] for r in rs):.2f}"
+            for step in steps))
     ratio = med(r["wall"] for r in runs[2]) / cli_wall
     falls = worker_peak[2] < worker_peak[1]
     print(f"\ntarget: per-worker peak falls 1 -> 2 workers: "

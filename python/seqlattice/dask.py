@@ -29,6 +29,7 @@ from __future__ import annotations
 import logging
 import math
 import os
+from time import perf_counter
 import uuid
 import warnings
 from typing import Any, Optional, Sequence, Union
@@ -319,6 +320,15 @@ def mine(data: Any, *, client: Any = None, partitions: Optional[int] = None,
     def key(step: str, j: Any = "") -> str:
         return f"seqlattice-{step}-{run}-{j}"
 
+    started = clock = perf_counter()
+    seconds = {}
+
+    def lap(step: str) -> None:
+        nonlocal clock
+        now = perf_counter()
+        seconds[step] = now - clock
+        clock = now
+
     inputs = client.compute(_input_frames(data, names, partitions))
     prepared = [client.submit(_prepare, f, i, names, partitions,
                               key=key("prepare", i))
@@ -340,6 +350,7 @@ def mine(data: Any, *, client: Any = None, partitions: Optional[int] = None,
     if customers == 0:
         raise _seqlattice.InputError(f"{_frame.SOURCE}: no data rows")
     min_count = _min_count(min_support, customers)
+    lap("partitioning")
     _log.info("%d customers in %d partitions, minimum count %d", customers,
               partitions, min_count)
 
@@ -363,6 +374,7 @@ def mine(data: Any, *, client: Any = None, partitions: Optional[int] = None,
             f"the partitions propose {union} distinct candidate patterns, "
             f"more than max_candidates={max_candidates}: raise min_support "
             "or lower max_items")
+    lap("phase 1")
     _log.info("phase 1: %d candidates proposed, %d distinct", proposed, union)
 
     # Phase 2: every partition counts every candidate.
@@ -377,6 +389,7 @@ def mine(data: Any, *, client: Any = None, partitions: Optional[int] = None,
                       threads, key=key("phase2", j)) for j in live])
     keys = client.gather([client.submit(_keys, parts[j], key=key("keys", j))
                           for j in live])
+    lap("phase 2")
     counts = np.sum([c for c, _ in counted], axis=0, dtype=np.int64)
     first_keys = np.min([k for _, k in counted], axis=0)
     all_keys = np.sort(np.concatenate(keys))
@@ -399,10 +412,13 @@ def mine(data: Any, *, client: Any = None, partitions: Optional[int] = None,
     if sequences:
         _merge_sequences(flats, keys, model_parts)
     model = Model(_seqlattice.Model.from_records(frequent, model_parts))
+    lap("model")
+    seconds["total"] = clock - started
     _log.info("%d patterns of %d candidates", patterns, union)
     # What the run did, for the curious and the benchmark.
     model.distributed = {"customers": customers, "partitions": partitions,
                          "min count": min_count,
                          "candidates proposed": int(proposed),
-                         "candidates": int(union), "patterns": int(patterns)}
+                         "candidates": int(union), "patterns": int(patterns),
+                         "seconds": seconds}
     return model
