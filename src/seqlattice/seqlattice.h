@@ -26,6 +26,7 @@
 #include "seqlattice/input/csvrecords.h"
 #include "seqlattice/input/inputerror.h"
 #include "seqlattice/input/itemlabels.h"
+#include "seqlattice/input/patternfile.h"
 #include "seqlattice/input/skippedrows.h"
 #include "seqlattice/input/spmfreader.h"
 #include "seqlattice/input/timeparse.h"
@@ -36,6 +37,9 @@
 #include "seqlattice/mining/miner.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/mining/patternbudget.h"
+#include "seqlattice/mining/patterncounter.h"
+#include "seqlattice/mining/patternorder.h"
+#include "seqlattice/mining/patternrecords.h"
 #include "seqlattice/mining/sequencedatabase.h"
 
 // recommendations
