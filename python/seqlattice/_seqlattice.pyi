@@ -17,6 +17,11 @@ class MineSettings:
     sequences: bool
     time_limit: float
     progress: bool
+    min_gap: str
+    max_gap: str
+    max_span: str
+    window: str
+    gap_stats: bool
 
 class InputOptions:
     format: str
@@ -85,7 +90,8 @@ class Model:
                      item: np.ndarray, customers: int,
                      item_labels: list[str], settings: MineSettings,
                      input_name: str, pattern_file: str,
-                     pattern_format: str) -> tuple[Model, dict[str, Any]]: ...
+                     pattern_format: str, dated: bool = ...
+                     ) -> tuple[Model, dict[str, Any]]: ...
     @staticmethod
     def load(path: str) -> Model: ...
     def save(self, path: str, xml: bool) -> None: ...
