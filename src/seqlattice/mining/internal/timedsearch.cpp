@@ -31,6 +31,10 @@ struct TimedDatabase {
   std::vector<int> itemValue;
   std::vector<std::vector<u32>> occurrences;  // per item: transactions
   std::vector<u32> customerOf;                // per transaction
+  // Per customer its distinct items by last occurrence, latest first, in
+  // lastStart[c] .. lastStart[c + 1]: the items from transaction f on are
+  // the prefix with lastTransaction >= f.
+  std::vector<u32> lastStart{0}, lastTransaction, lastItem;
 
   u32 itemCount() const { return static_cast<u32>(itemValue.size()); }
 };
@@ -63,6 +67,7 @@ TimedDatabase buildTimedDatabase(const SequenceDatabase& db, long minCount) {
     work.itemValue.push_back(values[v]);
   }
   work.occurrences.resize(work.itemValue.size());
+  std::vector<u32> lastSeen(work.itemValue.size(), kNoSet);
   for (std::size_t c = 0; c < db.customerCount(); ++c) {
     const std::size_t before = work.time.size();
     for (u32 t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
@@ -83,6 +88,18 @@ TimedDatabase buildTimedDatabase(const SequenceDatabase& db, long minCount) {
     if (work.time.size() == before) continue;
     work.customerStart.push_back(static_cast<u32>(work.time.size()));
     work.customerId.push_back(static_cast<u32>(c));
+    const u32 customer = static_cast<u32>(work.customerId.size() - 1);
+    for (u32 t = static_cast<u32>(work.time.size()); t-- > before;) {
+      for (u32 k = work.transactionStart[t]; k < work.transactionStart[t + 1];
+           ++k) {
+        const u32 x = work.items[k];
+        if (lastSeen[x] == customer) continue;
+        lastSeen[x] = customer;
+        work.lastTransaction.push_back(t);
+        work.lastItem.push_back(x);
+      }
+    }
+    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
   }
   return work;
 }
@@ -122,7 +139,9 @@ class Worker {
         maxItems_(options.maxItems),
         deadline_(options.deadline),
         gaps_(gaps),
-        followers_(followers) {
+        followers_(followers),
+        openEnded_(options.time.maxGap == TimeConstraints::kNone &&
+                   options.time.maxSpan == TimeConstraints::kNone) {
     const u32 f = db.itemCount();
     for (Counters* c : {&s_, &i_}) {
       c->flag.assign(f, 0);
@@ -288,7 +307,20 @@ class Worker {
     for (u32 e = 0; e < node.size(); ++e) {
       const u32 c = node.cust[e];
       ++now_;
-      if (nS > 0) {
+      if (nS > 0 && openEnded_) {
+        // Every range runs to the customer's end: the items from the
+        // earliest start on are a prefix of the last-occurrence list.
+        u32 from = db_.customerStart[c + 1];
+        for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+          from = std::min(from, sequenceRange(c, node.states[k]).begin);
+        }
+        const u32* lt = db_.lastTransaction.data();
+        const u32* li = db_.lastItem.data();
+        for (u32 k = db_.lastStart[c], end = db_.lastStart[c + 1];
+             k < end && lt[k] >= from; ++k) {
+          if (sAll || s_.flag[li[k]]) s_.hit(li[k], now_);
+        }
+      } else if (nS > 0) {
         mergedRanges(node, e,
                      [&](const State& s) { return sequenceRange(c, s); });
         for (const Range& r : ranges_) {
@@ -377,55 +409,134 @@ class Worker {
     }
   }
 
-  // The transactions of [r.begin, r.end) holding x.
-  std::pair<const u32*, const u32*> occurrencesIn(u32 x, Range r) const {
-    const std::vector<u32>& o = db_.occurrences[x];
-    const u32* a = std::lower_bound(o.data(), o.data() + o.size(), r.begin);
-    const u32* b = std::lower_bound(a, o.data() + o.size(), r.end);
-    return {a, b};
-  }
+  // The occurrences of x, transactions ascending, as a cursor over the
+  // customers in ascending order: slice(c) narrows to customer c's.
+  class Occurrences {
+   public:
+    Occurrences(const TimedDatabase& db, u32 x)
+        : db_(db),
+          at_(db.occurrences[x].data()),
+          end_(at_ + db.occurrences[x].size()) {}
+    void slice(u32 c) {
+      at_ = std::lower_bound(at_, end_, db_.customerStart[c]);
+      sliceEnd_ = std::lower_bound(at_, end_, db_.customerStart[c + 1]);
+    }
+    // The transactions of [r.begin, r.end) holding x, within the slice.
+    std::pair<const u32*, const u32*> in(Range r) const {
+      const u32* a = std::lower_bound(at_, sliceEnd_, r.begin);
+      return {a, std::lower_bound(a, sliceEnd_, r.end)};
+    }
+
+   private:
+    const TimedDatabase& db_;
+    const u32* at_;
+    const u32* end_;
+    const u32* sliceEnd_ = nullptr;
+  };
 
   // Fills child with what visit(c, state) adds to fresh_ for each state of
   // each customer c of node, reduced by append.
   template <class Visit>
-  void buildChild(const Node& node, Node& child, const Visit& visit) {
+  void buildChild(const Node& node, u32 x, Node& child, const Visit& visit) {
     child.clear();
+    Occurrences occurrences(db_, x);
     for (u32 e = 0; e < node.size(); ++e) {
       const u32 c = node.cust[e];
+      occurrences.slice(c);
       fresh_.clear();
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-        visit(c, node.states[k]);
+        visit(c, node.states[k], occurrences);
       }
       append(c, child);
     }
   }
 
   void buildSequenceChild(const Node& node, u32 x, Node& child) {
-    buildChild(node, child, [&](u32 c, const State& s) {
-      auto [a, b] = occurrencesIn(x, sequenceRange(c, s));
-      for (; a < b; ++a) fresh_.push_back(State{s.first, s.l, s.u, *a, *a});
-    });
+    if (openEnded_) return buildOpenSequenceChild(node, x, child);
+    buildChild(node, x, child,
+               [&](u32 c, const State& s, const Occurrences& o) {
+                 auto [a, b] = o.in(sequenceRange(c, s));
+                 for (; a < b; ++a)
+                   fresh_.push_back(State{s.first, s.l, s.u, *a, *a});
+               });
+  }
+
+  // The same without a maximum gap or span, where a state's range runs to
+  // the customer's end: one sweep over the customer's occurrences of x,
+  // keeping the states no other beats among those whose range has begun.
+  void buildOpenSequenceChild(const Node& node, u32 x, Node& child) {
+    child.clear();
+    const std::vector<u32>& o = db_.occurrences[x];
+    const u32* at = o.data();
+    const u32* end = o.data() + o.size();
+    for (u32 e = 0; e < node.size() && at < end; ++e) {
+      const u32 c = node.cust[e];
+      ready_.clear();
+      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+        const State& s = node.states[k];
+        ready_.emplace_back(sequenceRange(c, s).begin, s);
+      }
+      std::sort(
+          ready_.begin(), ready_.end(),
+          [](const std::pair<u32, State>& a, const std::pair<u32, State>& b) {
+            return a.first < b.first;
+          });
+      at = std::lower_bound(at, end, ready_.front().first);
+      fresh_.clear();
+      front_.clear();
+      std::size_t next = 0;
+      for (; at < end && *at < db_.customerStart[c + 1]; ++at) {
+        for (; next < ready_.size() && ready_[next].first <= *at; ++next) {
+          enterFront(ready_[next].second);
+        }
+        for (const State& p : front_) {
+          fresh_.push_back(State{p.first, p.l, p.u, *at, *at});
+        }
+      }
+      append(c, child);
+    }
+  }
+
+  // Adds s to the states that may precede a new set unless one of them
+  // beats it, dropping those it beats; with window 0 they merge into one.
+  void enterFront(const State& s) {
+    if (time_.window == 0 && !front_.empty()) {
+      State& m = front_.front();
+      m.first = std::max(m.first, s.first);
+      m.l = m.u = std::max(m.l, s.l);
+      return;
+    }
+    for (const State& o : front_) {
+      if (o.l >= s.l && o.first >= s.first && o.u <= s.u) return;
+    }
+    std::size_t n = 0;
+    for (const State& o : front_) {
+      if (!(s.l >= o.l && s.first >= o.first && s.u <= o.u)) front_[n++] = o;
+    }
+    front_.resize(n);
+    front_.push_back(s);
   }
 
   void buildItemChild(const Node& node, int sets, u32 x, Node& child) {
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    buildChild(node, child, [&](u32 c, const State& s) {
-      if (time_.window == 0) {
-        if (std::binary_search(items + ts[s.l], items + ts[s.l + 1], x)) {
-          fresh_.push_back(s);
-        }
-        return;
-      }
-      auto [a, b] = occurrencesIn(x, itemRange(c, s, sets));
-      for (; a < b; ++a) {
-        State n = s;
-        n.l = std::min(s.l, *a);
-        n.u = std::max(s.u, *a);
-        if (sets == 1) n.first = n.l;
-        fresh_.push_back(n);
-      }
-    });
+    buildChild(
+        node, x, child, [&](u32 c, const State& s, const Occurrences& o) {
+          if (time_.window == 0) {
+            if (std::binary_search(items + ts[s.l], items + ts[s.l + 1], x)) {
+              fresh_.push_back(s);
+            }
+            return;
+          }
+          auto [a, b] = o.in(itemRange(c, s, sets));
+          for (; a < b; ++a) {
+            State n = s;
+            n.l = std::min(s.l, *a);
+            n.u = std::max(s.u, *a);
+            if (sets == 1) n.first = n.l;
+            fresh_.push_back(n);
+          }
+        });
   }
 
   // Adds fresh_, reduced to the states no other beats, as customer c's.
@@ -529,6 +640,8 @@ class Worker {
   std::chrono::steady_clock::time_point deadline_;
   bool gaps_;
   const std::vector<std::vector<u32>>* followers_;
+  // No maximum gap or span: a new item set may come anywhere later.
+  bool openEnded_;
   u32 emitted_ = 0;
   Counters s_, i_;
   std::uint64_t now_ = 0;
@@ -536,7 +649,8 @@ class Worker {
   std::vector<u32> all_, pattern_;
   std::vector<char> newSet_;
   std::vector<Range> ranges_;
-  std::vector<State> fresh_;
+  std::vector<State> fresh_, front_;
+  std::vector<std::pair<u32, State>> ready_;  // a state and its range start
   std::vector<int>* out_ = nullptr;
   std::function<void()> full_;
 };
