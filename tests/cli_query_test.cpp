@@ -251,7 +251,8 @@ TEST_F(CliQueryTest, Info) {
             "higher level size          89\n"
             "sliding window             0.0000\n"
             "min gap                    0.0000\n"
-            "max gap                    0.0000\n");
+            "max gap                    0.0000\n"
+            "gap statistics             no\n");
 }
 
 TEST_F(CliQueryTest, DotGraph) {

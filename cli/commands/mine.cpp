@@ -235,6 +235,7 @@ Command addMineCommand(CLI::App& app) {
     }
   });
   addMiningOptions(command, &options->settings);
+  addTimeOptions(command, &options->settings);
   addInputOptions(command, &options->inputOptions, "--format");
   command
       ->add_option("--time-limit", options->settings.timeLimit,

@@ -14,6 +14,7 @@
 #include "seqlattice/recommend/sequenceindex.h"
 #include "support/atomicfile.h"
 #include "support/clierror.h"
+#include "support/duration.h"
 
 namespace seqlattice_cli {
 
@@ -69,6 +70,47 @@ std::function<bool(long)> searchProgress(Progress& progress, double timeLimit) {
   };
 }
 
+// The time constraints of settings for a log with (or without) dates, into
+// options and the model's parameters.
+void applyTimeConstraints(const MineSettings& settings, bool datedTimes,
+                          mining::MinerOptions* options,
+                          MiningParameters* parameters) {
+  mining::TimeConstraints& time = options->time;
+  const struct {
+    const char* name;
+    const std::string& text;
+    double* value;
+    bool positive;
+  } limits[] = {{"--min-gap", settings.minGap, &time.minGap, false},
+                {"--max-gap", settings.maxGap, &time.maxGap, true},
+                {"--max-span", settings.maxSpan, &time.maxSpan, true},
+                {"--window", settings.window, &time.window, false}};
+  for (const auto& limit : limits) {
+    if (limit.text.empty()) continue;
+    std::string problem = parseDuration(limit.text, datedTimes, limit.value);
+    if (problem.empty() && limit.positive && *limit.value == 0) {
+      problem = "expected a duration above 0";
+    }
+    if (!problem.empty()) {
+      failUsage(std::string(limit.name) + " " + limit.text + ": " + problem);
+    }
+  }
+  options->gapStatistics = settings.gapStats || time.any();
+  parameters->timeAware = options->gapStatistics;
+  parameters->datedTimes = parameters->timeAware && datedTimes;
+  parameters->maxSpan =
+      time.maxSpan == mining::TimeConstraints::kNone ? 0 : time.maxSpan;
+}
+
+// The dictionary's record of the limits: 0 for a maximum gap without one.
+void recordTimeConstraints(const mining::TimeConstraints& time,
+                           SEQUENCE_NAMESPACE_800::SequenceDictionary* dict) {
+  dict->setSlidingWindow(time.window);
+  dict->setMinGap(time.minGap);
+  dict->setMaxGap(time.maxGap == mining::TimeConstraints::kNone ? 0
+                                                                : time.maxGap);
+}
+
 }  // namespace
 
 std::string parseMinSupport(const std::string& text, MinSupportValue* out) {
@@ -107,6 +149,30 @@ void addMiningOptions(CLI::App* command, MineSettings* settings) {
       ->capture_default_str();
 }
 
+void addTimeOptions(CLI::App* command, MineSettings* settings) {
+  const std::string units =
+      " (a date log takes units: 90m, 12h, 30d, 2w; other logs plain "
+      "numbers in their time unit, item set indexes for SPMF files)";
+  command->add_option("--min-gap", settings->minGap,
+                      "Consecutive item sets of a pattern at least this far "
+                      "apart" +
+                          units);
+  command->add_option("--max-gap", settings->maxGap,
+                      "Consecutive item sets of a pattern at most this far "
+                      "apart");
+  command->add_option("--max-span", settings->maxSpan,
+                      "A whole pattern, first item set to last, within this "
+                      "time");
+  command->add_option("--window", settings->window,
+                      "The items of one item set of a pattern may come from "
+                      "transactions this close together (0: one "
+                      "transaction)");
+  command->add_flag("--gap-stats", settings->gapStats,
+                    "Keep the time from the next-to-last item set to the "
+                    "last of every pattern (always with a time constraint); "
+                    "`rules` shows it");
+}
+
 mining::MinerOptions prepareMining(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,
@@ -132,6 +198,7 @@ mining::MinerOptions prepareMining(
                                       1L, static_cast<long>(given.value)));
   minerOptions.maxItems = settings.maxItems;
   minerOptions.threads = settings.threads;
+  applyTimeConstraints(settings, log.datedTimes, &minerOptions, &parameters);
   // The search and the model may use most of what is left once the
   // database is loaded; a model that would need more is refused with a
   // message instead of being killed for want of memory.
@@ -198,6 +265,7 @@ mining::MiningSummary mineModel(
   model->dictionary =
       std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(
           dictionarySettings);
+  recordTimeConstraints(minerOptions.time, model->dictionary.get());
   if (minerOptions.minSupport.countFor(log.database.customerCount()) !=
       pairCount) {
     // Every sub-pattern of a stored pattern is stored too: a longer pattern's
@@ -221,7 +289,10 @@ mining::MiningSummary mineModel(
     progress.note("keeping the patterns whose sub-patterns were all found ...");
     auto kept = std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(
         dictionarySettings);
-    mining::keepClosedPart(*model->dictionary, *kept, summary);
+    mining::keepClosedPart(
+        *model->dictionary, *kept, summary,
+        minerOptions.time.maxGap != mining::TimeConstraints::kNone);
+    recordTimeConstraints(minerOptions.time, kept.get());
     model->dictionary = std::move(kept);
   }
   return finishModel(summary, model);

@@ -48,10 +48,19 @@ struct MineSettings {
   double timeLimit = 0;
   // Progress notes on standard error even when it is not a terminal.
   bool progress = false;
+  // Time constraints as given (parseDuration's forms; "": none), read once
+  // the log is, since their unit depends on its times.
+  std::string minGap, maxGap, maxSpan, window;
+  // Gap statistics on every pattern of two or more item sets; always with a
+  // time constraint.
+  bool gapStats = false;
 };
 
 // Adds --min-support, --max-patterns and --max-items (mine and evaluate).
 void addMiningOptions(CLI::App* command, MineSettings* settings);
+
+// Adds --min-gap, --max-gap, --max-span, --window and --gap-stats (mine).
+void addTimeOptions(CLI::App* command, MineSettings* settings);
 
 // Records in model what it is mined from and with (item labels, mining
 // parameters; inputName and inputFormat as given) and returns the miner's
@@ -62,7 +71,8 @@ void addMiningOptions(CLI::App* command, MineSettings* settings);
 // *supportText (when not null) gets the support as the mine summary shows
 // it. Through progress (which must outlive the search) the options report
 // how the search goes and stop it at the time limit. Throws CliError (exit 1)
-// when the log has no customers.
+// when the log has no customers, (exit 2) when a time constraint is not a
+// duration for the log's times ("--max-gap 3x: unknown unit 'x'").
 SEQUENCE_NAMESPACE_800::mining::MinerOptions prepareMining(
     const SEQUENCE_NAMESPACE_800::input::LabelledDatabase& log,
     const MineSettings& settings, const std::string& inputName,

@@ -38,6 +38,12 @@ struct MiningParameters {
   std::string inputName;    // the input file as it was named
   bool complete = true;     // false: a time limit stopped the search
   double timeLimit = 0;     // seconds; 0: none
+  // Mined with time constraints or gap statistics (trailer version 3): the
+  // maximum span (0: none) and whether the log's times were dates (seconds)
+  // travel with the model; the other limits are the dictionary's.
+  bool timeAware = false;
+  double maxSpan = 0;
+  bool datedTimes = false;
 
   double avgItemsPerTransaction() const {
     return transactions > 0 ? static_cast<double>(itemOccurrences) /

@@ -2,7 +2,9 @@
 
 #include <cstdio>
 
+#include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
+#include "support/duration.h"
 
 namespace seqlattice_cli {
 
@@ -13,6 +15,20 @@ std::string supportText(const MiningParameters& m) {
   std::snprintf(text, sizeof text, m.minSupportIsFraction ? "%g" : "%.0f",
                 m.minSupport);
   return text;
+}
+
+// Whether some stored pattern carries gap statistics.
+bool hasGapStatistics(const SEQUENCE_NAMESPACE_800::SequenceDictionary& dict) {
+  for (int k = 2; k < dict.getNLevels(); ++k) {
+    const SEQUENCE_NAMESPACE_800::HashtableSQPair* table = dict.getLevel(k);
+    if (table == nullptr) continue;
+    for (const auto& entry : *table) {
+      if (entry.value != nullptr && entry.value->getStatsBucket() != nullptr) {
+        return true;
+      }
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -67,6 +83,11 @@ InfoFields modelInfo(const Model& model, const std::string& name) {
   add("sliding window", dict.getSlidingWindow());
   add("min gap", dict.getMinGap());
   add("max gap", dict.getMaxGap());
+  if (m.timeAware) {
+    add("max span", m.maxSpan);
+    add("times", m.datedTimes ? "dates (limits in seconds)" : "numbers");
+  }
+  add("gap statistics", hasGapStatistics(dict) ? "yes" : "no");
   return fields;
 }
 

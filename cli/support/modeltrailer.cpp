@@ -16,8 +16,10 @@ namespace {
 
 // Version 2 added the search's completeness and time limit, and the
 // customers' sequences; version 1 trailers are still read (a complete search,
-// no time limit, no sequences).
-constexpr std::uint32_t kTrailerVersion = 2;
+// no time limit, no sequences). Version 3 adds the maximum span and the kind
+// of times; it is written only for models mined with time constraints or gap
+// statistics, so that every other model stays byte for byte as before.
+constexpr std::uint32_t kTrailerVersion = 3;
 
 class Writer {
  public:
@@ -131,7 +133,7 @@ std::string encodeTrailer(const Model& model, std::uint32_t checksum) {
   const MiningParameters& m = model.mining;
   Writer w;
   w.raw(kTrailerMark, kTrailerMarkSize);
-  w.u32(kTrailerVersion);
+  w.u32(m.timeAware ? kTrailerVersion : 2);
   w.u32(checksum);
   w.u8(m.minSupportIsFraction);
   w.f64(m.minSupport);
@@ -145,6 +147,10 @@ std::string encodeTrailer(const Model& model, std::uint32_t checksum) {
   w.str(m.inputName);
   w.u8(m.complete);
   w.f64(m.timeLimit);
+  if (m.timeAware) {
+    w.f64(m.maxSpan);
+    w.u8(m.datedTimes);
+  }
   auto labels = model.items.stringLabels();
   w.u32(static_cast<std::uint32_t>(labels.size()));
   for (const auto& [code, label] : labels) {
@@ -171,7 +177,7 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
     std::uint32_t version = r.u32();
     if (version < 1 || version > kTrailerVersion) {
       failInput(path + ": model trailer version " + std::to_string(version) +
-                " is not supported (this build reads versions 1 and 2)");
+                " is not supported (this build reads versions 1 to 3)");
     }
     std::uint32_t checksum = r.u32();
     MiningParameters& m = model->mining;
@@ -188,6 +194,12 @@ std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
     if (version >= 2) {
       m.complete = r.u8();
       m.timeLimit = r.f64();
+    }
+    m.timeAware = version >= 3;
+    if (m.timeAware) {
+      m.maxSpan = r.f64();
+      m.datedTimes = r.u8();
+      if (!(m.maxSpan >= 0)) throw std::runtime_error("bad maximum span");
     }
     std::uint32_t count = r.u32();
     std::vector<std::pair<int, std::string>> labels;

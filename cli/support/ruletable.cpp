@@ -4,7 +4,9 @@
 
 #include "seqlattice/rules/seqassociationrule.h"
 #include "seqlattice/sequence/timeditemset.h"
+#include "seqlattice/store/sequencedescriptor.h"
 #include "support/clierror.h"
+#include "support/duration.h"
 #include "support/rulemeasures.h"
 #include "support/sequencelabels.h"
 
@@ -90,6 +92,21 @@ std::vector<MeasuredRule> filteredRules(
   return kept;
 }
 
+// The mean, minimum and maximum time to the consequent from the rule's
+// pattern's gap statistics, in days for dated logs; nulls without them.
+std::vector<Json> gapCells(Model& model, const SeqAssociationRule& rule) {
+  Sequence pattern(rule.GetAntecedent());
+  pattern.JoinTemporal(&rule.GetConsequent());
+  const SEQUENCE_NAMESPACE_800::SequenceCounter* counter =
+      model.dictionary->getDescriptor(&pattern);
+  const SEQUENCE_NAMESPACE_800::StatsBucket* bucket =
+      counter != nullptr ? counter->getStatsBucket() : nullptr;
+  if (bucket == nullptr) return {nullptr, nullptr, nullptr};
+  const double unit = model.mining.datedTimes ? kSecondsPerDay : 1.0;
+  return {bucket->GetMeanOfGaps() / unit, bucket->GetMinOfGaps() / unit,
+          bucket->GetMaxOfGaps() / unit};
+}
+
 }  // namespace
 
 ResultTable ruleTable(Model& model, const RuleBounds& b,
@@ -112,17 +129,30 @@ ResultTable ruleTable(Model& model, const RuleBounds& b,
                               sortKey(y.measures, b.sortName);
                      });
   }
-  ResultTable table({"rank", "antecedent", "consequent", "support",
-                     "confidence", "cause", "lift", "leverage", "conviction"});
+  std::vector<std::string> columns = {"rank",    "antecedent", "consequent",
+                                      "support", "confidence", "cause",
+                                      "lift",    "leverage",   "conviction"};
+  // Models mined with gap statistics add the time to the consequent.
+  const bool gaps = model.mining.timeAware;
+  if (gaps) columns.insert(columns.end(), {"mean gap", "min gap", "max gap"});
+  ResultTable table(columns);
   for (std::size_t i = 0; i < kept.size(); ++i) {
     if (top > 0 && i == static_cast<std::size_t>(top)) break;
     const SeqAssociationRule& rule = *kept[i].rule;
     const RuleMeasures& m = kept[i].measures;
-    table.addRow({static_cast<long>(i + 1),
-                  sequenceCell(rule.GetAntecedent(), model.items),
-                  sequenceCell(rule.GetConsequent(), model.items),
-                  rule.GetSupport(), rule.GetConfidence(), rule.GetCause(),
-                  m.lift, m.leverage, m.conviction});
+    std::vector<Json> row = {static_cast<long>(i + 1),
+                             sequenceCell(rule.GetAntecedent(), model.items),
+                             sequenceCell(rule.GetConsequent(), model.items),
+                             rule.GetSupport(),
+                             rule.GetConfidence(),
+                             rule.GetCause(),
+                             m.lift,
+                             m.leverage,
+                             m.conviction};
+    if (gaps) {
+      for (Json& cell : gapCells(model, rule)) row.push_back(std::move(cell));
+    }
+    table.addRow(std::move(row));
   }
   return table;
 }

@@ -2,8 +2,11 @@
 // with the Python package's Model.rules: rank, antecedent, consequent, the
 // library's measures (support, confidence, cause) and the tool's own
 // (lift, leverage, conviction; rulemeasures.h), in the order RuleBounds asks
-// for. Ordering by one of the tool's measures reorders the library's
-// confidence order stably, so rules of equal key keep it.
+// for. A model mined with gap statistics adds the mean, minimum and maximum
+// time to the consequent ("mean gap", "min gap", "max gap"; days for a log of
+// dates, else the log's time unit). Ordering by one of the tool's measures
+// reorders the library's confidence order stably, so rules of equal key keep
+// it.
 #ifndef SEQLATTICE_CLI_SUPPORT_RULETABLE_H_
 #define SEQLATTICE_CLI_SUPPORT_RULETABLE_H_
 

@@ -28,6 +28,7 @@ class LogColumns:
     item: np.ndarray  # int32 index into item_labels
     customers: pd.Index  # the customers' own values, by index
     item_labels: list[str]
+    dated: bool = False  # times are seconds of dates (or timedeltas)
 
 
 def _fail(frame: pd.DataFrame, position: int, problem: str) -> None:
@@ -84,7 +85,8 @@ def _seconds(values: np.ndarray) -> np.ndarray:
     return whole.astype(np.float64) + fraction / 1e9
 
 
-def _text_times(frame: pd.DataFrame, series: pd.Series) -> np.ndarray:
+def _text_times(frame: pd.DataFrame,
+                series: pd.Series) -> tuple[np.ndarray, bool]:
     codes, uniques = pd.factorize(series.to_numpy(dtype=object), sort=False)
     texts = [_label(v) for v in uniques]
     values, kinds = _seqlattice.parse_times(texts)
@@ -101,10 +103,12 @@ def _text_times(frame: pd.DataFrame, series: pd.Series) -> np.ndarray:
         _fail(frame, int(mixed[0]),
               f'time "{text}" is {kind[row_kinds[mixed[0]]]} but row 0 has '
               f"{kind[row_kinds[0]]}")
-    return values[codes]
+    return values[codes], bool(row_kinds[0] == 1)
 
 
-def _time_values(frame: pd.DataFrame, series: pd.Series) -> np.ndarray:
+def _time_values(frame: pd.DataFrame,
+                 series: pd.Series) -> tuple[np.ndarray, bool]:
+    """The times as floats, and whether they are seconds of dates."""
     dtype = series.dtype
     if isinstance(dtype, pd.CategoricalDtype):
         # The categories' values per row (a vectorised take), so that a bad
@@ -119,25 +123,25 @@ def _time_values(frame: pd.DataFrame, series: pd.Series) -> np.ndarray:
         values = series.to_numpy()
         seconds = _seconds(values)
         seconds[np.isnat(values)] = np.nan
-        return seconds
+        return seconds, True
     if pd.api.types.is_numeric_dtype(dtype) or pd.api.types.is_bool_dtype(
             dtype):
-        return series.to_numpy(dtype=np.float64, na_value=np.nan)
+        return series.to_numpy(dtype=np.float64, na_value=np.nan), False
     return _text_times(frame, series)
 
 
-def _times(frame: pd.DataFrame, name: str) -> np.ndarray:
+def _times(frame: pd.DataFrame, name: str) -> tuple[np.ndarray, bool]:
     series = frame[name]
     missing = np.flatnonzero(series.isna().to_numpy())
     if missing.size:
         _fail(frame, int(missing[0]), "missing time")
-    values = _time_values(frame, series)
+    values, dated = _time_values(frame, series)
     infinite = np.flatnonzero(~np.isfinite(values))
     if infinite.size:
         _fail(frame, int(infinite[0]),
               f'bad time "{series.iloc[infinite[0]]}": expected a number or '
               "an ISO-8601 date")
-    return np.ascontiguousarray(values, dtype=np.float64)
+    return np.ascontiguousarray(values, dtype=np.float64), dated
 
 
 def log_columns(frame: pd.DataFrame, customer: str, time: str,
@@ -149,9 +153,9 @@ def log_columns(frame: pd.DataFrame, customer: str, time: str,
     customer_codes, customers = _codes(frame, customer, "customer")
     _check_not_empty(frame, customer_codes,
                      [_label(v) for v in customers], "customer")
-    times = _times(frame, time)
+    times, dated = _times(frame, time)
     item_codes, items = _codes(frame, item, "item")
     item_labels = [_label(v) for v in items]
     _check_not_empty(frame, item_codes, item_labels, "item")
     return LogColumns(customer_codes, times, item_codes, pd.Index(customers),
-                      item_labels)
+                      item_labels, dated)

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import datetime
 import os
 import warnings
 from typing import Any, Iterable, Optional, Sequence, Union
@@ -371,15 +372,44 @@ class Model:
                 f"{info['customers (N)']} customers>")
 
 
+Duration = Union[str, int, float, datetime.timedelta]
+
+
+def _duration_text(name: str, value: Duration) -> str:
+    """A time constraint as ``mine`` takes it: "30d", "90m", a number, or a
+    timedelta (as seconds, for a log of dates)."""
+    if isinstance(value, bool):
+        raise TypeError(f"{name}: expected a duration, not a bool")
+    if isinstance(value, datetime.timedelta):
+        return f"{value.total_seconds()!r}s"
+    if isinstance(value, (int, float)):
+        return repr(value)
+    if isinstance(value, str):
+        return value
+    raise TypeError(f"{name}: expected a duration (\"30d\", a number or a "
+                    f"timedelta), not {type(value).__name__}")
+
+
+def _set_time_constraints(settings, limits: dict[str, Optional[Duration]],
+                          gap_stats: bool) -> None:
+    for name, value in limits.items():
+        if value is not None:
+            setattr(settings, name, _duration_text(name, value))
+    settings.gap_stats = bool(gap_stats)
+
+
 def _mine(data: Data, customer: str, time: str, item: str,
           min_support: Optional[Union[float, int]],
           max_patterns: Optional[int], max_items: int,
           threads: Optional[int], format: str, delimiter: Optional[str],
           options: dict, function: str, pattern_file: str = "",
           pattern_format: str = "auto", skip_invalid: bool = False,
-          time_format: Optional[str] = None):
+          time_format: Optional[str] = None,
+          limits: Optional[dict[str, Optional[Duration]]] = None,
+          gap_stats: bool = False):
     """The extension's model and the miner's summary."""
     settings = _seqlattice.MineSettings()
+    _set_time_constraints(settings, limits or {}, gap_stats)
     if min_support is not None:
         settings.min_support = _support_text(min_support)
     if max_patterns is not None:
@@ -399,7 +429,7 @@ def _mine(data: Data, customer: str, time: str, item: str,
         return _seqlattice.Model.mine_columns(
             log.customer, log.time, log.item, len(log.customers),
             log.item_labels, settings, _frame.SOURCE, pattern_file,
-            pattern_format)
+            pattern_format, log.dated)
     if isinstance(data, (str, os.PathLike)):
         input_options = _input_options(customer, time, item, format,
                                        delimiter, skip_invalid, time_format)
@@ -416,6 +446,10 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
          threads: Optional[int] = None,
          format: str = "auto", delimiter: Optional[str] = None,
          skip_invalid: bool = False, time_format: Optional[str] = None,
+         min_gap: Optional[Duration] = None,
+         max_gap: Optional[Duration] = None,
+         max_span: Optional[Duration] = None,
+         window: Optional[Duration] = None, gap_stats: bool = False,
          **options: Any) -> Model:
     """Mines every frequent sequential pattern of a customer log into a
     model, as ``seqlattice mine`` does (the same code path, so the same
@@ -440,12 +474,24 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
     (``_seqlattice.MineSettings``, e.g. ``sequences=False`` to leave the
     customers' sequences out of the model).
 
+    ``min_gap``, ``max_gap``, ``max_span`` and ``window`` limit the times of
+    a pattern's occurrences as ``mine --min-gap`` etc. do
+    (docs/time-constraints.md): for times that are dates a text with a unit
+    ("30d", "12h", "90m", "2w") or a timedelta, otherwise a number in the
+    times' own unit. ``gap_stats`` keeps the time from the next-to-last item
+    set to the last of every pattern without a limit (always kept with one);
+    ``Model.rules`` then has the columns "mean gap", "min gap" and "max gap"
+    (days for dates).
+
     Runs without the GIL. Raises InputError naming the row (or the file and
     line) of bad input, MiningError when the model would not fit in memory.
     """
     core, _ = _mine(data, customer, time, item, min_support, max_patterns,
                     max_items, threads, format, delimiter, options, "mine",
-                    skip_invalid=skip_invalid, time_format=time_format)
+                    skip_invalid=skip_invalid, time_format=time_format,
+                    limits={"min_gap": min_gap, "max_gap": max_gap,
+                            "max_span": max_span, "window": window},
+                    gap_stats=gap_stats)
     return Model(core)
 
 
@@ -457,6 +503,10 @@ def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
                   format: str = "auto", delimiter: Optional[str] = None,
                   skip_invalid: bool = False,
                   time_format: Optional[str] = None,
+                  min_gap: Optional[Duration] = None,
+                  max_gap: Optional[Duration] = None,
+                  max_span: Optional[Duration] = None,
+                  window: Optional[Duration] = None,
                   **options: Any) -> dict[str, Any]:
     """Mines the frequent patterns of a log, as :func:`mine` does, straight
     into a pattern file instead of a model, as ``seqlattice mine
@@ -464,8 +514,9 @@ def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
     searches whose model would not fit.
 
     ``patterns_format`` is "spmf", "json" (one JSON object a line) or "auto"
-    (json for .json, .jsonl and .ndjson files). Returns the miner's summary:
-    customers, min count, patterns and patterns per size (from 1 item).
+    (json for .json, .jsonl and .ndjson files). The time constraints are
+    :func:`mine`'s. Returns the miner's summary: customers, min count,
+    patterns and patterns per size (from 1 item).
     """
     if patterns_format not in ("auto", "spmf", "json"):
         raise ValueError('patterns_format: expected "auto", "spmf" or '
@@ -476,7 +527,9 @@ def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
     _, summary = _mine(data, customer, time, item, min_support, max_patterns,
                        max_items, threads, format, delimiter, options,
                        "mine_patterns", path, patterns_format,
-                       skip_invalid=skip_invalid, time_format=time_format)
+                       skip_invalid=skip_invalid, time_format=time_format,
+                       limits={"min_gap": min_gap, "max_gap": max_gap,
+                               "max_span": max_span, "window": window})
     return summary
 
 

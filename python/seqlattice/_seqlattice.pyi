@@ -17,6 +17,11 @@ class MineSettings:
     sequences: bool
     time_limit: float
     progress: bool
+    min_gap: str
+    max_gap: str
+    max_span: str
+    window: str
+    gap_stats: bool
 
 class InputOptions:
     format: str
@@ -99,7 +104,8 @@ class Model:
                      item: np.ndarray, customers: int,
                      item_labels: list[str], settings: MineSettings,
                      input_name: str, pattern_file: str,
-                     pattern_format: str) -> tuple[Model, dict[str, Any]]: ...
+                     pattern_format: str, dated: bool = ...
+                     ) -> tuple[Model, dict[str, Any]]: ...
     @staticmethod
     def from_records(records: np.ndarray,
                      parts: PatternModelParts) -> Model: ...

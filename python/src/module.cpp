@@ -133,7 +133,7 @@ py::tuple mineColumns(const Codes& customer, const Times& time,
                       const cli::MineSettings& settings,
                       const std::string& inputName,
                       const std::string& patternFile,
-                      const std::string& patternFormat) {
+                      const std::string& patternFormat, bool dated) {
   input::LogColumns columns =
       logColumns(customer, time, item, customers, std::move(itemLabels));
   auto result = std::make_unique<PyModel>();
@@ -142,6 +142,7 @@ py::tuple mineColumns(const Codes& customer, const Times& time,
     options.memoryLimit = inputMemoryLimit();
     input::LabelledDatabase log =
         input::readColumns(std::move(columns), options);
+    log.datedTimes = dated;
     return mineLog(log, settings, inputName, "dataframe", patternFile,
                    patternFormat, &result->model);
   });
@@ -309,7 +310,12 @@ void bindSettings(py::module_& m) {
       .def_readwrite("threads", &cli::MineSettings::threads)
       .def_readwrite("sequences", &cli::MineSettings::sequences)
       .def_readwrite("time_limit", &cli::MineSettings::timeLimit)
-      .def_readwrite("progress", &cli::MineSettings::progress);
+      .def_readwrite("progress", &cli::MineSettings::progress)
+      .def_readwrite("min_gap", &cli::MineSettings::minGap)
+      .def_readwrite("max_gap", &cli::MineSettings::maxGap)
+      .def_readwrite("max_span", &cli::MineSettings::maxSpan)
+      .def_readwrite("window", &cli::MineSettings::window)
+      .def_readwrite("gap_stats", &cli::MineSettings::gapStats);
 
   py::class_<cli::InputOptions>(m, "InputOptions")
       .def(py::init<>())
@@ -399,7 +405,11 @@ void bindSettings(py::module_& m) {
 void bindModel(py::module_& m) {
   py::class_<PyModel>(m, "Model")
       .def_static("mine_file", &mineFile)
-      .def_static("mine_columns", &mineColumns)
+      .def_static("mine_columns", &mineColumns, py::arg("customer"),
+                  py::arg("time"), py::arg("item"), py::arg("customers"),
+                  py::arg("item_labels"), py::arg("settings"),
+                  py::arg("input_name"), py::arg("pattern_file"),
+                  py::arg("pattern_format"), py::arg("dated") = false)
       .def_static("from_records",
                   [](const Records& records, const PatternModelParts& parts) {
                     auto result = std::make_unique<PyModel>();

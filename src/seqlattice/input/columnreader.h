@@ -35,6 +35,9 @@ struct LabelledDatabase {
   mining::SequenceDatabase database;
   std::vector<std::string> customers;  // label of customer c of database
   ItemLabels items;
+  // The times are dates, as seconds since the epoch (set by the CSV reader;
+  // a caller of readColumns sets it when its times are).
+  bool datedTimes = false;
   // The rows a forgiving reader dropped (none for columns, which have no bad
   // rows to forgive: they throw).
   SkippedRows skipped;

@@ -170,6 +170,7 @@ LabelledDatabase readCsv(std::istream& in, const std::string& fileName,
   LabelledDatabase result = readColumns(
       std::move(log), ColumnOptions{options.memoryLimit, options.itemCode});
   result.skipped = std::move(skipped);
+  result.datedTimes = datesInFile;
   return result;
 }
 

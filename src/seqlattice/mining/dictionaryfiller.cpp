@@ -1,5 +1,7 @@
 #include "seqlattice/mining/dictionaryfiller.h"
 
+#include <cmath>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/store/hashpairseq.h"
 #include "seqlattice/store/sequencedescriptor.h"
+#include "seqlattice/store/statsbucket.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
@@ -49,11 +52,20 @@ void buildLatticeOf(SequenceDictionary& dictionary) {
 }
 
 // Whether dictionary holds every sub-pattern of key with one item less;
-// sub is the scratch pattern removeItem fills without allocating.
+// sub is the scratch pattern removeItem fills without allocating. Under a
+// max gap, a sub-pattern that drops a whole middle item set joins two sets
+// that may be too far apart, so it may rightly be missing: gapLimited skips
+// those.
 bool holdsSubPatterns(SequenceDictionary& dictionary, NTSequence* key,
-                      NTSequence& sub, int* missing = nullptr) {
+                      NTSequence& sub, int* missing = nullptr,
+                      bool gapLimited = false) {
+  const int lastSetStart =
+      key->size() - key->getSizeOfSet(key->getNSets() - 1);
   for (int i = 0; key->size() > 1 && i < key->size(); ++i) {
-    sub.removeItem(i, key);
+    const bool setGone = sub.removeItem(i, key) != 0;
+    const bool middle =
+        setGone && i >= key->getSizeOfSet(0) && i < lastSetStart;
+    if (gapLimited && middle) continue;
     if (dictionary.getDescriptor(&sub) == nullptr) {
       if (missing != nullptr) *missing = i;
       return false;
@@ -96,11 +108,44 @@ void DictionarySink::addPattern(int** sets, int nSets, long count,
   CarmaSequenceDescriptor counter(static_cast<int>(firstCustomer), 0,
                                   static_cast<int>(count));
   dictionary_.addSequence(sets, nSets, &counter);
+  if (gapsPending_) {
+    gapsPending_ = false;
+    auto bucket = std::make_unique<StatsBucket>();
+    fillGapBucket(*bucket, gapCount_, gapSum_, gapMin_, gapMax_);
+    dictionary_.getDescriptor(sets, nSets)->setStatsBucket(bucket.release());
+  }
+}
+
+void DictionarySink::addGaps(long n, double sum, double min, double max) {
+  gapsPending_ = true;
+  gapCount_ = n;
+  gapSum_ = sum;
+  gapMin_ = min;
+  gapMax_ = max;
+}
+
+void fillGapBucket(StatsBucket& bucket, long n, double sum, double min,
+                   double max) {
+  bucket.InitialGap(min);
+  if (n < 2) return;
+  bucket.UpdateGap(max);
+  const long rest = n - 2;
+  if (rest == 0) return;
+  const double remainder = sum - min - max;
+  const bool whole = remainder == std::floor(remainder) &&
+                     std::fabs(remainder) < 9007199254740992.0;
+  const double each = whole ? std::floor(remainder / static_cast<double>(rest))
+                            : remainder / static_cast<double>(rest);
+  // In whole numbers the first `extra` gaps take one more.
+  const long extra =
+      whole ? static_cast<long>(remainder - each * static_cast<double>(rest))
+            : 0;
+  for (long k = 0; k < rest; ++k) bucket.UpdateGap(k < extra ? each + 1 : each);
 }
 
 namespace {
 
-// Adds key with a copy of counter.
+// Adds key with a copy of counter and of its bucket.
 void addPattern(SequenceDictionary& dictionary, const NTSequence& key,
                 SequenceCounter* counter) {
   const int nSets = key.getNSets();
@@ -114,12 +159,16 @@ void addPattern(SequenceDictionary& dictionary, const NTSequence& key,
     pointers.push_back(set.data());
   }
   dictionary.addSequence(pointers.data(), nSets, counter);
+  if (counter != nullptr && counter->getStatsBucket() != nullptr) {
+    dictionary.getDescriptor(pointers.data(), nSets)
+        ->setStatsBucket(new StatsBucket(*counter->getStatsBucket()));
+  }
 }
 
 }  // namespace
 
 void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
-                    MiningSummary& summary) {
+                    MiningSummary& summary, bool gapLimited) {
   kept.getLevel0Descriptor()->setCount(found.getLevel0Descriptor()->getCount());
   NTSequence sub;  // the scratch pattern removeItem fills without allocating
   long dropped = 0;
@@ -127,7 +176,7 @@ void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
     HashtableSQPair* table = found.getLevel(k);
     if (table == nullptr) continue;
     for (const ISQCPair& entry : *table) {
-      if (holdsSubPatterns(kept, entry.key, sub)) {
+      if (holdsSubPatterns(kept, entry.key, sub, nullptr, gapLimited)) {
         addPattern(kept, *entry.key, entry.value);
       } else {
         ++dropped;
@@ -153,7 +202,7 @@ MiningSummary mineIntoDictionary(const SequenceDatabase& db,
   checkPatternSize(options.maxItems, dictionary);
   addCustomers(dictionary, static_cast<long>(db.customerCount()));
   DictionarySink sink(dictionary, options.memoryBudget);
-  MiningSummary summary = SequenceMiner(options).mine(db, sink);
+  MiningSummary summary = SequenceMiner(options).mine(db, sink, &sink);
   if (!summary.complete) return summary;
   buildLatticeOf(dictionary);
   return summary;

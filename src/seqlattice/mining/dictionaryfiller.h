@@ -21,6 +21,7 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/mining/miner.h"
+#include "seqlattice/store/statsbucket.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
@@ -29,13 +30,15 @@ namespace mining {
 // (bytes, 0 = none) it refuses, with a MiningError, the pattern that would
 // take the model past it, so that a search finding far more patterns than
 // memory holds ends with a message rather than an out-of-memory kill.
-class DictionarySink : public PatternSink {
+class DictionarySink : public PatternSink, public GapSink {
  public:
   explicit DictionarySink(SequenceDictionary& dictionary,
                           std::size_t memoryBudget = 0)
       : dictionary_(dictionary), budget_(memoryBudget) {}
   void addPattern(int** sets, int nSets, long count,
                   long firstCustomer) override;
+  // The next pattern's gap statistics, stored in its counter's bucket.
+  void addGaps(long n, double sum, double min, double max) override;
 
   // Estimated bytes of the patterns stored so far, lattice included.
   std::size_t modelBytes() const { return bytes_; }
@@ -45,7 +48,17 @@ class DictionarySink : public PatternSink {
   std::size_t budget_;
   std::size_t bytes_ = 0;
   long patterns_ = 0;
+  bool gapsPending_ = false;
+  long gapCount_ = 0;
+  double gapSum_ = 0, gapMin_ = 0, gapMax_ = 0;
 };
+
+// A bucket holding n gaps of that sum, minimum and maximum, made with the
+// bucket's own InitialGap and UpdateGap: the minimum, the maximum, and the
+// rest of the sum spread over the other n - 2 (in whole numbers when the sum
+// is one, so integral times give exact sums). n >= 1.
+void fillGapBucket(StatsBucket& bucket, long n, double sum, double min,
+                   double max);
 
 // What one stored pattern of `items` items costs once the lattice is built,
 // allocator overhead included: its key (object and item array), chain node,
@@ -59,11 +72,13 @@ std::size_t storedPatternBytes(int items);
 // whose sub-patterns of one item less are all kept, level by level
 // upwards, copies the number of customers, builds kept's lattice and
 // updates summary (patterns and patterns per size kept, patterns dropped,
-// longest pattern). Copying the kept part costs what the kept part costs;
-// found, often many times larger, is left as it is for the caller to drop.
-// Throws MiningError when the lattice cannot be built.
+// longest pattern). Under a maximum gap (gapLimited) a missing sub-pattern
+// without a middle item set does not count against a pattern. Copying the kept
+// part costs what the kept part costs; found, often many times larger, is left
+// as it is for the caller to drop. Throws MiningError when the lattice cannot
+// be built.
 void keepClosedPart(const SequenceDictionary& found, SequenceDictionary& kept,
-                    MiningSummary& summary);
+                    MiningSummary& summary, bool gapLimited = false);
 
 // Mines db into dictionary and builds the lattice. A search stopped early
 // (MinerOptions::deadline or progress) says so in summary.complete and

@@ -11,6 +11,7 @@
 
 #include "seqlattice/mining/internal/orderedtasks.h"
 #include "seqlattice/mining/internal/patternemitter.h"
+#include "seqlattice/mining/internal/timedsearch.h"
 #include "seqlattice/mining/internal/workdatabase.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
@@ -579,13 +580,19 @@ SequenceMiner::SequenceMiner(const MinerOptions& options) : options_(options) {
     throw MiningError("thread count " + std::to_string(options.threads) +
                       " is negative");
   }
+  internal::checkTimeConstraints(options.time);
 }
 
 MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
                                   PatternSink& sink) const {
+  return mine(db, sink, nullptr);
+}
+
+MiningSummary SequenceMiner::mine(const SequenceDatabase& db, PatternSink& sink,
+                                  GapSink* gaps) const {
   MiningSummary summary;
   try {
-    search(db, sink, summary);
+    search(db, sink, options_.gapStatistics ? gaps : nullptr, summary);
   } catch (const internal::SearchStopped&) {
     summary.complete = false;
   }
@@ -593,7 +600,7 @@ MiningSummary SequenceMiner::mine(const SequenceDatabase& db,
 }
 
 void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
-                           MiningSummary& summary) const {
+                           GapSink* gaps, MiningSummary& summary) const {
   summary.customers = static_cast<long>(db.customerCount());
   summary.minCount = options_.minSupport.countFor(db.customerCount());
   summary.patternsPerSize.assign(1, 0);
@@ -607,8 +614,6 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
                       formatMegabytes(options_.memoryBudget));
   }
   long minCount = std::min<long>(summary.minCount, summary.customers + 1);
-  internal::WorkDatabase work = internal::buildWorkDatabase(db, minCount);
-  u32 f = static_cast<u32>(work.itemCount());
   // The calling thread, which feeds the sink and may lag behind the
   // workers, looks at the deadline too, after each batch.
   std::function<bool(long)> report;
@@ -619,6 +624,13 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
              std::chrono::steady_clock::now() < options_.deadline;
     };
   }
+  if (options_.time.any() || gaps != nullptr) {
+    internal::timedSearch(db, options_, minCount, threads, report, sink, gaps,
+                          summary);
+    return;
+  }
+  internal::WorkDatabase work = internal::buildWorkDatabase(db, minCount);
+  u32 f = static_cast<u32>(work.itemCount());
   internal::PatternEmitter emitter(sink, summary, report);
   auto emit = [&emitter](std::vector<int>& chunk) { emitter.emit(chunk); };
   std::vector<Worker> workers;

@@ -14,12 +14,18 @@
 // are tasks shared by `threads` worker threads; each task buffers its
 // patterns, and the calling thread hands them to the sink, so the sink is only
 // ever called from the calling thread and need not be thread-safe.
+//
+// Time constraints (MinerOptions::time, docs/time-constraints.md) change what
+// "contains" means; a search with any of them goes through its own search
+// over occurrence lists with times (internal/timedsearch.h), which can also
+// report each pattern's gap statistics to a GapSink.
 #ifndef SEQLATTICE_MINING_MINER_H_
 #define SEQLATTICE_MINING_MINER_H_
 
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <vector>
 
 #include "seqlattice/mining/sequencedatabase.h"
@@ -48,6 +54,26 @@ class MinSupport {
   double value_;
 };
 
+// Limits on the times of a pattern's occurrence, in the database's time unit
+// (docs/time-constraints.md). An item set of the pattern is matched to the
+// transactions of a time interval [l, u] of the customer, whose items
+// together hold the set; with window 0 to one transaction (l = u).
+// Consecutive sets i-1, i must satisfy u(i-1) < l(i),
+// l(i) - u(i-1) >= minGap and u(i) - l(i-1) <= maxGap; the whole pattern
+// u(last) - l(first) <= maxSpan; every set u - l <= window.
+struct TimeConstraints {
+  static constexpr double kNone = std::numeric_limits<double>::infinity();
+  double minGap = 0;       // >= 0; 0: only the order
+  double maxGap = kNone;   // > 0
+  double maxSpan = kNone;  // > 0
+  double window = 0;       // >= 0; 0: one transaction per item set
+
+  // True when some constraint differs from "none".
+  bool any() const {
+    return minGap != 0 || maxGap != kNone || maxSpan != kNone || window != 0;
+  }
+};
+
 struct MinerOptions {
   MinSupport minSupport = MinSupport::count(1);
   int maxItems = 9;  // patterns of 1 .. maxItems items are reported
@@ -66,6 +92,11 @@ struct MinerOptions {
   // the sink, with the number found so far; returning false stops the
   // search as the deadline does. Empty: not called.
   std::function<bool(long patterns)> progress;
+  // Constraints on the occurrences' times; none by default.
+  TimeConstraints time;
+  // Report gap statistics to the GapSink given to mine() (a search without
+  // constraints then runs through the constrained search, without limits).
+  bool gapStatistics = false;
 };
 
 // Receives the patterns, one call each, from the thread that called mine().
@@ -78,6 +109,17 @@ class PatternSink {
   // firstCustomer is the index of the first customer containing the pattern.
   virtual void addPattern(int** sets, int nSets, long count,
                           long firstCustomer) = 0;
+};
+
+// Receives the gap statistics of the patterns of two or more item sets: the
+// time from the next-to-last item set to the last (l(last) - l(last-1)), over
+// the customers containing the pattern, each at its earliest occurrence (the
+// one whose last set ends first; of those, the shortest gap). Called from the
+// calling thread just before the addPattern call of the same pattern.
+class GapSink {
+ public:
+  virtual ~GapSink() = default;
+  virtual void addGaps(long n, double sum, double min, double max) = 0;
 };
 
 struct MiningSummary {
@@ -98,7 +140,8 @@ struct MiningSummary {
 
 class SequenceMiner {
  public:
-  // Throws MiningError when maxItems < 1 or threads < 0.
+  // Throws MiningError when maxItems < 1, threads < 0 or a time constraint
+  // is out of its range.
   explicit SequenceMiner(const MinerOptions& options);
 
   // Mines db and feeds every frequent pattern to sink. Throws MiningError
@@ -107,9 +150,13 @@ class SequenceMiner {
   // deadline or the progress callback returns normally, summary.complete
   // false.
   MiningSummary mine(const SequenceDatabase& db, PatternSink& sink) const;
+  // The same, and with options.gapStatistics the gap statistics to gaps
+  // (which may be null: then none are computed).
+  MiningSummary mine(const SequenceDatabase& db, PatternSink& sink,
+                     GapSink* gaps) const;
 
  private:
-  void search(const SequenceDatabase& db, PatternSink& sink,
+  void search(const SequenceDatabase& db, PatternSink& sink, GapSink* gaps,
               MiningSummary& summary) const;
 
   MinerOptions options_;

@@ -2,10 +2,32 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
 namespace internal {
+
+namespace {
+
+constexpr std::size_t kIntsPerDouble = sizeof(double) / sizeof(int);
+
+double readDouble(const int* at) {
+  double v;
+  std::memcpy(&v, at, sizeof v);
+  return v;
+}
+
+}  // namespace
+
+void appendGaps(std::vector<int>& buffer, double n, double sum, double min,
+                double max) {
+  for (double v : {n, sum, min, max}) {
+    int ints[kIntsPerDouble];
+    std::memcpy(ints, &v, sizeof v);
+    buffer.insert(buffer.end(), ints, ints + kIntsPerDouble);
+  }
+}
 
 void PatternEmitter::emit(std::vector<int>& buffer) {
   std::size_t at = 0;
@@ -28,6 +50,14 @@ void PatternEmitter::emit(std::vector<int>& buffer) {
     ++summary_.patterns;
     summary_.longestPattern =
         std::max(summary_.longestPattern, static_cast<int>(items));
+    if (gaps_ != nullptr && nSets >= 2) {
+      const int* g = &buffer[at];
+      gaps_->addGaps(static_cast<long>(readDouble(g)),
+                     readDouble(g + kIntsPerDouble),
+                     readDouble(g + 2 * kIntsPerDouble),
+                     readDouble(g + 3 * kIntsPerDouble));
+      at += 4 * kIntsPerDouble;
+    }
     sink_.addPattern(sets_.data(), nSets, count, first);
   }
   if (progress_ && !progress_(summary_.patterns)) throw SearchStopped();

@@ -1,0 +1,711 @@
+#include "seqlattice/mining/internal/timedsearch.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "seqlattice/mining/internal/orderedtasks.h"
+#include "seqlattice/mining/internal/patternemitter.h"
+#include "seqlattice/mining/miningerror.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+namespace mining {
+namespace internal {
+
+namespace {
+
+using u32 = std::uint32_t;
+constexpr u32 kNoSet = UINT32_MAX;
+
+// The database as the search reads it: the frequent items, renumbered in
+// ascending order of their values, the transactions that keep some of them
+// with their times, and per item the transactions holding it, ascending.
+struct TimedDatabase {
+  std::vector<u32> items, transactionStart{0}, customerStart{0};
+  std::vector<double> time;
+  std::vector<u32> customerId;
+  std::vector<int> itemValue;
+  std::vector<std::vector<u32>> occurrences;  // per item: transactions
+  std::vector<u32> customerOf;                // per transaction
+  // Per customer its distinct items by last occurrence, latest first, in
+  // lastStart[c] .. lastStart[c + 1]: the items from transaction f on are
+  // the prefix with lastTransaction >= f.
+  std::vector<u32> lastStart{0}, lastTransaction, lastItem;
+
+  u32 itemCount() const { return static_cast<u32>(itemValue.size()); }
+};
+
+TimedDatabase buildTimedDatabase(const SequenceDatabase& db, long minCount) {
+  std::vector<int> values(db.items());
+  std::sort(values.begin(), values.end());
+  values.erase(std::unique(values.begin(), values.end()), values.end());
+  auto codeOf = [&values](int v) {
+    return static_cast<u32>(std::lower_bound(values.begin(), values.end(), v) -
+                            values.begin());
+  };
+  std::vector<u32> support(values.size(), 0), seen(values.size(), kNoSet);
+  for (std::size_t c = 0; c < db.customerCount(); ++c) {
+    for (u32 t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
+      for (const int* p = db.itemsBegin(t); p < db.itemsEnd(t); ++p) {
+        u32 v = codeOf(*p);
+        if (seen[v] != c) {
+          seen[v] = static_cast<u32>(c);
+          ++support[v];
+        }
+      }
+    }
+  }
+  TimedDatabase work;
+  std::vector<u32> dense(values.size(), kNoSet);
+  for (std::size_t v = 0; v < values.size(); ++v) {
+    if (support[v] < static_cast<u32>(minCount)) continue;
+    dense[v] = static_cast<u32>(work.itemValue.size());
+    work.itemValue.push_back(values[v]);
+  }
+  work.occurrences.resize(work.itemValue.size());
+  std::vector<u32> lastSeen(work.itemValue.size(), kNoSet);
+  for (std::size_t c = 0; c < db.customerCount(); ++c) {
+    const std::size_t before = work.time.size();
+    for (u32 t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
+      const std::size_t first = work.items.size();
+      const u32 index = static_cast<u32>(work.time.size());
+      for (const int* p = db.itemsBegin(t); p < db.itemsEnd(t); ++p) {
+        u32 x = dense[codeOf(*p)];
+        if (x == kNoSet) continue;
+        work.items.push_back(x);
+        work.occurrences[x].push_back(index);
+      }
+      if (work.items.size() == first) continue;
+      work.transactionStart.push_back(static_cast<u32>(work.items.size()));
+      work.time.push_back(db.time(t));
+      work.customerOf.push_back(
+          static_cast<u32>(work.customerStart.size() - 1));
+    }
+    if (work.time.size() == before) continue;
+    work.customerStart.push_back(static_cast<u32>(work.time.size()));
+    work.customerId.push_back(static_cast<u32>(c));
+    const u32 customer = static_cast<u32>(work.customerId.size() - 1);
+    for (u32 t = static_cast<u32>(work.time.size()); t-- > before;) {
+      for (u32 k = work.transactionStart[t]; k < work.transactionStart[t + 1];
+           ++k) {
+        const u32 x = work.items[k];
+        if (lastSeen[x] == customer) continue;
+        lastSeen[x] = customer;
+        work.lastTransaction.push_back(t);
+        work.lastItem.push_back(x);
+      }
+    }
+    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
+  }
+  return work;
+}
+
+// An occurrence as the constraints see it (transaction indexes): the first
+// set starts at `first`, the next-to-last set spans [lPrev, uPrev] (kNoSet
+// in a one-set pattern), the last set spans [l, u].
+struct State {
+  u32 first, lPrev, uPrev, l, u;
+};
+
+// The occurrences of a pattern: entry e is customer cust[e] with the states
+// states[start[e] .. start[e + 1]), ordered by (l, u).
+struct Node {
+  std::vector<u32> cust, start{0};
+  std::vector<State> states;
+  void clear() {
+    cust.clear();
+    start.assign(1, 0);
+    states.clear();
+  }
+  u32 size() const { return static_cast<u32>(cust.size()); }
+};
+
+// A range of transaction indexes [begin, end).
+struct Range {
+  u32 begin, end;
+};
+
+class Worker {
+ public:
+  Worker(const TimedDatabase& db, const MinerOptions& options, long minCount,
+         bool gaps, const std::vector<std::vector<u32>>* followers)
+      : db_(db),
+        time_(options.time),
+        minCount_(static_cast<u32>(minCount)),
+        maxItems_(options.maxItems),
+        deadline_(options.deadline),
+        gaps_(gaps),
+        followers_(followers),
+        openEnded_(options.time.maxGap == TimeConstraints::kNone &&
+                   options.time.maxSpan == TimeConstraints::kNone) {
+    const u32 f = db.itemCount();
+    for (Counters* c : {&s_, &i_}) {
+      c->flag.assign(f, 0);
+      c->count.assign(f, 0);
+      c->stamp.assign(f, 0);
+    }
+    levels_.resize(static_cast<std::size_t>(maxItems_) + 2);
+    all_.resize(f);
+    for (u32 x = 0; x < f; ++x) all_[x] = x;
+  }
+
+  void setOutput(std::vector<int>* out, std::function<void()> full = {}) {
+    out_ = out;
+    full_ = std::move(full);
+  }
+
+  // The frequent sequence extensions of the one-item pattern x, ascending.
+  std::vector<u32> followersOf(u32 x) {
+    Node& root = levels_[0].node;
+    buildRoot(x, root);
+    pattern_.assign(1, x);
+    newSet_.assign(1, 1);
+    Level& level = levels_[1];
+    count(root, 1, x, all_.data(), db_.itemCount(), true, nullptr, 0);
+    level.sFrequent.clear();
+    collect(s_, level.sFrequent);
+    return level.sFrequent;
+  }
+
+  // Emits x and every frequent pattern that begins with it.
+  void mineRoot(u32 x) {
+    Node& root = levels_[0].node;
+    buildRoot(x, root);
+    pattern_.assign(1, x);
+    newSet_.assign(1, 1);
+    emit(root, 1);
+    const u32 f = db_.itemCount();
+    expand(root, 1, x, all_.data(), f, true, all_.data() + x + 1, f - x - 1);
+  }
+
+ private:
+  struct Counters {
+    std::vector<u32> flag, count, touched;
+    std::vector<std::uint64_t> stamp;
+    void hit(u32 x, std::uint64_t now) {
+      if (stamp[x] == now) return;
+      stamp[x] = now;
+      if (count[x]++ == 0) touched.push_back(x);
+    }
+  };
+  struct Level {
+    Node node;  // the pattern of this many items being expanded
+    std::vector<u32> sFrequent, iFrequent;
+  };
+
+  double t(u32 transaction) const { return db_.time[transaction]; }
+
+  void buildRoot(u32 x, Node& root) const {
+    root.clear();
+    for (u32 tr : db_.occurrences[x]) {
+      const u32 c = db_.customerOf[tr];
+      if (root.cust.empty() || root.cust.back() != c) {
+        if (!root.cust.empty()) {
+          root.start.push_back(static_cast<u32>(root.states.size()));
+        }
+        root.cust.push_back(c);
+      }
+      root.states.push_back(State{tr, kNoSet, kNoSet, tr, tr});
+    }
+    if (!root.cust.empty()) {
+      root.start.push_back(static_cast<u32>(root.states.size()));
+    }
+  }
+
+  // Where a new item set may be matched after state s: transactions after
+  // its last set by at least the minimum gap, within the maximum gap of its
+  // start and the maximum span of the pattern's start.
+  Range sequenceRange(u32 c, const State& s) const {
+    const u32 end = db_.customerStart[c + 1];
+    u32 lo = s.u + 1;
+    if (time_.minGap > 0)
+      lo = partition(lo, end,
+                     [&](u32 k) { return t(k) - t(s.u) < time_.minGap; });
+    u32 hi = end;
+    if (time_.maxGap != TimeConstraints::kNone ||
+        time_.maxSpan != TimeConstraints::kNone) {
+      hi = partition(lo, end, [&](u32 k) {
+        return t(k) - t(s.l) <= time_.maxGap &&
+               t(k) - t(s.first) <= time_.maxSpan;
+      });
+    }
+    return Range{lo, hi};
+  }
+
+  // Where another item of the last set may come from (window > 0): within
+  // the window of the set's transactions, after the previous set by the
+  // minimum gap, within the maximum gap of its start and the span.
+  Range itemRange(u32 c, const State& s, int sets) const {
+    const u32 begin = db_.customerStart[c];
+    const u32 end = db_.customerStart[c + 1];
+    const double w =
+        sets == 1 ? std::min(time_.window, time_.maxSpan) : time_.window;
+    u32 lo = partition(begin, s.l, [&](u32 k) {
+      return (s.uPrev != kNoSet &&
+              (k <= s.uPrev || t(k) - t(s.uPrev) < time_.minGap)) ||
+             t(s.u) - t(k) > w;
+    });
+    u32 hi = partition(s.u + 1, end, [&](u32 k) {
+      return t(k) - t(s.l) <= w &&
+             (sets == 1 || (t(k) - t(s.lPrev) <= time_.maxGap &&
+                            t(k) - t(s.first) <= time_.maxSpan));
+    });
+    return Range{lo, hi};
+  }
+
+  // The first k of [from, to) where holds(k) is false; holds is true on a
+  // prefix of the range.
+  template <class Holds>
+  static u32 partition(u32 from, u32 to, const Holds& holds) {
+    while (from < to) {
+      u32 mid = from + (to - from) / 2;
+      if (holds(mid)) {
+        from = mid + 1;
+      } else {
+        to = mid;
+      }
+    }
+    return from;
+  }
+
+  // The ranges of all states of entry e, merged.
+  template <class RangeOf>
+  void mergedRanges(const Node& node, u32 e, const RangeOf& rangeOf) {
+    ranges_.clear();
+    for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+      Range r = rangeOf(node.states[k]);
+      if (r.begin < r.end) ranges_.push_back(r);
+    }
+    std::sort(ranges_.begin(), ranges_.end(),
+              [](const Range& a, const Range& b) { return a.begin < b.begin; });
+    std::size_t n = 0;
+    for (const Range& r : ranges_) {
+      if (n > 0 && r.begin <= ranges_[n - 1].end) {
+        ranges_[n - 1].end = std::max(ranges_[n - 1].end, r.end);
+      } else {
+        ranges_[n++] = r;
+      }
+    }
+    ranges_.resize(n);
+  }
+
+  // Counts, per customer once, the candidates that extend the node's pattern
+  // (`sets` item sets, last item `last`) as a new set (sCand, all items when
+  // sAll) and into its last set (iCand).
+  void count(const Node& node, int sets, u32 last, const u32* sCand,
+             std::size_t nS, bool sAll, const u32* iCand, std::size_t nI) {
+    if (!sAll) {
+      for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
+    }
+    for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 1;
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    for (u32 e = 0; e < node.size(); ++e) {
+      const u32 c = node.cust[e];
+      ++now_;
+      if (nS > 0 && openEnded_) {
+        // Every range runs to the customer's end: the items from the
+        // earliest start on are a prefix of the last-occurrence list.
+        u32 from = db_.customerStart[c + 1];
+        for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+          from = std::min(from, sequenceRange(c, node.states[k]).begin);
+        }
+        const u32* lt = db_.lastTransaction.data();
+        const u32* li = db_.lastItem.data();
+        for (u32 k = db_.lastStart[c], end = db_.lastStart[c + 1];
+             k < end && lt[k] >= from; ++k) {
+          if (sAll || s_.flag[li[k]]) s_.hit(li[k], now_);
+        }
+      } else if (nS > 0) {
+        mergedRanges(node, e,
+                     [&](const State& s) { return sequenceRange(c, s); });
+        for (const Range& r : ranges_) {
+          for (u32 k = ts[r.begin]; k < ts[r.end]; ++k) {
+            if (sAll || s_.flag[items[k]]) s_.hit(items[k], now_);
+          }
+        }
+      }
+      if (nI == 0) continue;
+      if (time_.window == 0) {
+        for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+          scanAbove(node.states[k].l, node.states[k].l + 1, last);
+        }
+      } else {
+        mergedRanges(node, e,
+                     [&](const State& s) { return itemRange(c, s, sets); });
+        for (const Range& r : ranges_) scanAbove(r.begin, r.end, last);
+      }
+    }
+    if (!sAll) {
+      for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 0;
+    }
+    for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 0;
+  }
+
+  void scanAbove(u32 from, u32 to, u32 last) {
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    for (u32 tr = from; tr < to; ++tr) {
+      const u32* b = items + ts[tr + 1];
+      const u32* a = std::upper_bound(items + ts[tr], b, last);
+      for (; a < b; ++a) {
+        if (i_.flag[*a]) i_.hit(*a, now_);
+      }
+    }
+  }
+
+  // The frequent counted items, ascending; resets the counters.
+  void collect(Counters& counters, std::vector<u32>& frequent) {
+    for (u32 x : counters.touched) {
+      if (counters.count[x] >= minCount_) frequent.push_back(x);
+      counters.count[x] = 0;
+    }
+    counters.touched.clear();
+    std::sort(frequent.begin(), frequent.end());
+  }
+
+  // Expands the node of the current pattern (depth items, `sets` sets, last
+  // item `last`): counts, then builds, emits and expands each frequent
+  // extension in turn.
+  void expand(const Node& node, int sets, u32 last, const u32* sCand,
+              std::size_t nS, bool sAll, const u32* iCand, std::size_t nI) {
+    const std::size_t depth = pattern_.size();
+    if (static_cast<int>(depth) >= maxItems_) return;
+    Level& level = levels_[depth];
+    level.sFrequent.clear();
+    level.iFrequent.clear();
+    count(node, sets, last, sCand, nS, sAll, iCand, nI);
+    collect(s_, level.sFrequent);
+    collect(i_, level.iFrequent);
+    Node& child = levels_[depth + 1].node;
+    for (u32 x : level.iFrequent) {
+      buildItemChild(node, sets, x, child);
+      push(x, false);
+      emit(child, sets);
+      const std::size_t after = static_cast<std::size_t>(
+          std::upper_bound(level.iFrequent.begin(), level.iFrequent.end(), x) -
+          level.iFrequent.begin());
+      expand(child, sets, x, level.sFrequent.data(), level.sFrequent.size(),
+             false, level.iFrequent.data() + after,
+             level.iFrequent.size() - after);
+      pop();
+    }
+    for (u32 x : level.sFrequent) {
+      buildSequenceChild(node, x, child);
+      push(x, true);
+      emit(child, sets + 1);
+      const std::size_t after = static_cast<std::size_t>(
+          std::upper_bound(level.sFrequent.begin(), level.sFrequent.end(), x) -
+          level.sFrequent.begin());
+      const std::vector<u32>& next =
+          followers_ != nullptr ? (*followers_)[x] : level.sFrequent;
+      expand(child, sets + 1, x, next.data(), next.size(), false,
+             level.sFrequent.data() + after, level.sFrequent.size() - after);
+      pop();
+    }
+  }
+
+  // The occurrences of x, transactions ascending, as a cursor over the
+  // customers in ascending order: slice(c) narrows to customer c's.
+  class Occurrences {
+   public:
+    Occurrences(const TimedDatabase& db, u32 x)
+        : db_(db),
+          at_(db.occurrences[x].data()),
+          end_(at_ + db.occurrences[x].size()) {}
+    void slice(u32 c) {
+      at_ = std::lower_bound(at_, end_, db_.customerStart[c]);
+      sliceEnd_ = std::lower_bound(at_, end_, db_.customerStart[c + 1]);
+    }
+    // The transactions of [r.begin, r.end) holding x, within the slice.
+    std::pair<const u32*, const u32*> in(Range r) const {
+      const u32* a = std::lower_bound(at_, sliceEnd_, r.begin);
+      return {a, std::lower_bound(a, sliceEnd_, r.end)};
+    }
+
+   private:
+    const TimedDatabase& db_;
+    const u32* at_;
+    const u32* end_;
+    const u32* sliceEnd_ = nullptr;
+  };
+
+  // Fills child with what visit(c, state) adds to fresh_ for each state of
+  // each customer c of node, reduced by append.
+  template <class Visit>
+  void buildChild(const Node& node, u32 x, Node& child, const Visit& visit) {
+    child.clear();
+    Occurrences occurrences(db_, x);
+    for (u32 e = 0; e < node.size(); ++e) {
+      const u32 c = node.cust[e];
+      occurrences.slice(c);
+      fresh_.clear();
+      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+        visit(c, node.states[k], occurrences);
+      }
+      append(c, child);
+    }
+  }
+
+  void buildSequenceChild(const Node& node, u32 x, Node& child) {
+    if (openEnded_) return buildOpenSequenceChild(node, x, child);
+    buildChild(node, x, child,
+               [&](u32 c, const State& s, const Occurrences& o) {
+                 auto [a, b] = o.in(sequenceRange(c, s));
+                 for (; a < b; ++a)
+                   fresh_.push_back(State{s.first, s.l, s.u, *a, *a});
+               });
+  }
+
+  // The same without a maximum gap or span, where a state's range runs to
+  // the customer's end: one sweep over the customer's occurrences of x,
+  // keeping the states no other beats among those whose range has begun.
+  void buildOpenSequenceChild(const Node& node, u32 x, Node& child) {
+    child.clear();
+    const std::vector<u32>& o = db_.occurrences[x];
+    const u32* at = o.data();
+    const u32* end = o.data() + o.size();
+    for (u32 e = 0; e < node.size() && at < end; ++e) {
+      const u32 c = node.cust[e];
+      ready_.clear();
+      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+        const State& s = node.states[k];
+        ready_.emplace_back(sequenceRange(c, s).begin, s);
+      }
+      std::sort(
+          ready_.begin(), ready_.end(),
+          [](const std::pair<u32, State>& a, const std::pair<u32, State>& b) {
+            return a.first < b.first;
+          });
+      at = std::lower_bound(at, end, ready_.front().first);
+      fresh_.clear();
+      front_.clear();
+      std::size_t next = 0;
+      for (; at < end && *at < db_.customerStart[c + 1]; ++at) {
+        for (; next < ready_.size() && ready_[next].first <= *at; ++next) {
+          enterFront(ready_[next].second);
+        }
+        for (const State& p : front_) {
+          fresh_.push_back(State{p.first, p.l, p.u, *at, *at});
+        }
+      }
+      append(c, child);
+    }
+  }
+
+  // Adds s to the states that may precede a new set unless one of them
+  // beats it, dropping those it beats; with window 0 they merge into one.
+  void enterFront(const State& s) {
+    if (time_.window == 0 && !front_.empty()) {
+      State& m = front_.front();
+      m.first = std::max(m.first, s.first);
+      m.l = m.u = std::max(m.l, s.l);
+      return;
+    }
+    for (const State& o : front_) {
+      if (o.l >= s.l && o.first >= s.first && o.u <= s.u) return;
+    }
+    std::size_t n = 0;
+    for (const State& o : front_) {
+      if (!(s.l >= o.l && s.first >= o.first && s.u <= o.u)) front_[n++] = o;
+    }
+    front_.resize(n);
+    front_.push_back(s);
+  }
+
+  void buildItemChild(const Node& node, int sets, u32 x, Node& child) {
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    buildChild(
+        node, x, child, [&](u32 c, const State& s, const Occurrences& o) {
+          if (time_.window == 0) {
+            if (std::binary_search(items + ts[s.l], items + ts[s.l + 1], x)) {
+              fresh_.push_back(s);
+            }
+            return;
+          }
+          auto [a, b] = o.in(itemRange(c, s, sets));
+          for (; a < b; ++a) {
+            State n = s;
+            n.l = std::min(s.l, *a);
+            n.u = std::max(s.u, *a);
+            if (sets == 1) n.first = n.l;
+            fresh_.push_back(n);
+          }
+        });
+  }
+
+  // Adds fresh_, reduced to the states no other beats, as customer c's.
+  void append(u32 c, Node& child) {
+    if (fresh_.empty()) return;
+    std::sort(fresh_.begin(), fresh_.end(), [](const State& a, const State& b) {
+      if (a.l != b.l) return a.l < b.l;
+      if (a.u != b.u) return a.u < b.u;
+      if (a.lPrev != b.lPrev) return a.lPrev > b.lPrev;
+      if (a.first != b.first) return a.first > b.first;
+      return a.uPrev < b.uPrev;
+    });
+    const std::size_t groupStart = child.states.size();
+    std::size_t sameEnds = groupStart;
+    for (const State& s : fresh_) {
+      if (sameEnds < child.states.size() && (child.states[sameEnds].l != s.l ||
+                                             child.states[sameEnds].u != s.u)) {
+        sameEnds = child.states.size();
+      }
+      if (time_.window == 0 && sameEnds < child.states.size()) {
+        // With one transaction per set only the start and the previous
+        // set's start matter, and the best of each may come from two
+        // occurrences: both limits are met by one of them each.
+        State& kept = child.states[sameEnds];
+        kept.first = std::max(kept.first, s.first);
+        continue;
+      }
+      bool beaten = false;
+      for (std::size_t k = sameEnds; k < child.states.size() && !beaten; ++k) {
+        const State& o = child.states[k];
+        beaten = o.lPrev >= s.lPrev && o.first >= s.first && o.uPrev <= s.uPrev;
+      }
+      if (!beaten) child.states.push_back(s);
+    }
+    child.cust.push_back(c);
+    child.start.push_back(static_cast<u32>(child.states.size()));
+  }
+
+  void push(u32 x, bool newSet) {
+    pattern_.push_back(x);
+    newSet_.push_back(newSet ? 1 : 0);
+  }
+  void pop() {
+    pattern_.pop_back();
+    newSet_.pop_back();
+  }
+
+  // Appends the current pattern, whose occurrences are node's, as a
+  // PatternEmitter record.
+  void emit(const Node& node, int sets) {
+    std::vector<int>& out = *out_;
+    out.push_back(static_cast<int>(node.size()));
+    out.push_back(static_cast<int>(db_.customerId[node.cust[0]]));
+    out.push_back(sets);
+    std::size_t sizeAt = 0;
+    for (std::size_t k = 0; k < pattern_.size(); ++k) {
+      if (newSet_[k]) {
+        sizeAt = out.size();
+        out.push_back(0);
+      }
+      ++out[sizeAt];
+      out.push_back(db_.itemValue[pattern_[k]]);
+    }
+    if (gaps_ && sets >= 2) appendGapStatistics(node);
+    if (full_ && out.size() >= kChunkInts) full_();
+    if ((++emitted_ & 1023) == 0 &&
+        deadline_ != std::chrono::steady_clock::time_point::max() &&
+        std::chrono::steady_clock::now() >= deadline_) {
+      throw SearchStopped();
+    }
+  }
+
+  // Per customer the gap of its earliest occurrence: the states ending
+  // first, and of them the one whose last set starts soonest after the
+  // previous set's start.
+  void appendGapStatistics(const Node& node) {
+    double n = 0, sum = 0, low = 0, high = 0;
+    for (u32 e = 0; e < node.size(); ++e) {
+      u32 end = kNoSet;
+      double gap = 0;
+      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+        const State& s = node.states[k];
+        const double g = t(s.l) - t(s.lPrev);
+        if (s.u < end || (s.u == end && g < gap)) {
+          end = s.u;
+          gap = g;
+        }
+      }
+      low = n == 0 ? gap : std::min(low, gap);
+      high = n == 0 ? gap : std::max(high, gap);
+      sum += gap;
+      n += 1;
+    }
+    appendGaps(*out_, n, sum, low, high);
+  }
+
+  const TimedDatabase& db_;
+  TimeConstraints time_;
+  u32 minCount_;
+  int maxItems_;
+  std::chrono::steady_clock::time_point deadline_;
+  bool gaps_;
+  const std::vector<std::vector<u32>>* followers_;
+  // No maximum gap or span: a new item set may come anywhere later.
+  bool openEnded_;
+  u32 emitted_ = 0;
+  Counters s_, i_;
+  std::uint64_t now_ = 0;
+  std::vector<Level> levels_;
+  std::vector<u32> all_, pattern_;
+  std::vector<char> newSet_;
+  std::vector<Range> ranges_;
+  std::vector<State> fresh_, front_;
+  std::vector<std::pair<u32, State>> ready_;  // a state and its range start
+  std::vector<int>* out_ = nullptr;
+  std::function<void()> full_;
+};
+
+void checkLimit(const char* name, double value, bool zeroAllowed) {
+  if (std::isnan(value) || value < 0 || (!zeroAllowed && value == 0)) {
+    throw MiningError(std::string(name) + " " + std::to_string(value) +
+                      (zeroAllowed ? " is negative" : " is not positive"));
+  }
+}
+
+}  // namespace
+
+void checkTimeConstraints(const TimeConstraints& time) {
+  checkLimit("minimum gap", time.minGap, true);
+  checkLimit("maximum gap", time.maxGap, false);
+  checkLimit("maximum span", time.maxSpan, false);
+  checkLimit("window", time.window, true);
+  if (std::isinf(time.minGap) || std::isinf(time.window)) {
+    throw MiningError("the minimum gap and the window must be finite");
+  }
+}
+
+void timedSearch(const SequenceDatabase& db, const MinerOptions& options,
+                 long minCount, std::size_t threads,
+                 const std::function<bool(long)>& progress, PatternSink& sink,
+                 GapSink* gaps, MiningSummary& summary) {
+  const TimedDatabase work = buildTimedDatabase(db, minCount);
+  const u32 f = work.itemCount();
+  PatternEmitter emitter(sink, summary, progress, gaps);
+  auto emit = [&emitter](std::vector<int>& chunk) { emitter.emit(chunk); };
+  std::vector<std::vector<u32>> followers;
+  // Under a maximum gap the candidates after a set ending in x are the
+  // items following x in a frequent two-item pattern (found first).
+  const bool gapLimit =
+      options.time.maxGap != TimeConstraints::kNone && options.maxItems >= 3;
+  std::vector<Worker> workers;
+  for (std::size_t k = 0; k < threads; ++k) {
+    workers.emplace_back(work, options, minCount, gaps != nullptr,
+                         gapLimit ? &followers : nullptr);
+  }
+  if (gapLimit) {
+    followers.resize(f);
+    runOrderedTasks(
+        f, workers,
+        [&](Worker& w, std::size_t x) {
+          followers[x] = w.followersOf(static_cast<u32>(x));
+        },
+        [](std::vector<int>&) {});
+  }
+  runOrderedTasks(
+      f, workers,
+      [](Worker& w, std::size_t x) { w.mineRoot(static_cast<u32>(x)); }, emit);
+}
+
+}  // namespace internal
+}  // namespace mining
+}  // namespace SEQUENCE_NAMESPACE_800
