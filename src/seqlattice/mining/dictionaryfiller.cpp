@@ -59,8 +59,7 @@ void buildLatticeOf(SequenceDictionary& dictionary) {
 bool holdsSubPatterns(SequenceDictionary& dictionary, NTSequence* key,
                       NTSequence& sub, int* missing = nullptr,
                       bool gapLimited = false) {
-  const int lastSetStart =
-      key->size() - key->getSizeOfSet(key->getNSets() - 1);
+  const int lastSetStart = key->size() - key->getSizeOfSet(key->getNSets() - 1);
   for (int i = 0; key->size() > 1 && i < key->size(); ++i) {
     const bool setGone = sub.removeItem(i, key) != 0;
     const bool middle =
