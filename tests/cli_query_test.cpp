@@ -365,6 +365,22 @@ TEST_F(CliQueryTest, NewOnlyAndRepeatOnly) {
             "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0\n");
 }
 
+// The similar customers' counts alone: ann, bob and cid hold pot; after it
+// ann and bob have cups, each counting 1 / 3 (cid has nothing after it).
+// The lattice is not asked; pot is left out (no customer repeats an item).
+TEST_F(CliQueryTest, PredictFromTheSimilarCustomersCounts) {
+  EXPECT_EQ(output({"predict", "shop.model", "--history", "pot",
+                    "--sequence-evidence", "similar", "--sequence-weight", "1",
+                    "--top", "2", "--format", "csv"}),
+            "rank,item,score,source,confidence,support,cause\n"
+            "1,cups,0.6666666666666666,sequences,0.0,0.0,0.0\n"
+            "2,tea,0.0,popular,0.4,0.4,1.0\n");
+  EXPECT_EQ(run({"predict", "shop.model", "--history", "pot",
+                 "--sequence-evidence", "most"})
+                .exitCode,
+            2);
+}
+
 // bench/prediction/run.sh on a folder of two folds: one line of ranked items
 // per test row, an empty window answered by the most popular items. Mining
 // keeps items of at least 2 customers; the window's own items are left out

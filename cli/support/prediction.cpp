@@ -1,5 +1,6 @@
 #include "support/prediction.h"
 
+#include <initializer_list>
 #include <utility>
 
 #include "seqlattice/rules/seqconsequentdescript.h"
@@ -37,6 +38,20 @@ std::vector<recommend::Recommendation> currentItems(Model& model,
     out.push_back(r);
   }
   return out;
+}
+
+// The value named `name` among choices; a usage error naming the option and
+// the names it takes otherwise.
+template <typename Value>
+Value namedChoice(
+    const std::string& option, const std::string& name,
+    std::initializer_list<std::pair<const char*, Value>> choices) {
+  std::string names;
+  for (const auto& [choiceName, value] : choices) {
+    if (name == choiceName) return value;
+    names += names.empty() ? choiceName : std::string(", ") + choiceName;
+  }
+  failUsage(option + ": expected " + names + ", not \"" + name + "\"");
 }
 
 // The recommender over one model, with the settings' choices.
@@ -134,16 +149,16 @@ class PredictionTable {
 
 recommend::RecommendOptions recommendOptions(const PredictSettings& settings) {
   recommend::RecommendOptions options = settings;
-  if (settings.rank == "confidence") {
-    options.ranking = recommend::Ranking::kConfidence;
-  } else if (settings.rank == "lift") {
-    options.ranking = recommend::Ranking::kLift;
-  } else if (settings.rank == "recommend") {
-    options.ranking = recommend::Ranking::kRecommend;
-  } else {
-    failUsage("rank: expected recommend, lift or confidence, not \"" +
-              settings.rank + "\"");
-  }
+  options.ranking = namedChoice<recommend::Ranking>(
+      "rank", settings.rank,
+      {{"recommend", recommend::Ranking::kRecommend},
+       {"lift", recommend::Ranking::kLift},
+       {"confidence", recommend::Ranking::kConfidence}});
+  options.sequenceEvidence = namedChoice<recommend::SequenceEvidence>(
+      "sequence-evidence", settings.sequenceEvidence,
+      {{"auto", recommend::SequenceEvidence::kAuto},
+       {"followers", recommend::SequenceEvidence::kFollowers},
+       {"similar", recommend::SequenceEvidence::kSimilar}});
   if (settings.newOnly && settings.repeatOnly) {
     failUsage("new-only and repeat-only exclude each other");
   }

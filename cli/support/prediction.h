@@ -29,7 +29,8 @@ struct PredictSettings : SEQUENCE_NAMESPACE_800::recommend::RecommendOptions {
   bool newOnly = false;            // leave out items the customer has
   bool repeatOnly = false;         // only items the customer has
   bool explain = false;            // add the evidence behind each item
-  std::string customer;            // predictLog: only this customer
+  std::string sequenceEvidence = "auto";  // auto, followers or similar
+  std::string customer;                   // predictLog: only this customer
 };
 
 // settings' recommender options, ranking and history filter filled in.

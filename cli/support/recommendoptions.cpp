@@ -42,8 +42,18 @@ void addRecommendOptions(CLI::App* command, PredictSettings* settings) {
   command
       ->add_option("--sequence-weight", o.sequenceWeight,
                    "Share of the score from the customers' sequences kept "
-                   "in the model (the rest from the lattice)")
-      ->check(CLI::Range(0.0, 1.0))
+                   "in the model, the rest from the lattice (default: 1 when "
+                   "the model's customers have 50 orders or more on average, "
+                   "else 0.5)")
+      ->check(CLI::Range(0.0, 1.0));
+  command
+      ->add_option("--sequence-evidence", settings->sequenceEvidence,
+                   "How the customers' sequences are asked: followers (the "
+                   "customers holding the recent context), similar (every "
+                   "later occurrence in the customers most alike it) or auto "
+                   "(similar when the model's customers have 50 orders or "
+                   "more on average)")
+      ->check(CLI::IsMember({"auto", "followers", "similar"}))
       ->capture_default_str();
   command
       ->add_option("--context-sets", o.contextSets,

@@ -237,7 +237,7 @@ class Model:
                 new_only: bool = False, repeat_only: bool = False,
                 explain: bool = False, only_customer: Any = None,
                 prior: float = 2.0, earlier_weight: Optional[float] = None,
-                sequence_weight: float = 0.5, context_sets: int = 8,
+                sequence_weight: Optional[float] = None, context_sets: int = 8,
                 context_customers: int = 100, max_dropped: int = 4,
                 decay: Optional[float] = None, customer: str = "customer",
                 time: str = "time", item: str = "item", format: str = "auto",
@@ -288,8 +288,8 @@ class Model:
         settings.prior = _check_float("prior", prior, 0.0, float("inf"))
         settings.earlier_weight = -1.0 if earlier_weight is None else \
             _check_float("earlier_weight", earlier_weight, 0.0, 1.0)
-        settings.sequence_weight = _check_float("sequence_weight",
-                                                sequence_weight, 0.0, 1.0)
+        settings.sequence_weight = -1.0 if sequence_weight is None else \
+            _check_float("sequence_weight", sequence_weight, 0.0, 1.0)
         settings.context_sets = _check_range("context_sets", context_sets, 1,
                                              1000)
         settings.context_customers = _check_range(

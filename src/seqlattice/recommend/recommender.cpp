@@ -84,6 +84,7 @@ bool ranksBefore(const Recommendation& a, const Recommendation& b) {
 
 struct Candidate {
   Recommendation rec;
+  const NTSequence* pattern = nullptr;  // the best lattice rule's antecedent
   double lattice = 0;
   double sequences = 0;
 };
@@ -114,7 +115,27 @@ Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
     automaticDecay_ = longSequences ? kLongSequenceDecay : 0.0;
     automaticEarlierWeight_ = longSequences ? kLongSequenceEarlierWeight
                                             : kShortSequenceEarlierWeight;
+    if (index_->meanLength() >= kVeryLongSequence) {
+      automaticSequenceWeight_ = 1.0;
+      automaticEvidence_ = SequenceEvidence::kSimilar;
+    }
   }
+}
+
+const std::vector<Recommender::Follower>& Recommender::followersOf(
+    const NTSequence& pattern, const SequenceCounter& counter) {
+  auto [at, added] = followerCache_.try_emplace(&counter);
+  if (!added || counter.getAdjacentItems() == nullptr) return at->second;
+  const int after = 2 * pattern.getNSets() + 1;
+  for (const std::pair<int, int>& entry : *counter.getAdjacentItems()) {
+    if (entry.second != after) continue;
+    const NTSequence extended(pattern, entry.first, after);
+    const SequenceCounter* extendedCounter = dict_.getDescriptor(&extended);
+    if (extendedCounter == nullptr) continue;
+    at->second.push_back(
+        {entry.first, extendedCounter->getCount(), popularity(entry.first)});
+  }
+  return at->second;
 }
 
 double Recommender::popularity(int item) const {
@@ -162,59 +183,69 @@ std::vector<Recommendation> Recommender::recommend(
   const double prior = std::max(0.0, options.priorStrength);
   std::unordered_map<int, Candidate> candidates;
 
-  // The lattice, one pass per item set the match is anchored on.
   const int length = history.Length();
-  const int passes = options.lastSetOnly
+  const double sequenceWeight =
+      index_ != nullptr && !index_->empty() && length > 0
+          ? std::min(1.0, options.sequenceWeight < 0 ? automaticSequenceWeight_
+                                                     : options.sequenceWeight)
+          : 0.0;
+
+  // The lattice, one pass per item set the match is anchored on (none when
+  // the index gives the whole score).
+  const int passes = sequenceWeight >= 1.0 ? 0
+                     : options.lastSetOnly
                          ? std::min(1, length)
                          : std::min(length, std::max(1, options.contextSets));
   const double earlierWeight = options.earlierSetWeight < 0
                                    ? automaticEarlierWeight_
                                    : options.earlierSetWeight;
+  // The matches stay alive until the best rule of each chosen item is
+  // written out.
+  std::vector<std::unique_ptr<NTSequence>> matches;
   double weight = 1.0;
   for (int k = 0; k < passes; ++k, weight *= earlierWeight) {
     const std::vector<int> excluded = itemsFrom(history, length - k);
-    for (const auto& p : matchesOf(dict_, history, k)) {
-      const SequenceCounter* counter = dict_.getDescriptor(p.get());
-      if (counter == nullptr || counter->getAdjacentItems() == nullptr) {
-        continue;
-      }
-      const int after = 2 * p->getNSets() + 1;
-      for (const std::pair<int, int>& entry : *counter->getAdjacentItems()) {
-        const int item = entry.first;
-        if (entry.second != after || contains(excluded, item)) continue;
-        const NTSequence extended(*p, item, after);
-        const SequenceCounter* extendedCounter = dict_.getDescriptor(&extended);
-        if (extendedCounter == nullptr) continue;
-        const double count = extendedCounter->getCount();
-        const double patternCount = counter->getCount();
-        const double score = weight * (count + prior * popularity(item)) /
-                             (patternCount + prior);
-        Candidate& c = candidates[item];
+    const std::size_t first = matches.size();
+    for (auto& p : matchesOf(dict_, history, k))
+      matches.push_back(std::move(p));
+    for (std::size_t m = first; m < matches.size(); ++m) {
+      const NTSequence& p = *matches[m];
+      const SequenceCounter* counter = dict_.getDescriptor(&p);
+      if (counter == nullptr) continue;
+      const double patternCount = counter->getCount();
+      for (const Follower& f : followersOf(p, *counter)) {
+        if (contains(excluded, f.item)) continue;
+        const double score =
+            weight * (f.count + prior * f.popularity) / (patternCount + prior);
+        Candidate& c = candidates[f.item];
         if (score <= c.lattice) continue;
         c.lattice = score;
+        c.pattern = &p;
         Recommendation& r = c.rec;
-        r.confidence = count / patternCount;
-        r.support = n_ > 0 ? count / n_ : 0.0;
-        const double itemShare = popularity(item);
-        r.cause = itemShare > 0 ? count / (itemShare * n_) : 0.0;
-        r.pattern = itemSetsOf(*p);
+        r.confidence = f.count / patternCount;
+        r.support = n_ > 0 ? f.count / n_ : 0.0;
+        r.cause = f.popularity > 0 ? f.count / (f.popularity * n_) : 0.0;
         r.patternCount = counter->getCount();
-        r.count = extendedCounter->getCount();
+        r.count = f.count;
         r.skippedSets = k;
       }
     }
   }
 
   // The sequence index: who else went through the recent context.
-  const double sequenceWeight =
-      index_ != nullptr && !index_->empty() && length > 0
-          ? std::min(1.0, std::max(0.0, options.sequenceWeight))
-          : 0.0;
   if (sequenceWeight > 0) {
-    const FollowerCounts followers = index_->followersOf(
-        itemsFrom(history, length - std::max(1, options.contextSets)),
-        options.minContextCustomers, options.maxDropped,
-        options.decay < 0 ? automaticDecay_ : options.decay, prior);
+    const std::vector<int> context =
+        itemsFrom(history, length - std::max(1, options.contextSets));
+    const SequenceEvidence evidence =
+        options.sequenceEvidence == SequenceEvidence::kAuto
+            ? automaticEvidence_
+            : options.sequenceEvidence;
+    const FollowerCounts followers =
+        evidence == SequenceEvidence::kSimilar
+            ? index_->similarCounts(context, kSimilarFirstRound)
+            : index_->followersOf(
+                  context, options.minContextCustomers, options.maxDropped,
+                  options.decay < 0 ? automaticDecay_ : options.decay, prior);
     for (const auto& [item, w] : followers.followers) {
       Candidate& c = candidates[item];
       c.sequences = w;
@@ -229,8 +260,8 @@ std::vector<Recommendation> Recommender::recommend(
                                       : HistoryItems::kAll;
   }
   const std::vector<int> historyItems = itemsFrom(history, 0);
-  std::vector<Recommendation> ranked;
-  ranked.reserve(candidates.size());
+  std::vector<Candidate*> best;
+  best.reserve(candidates.size());
   for (auto& [item, c] : candidates) {
     if (!admitted(mode, historyItems, item)) continue;
     const double fromLattice = (1.0 - sequenceWeight) * c.lattice;
@@ -242,11 +273,19 @@ std::vector<Recommendation> Recommender::recommend(
     if (options.ranking == Ranking::kLift) {
       c.rec.score /= std::max(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0);
     }
-    ranked.push_back(std::move(c.rec));
+    best.push_back(&c);
   }
-  std::sort(ranked.begin(), ranked.end(), ranksBefore);
-  if (static_cast<int>(ranked.size()) > options.top) {
-    ranked.resize(static_cast<std::size_t>(options.top));
+  std::sort(best.begin(), best.end(),
+            [](const Candidate* a, const Candidate* b) {
+              return ranksBefore(a->rec, b->rec);
+            });
+  if (static_cast<int>(best.size()) > options.top) {
+    best.resize(static_cast<std::size_t>(options.top));
+  }
+  std::vector<Recommendation> ranked;
+  for (Candidate* c : best) {
+    if (c->pattern != nullptr) c->rec.pattern = itemSetsOf(*c->pattern);
+    ranked.push_back(std::move(c->rec));
   }
 
   if (options.popularFallback) {

@@ -13,18 +13,25 @@
 //    2,000 on a lucky ratio;
 //  - the model's sequence index, when the model carries one: the customers
 //    whose sequences contain the whole recent context (however rare) and what
-//    they acquired soon after it, smoothed the same way;
+//    they acquired soon after it, smoothed the same way; in very long
+//    sequences, the counts of what followed in the most similar customers
+//    instead, alone (SequenceEvidence);
 //  - the items' popularity, as the last fallback, so that every customer
 //    gets an answer; such items are marked Source::kPopular.
 // docs/recommender.md gives the reasons for each choice and the measured
 // figures behind the defaults.
 //
 // A Recommender keeps references to the dictionary and the index (both stay
-// the caller's and must outlive it). Not thread-safe: the dictionary's
-// lookups rewrite its scratch key.
+// the caller's and must outlive it, unchanged). It remembers, per stored
+// pattern it has matched, the items that follow it and their counts, so a
+// pattern's extensions are looked up once per Recommender (the memory grows
+// with the patterns matched, at most with the dictionary's). Not
+// thread-safe: the dictionary's lookups rewrite its scratch key, and the
+// memory above is filled as it goes.
 #ifndef SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 #define SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 
+#include <unordered_map>
 #include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
@@ -49,9 +56,19 @@ enum class HistoryItems {
   kRepeatOnly,  // only the history's items
 };
 
-// Below this share of item sets repeating one of the five before them, the
-// automatic choice leaves the history's items out.
-constexpr double kRareRepeats = 0.1;
+// How the sequence index is asked what follows the recent context.
+enum class SequenceEvidence {
+  kAuto,       // kSimilar when the model's customers hold kVeryLongSequence
+               // item sets or more on average, else kFollowers
+  kFollowers,  // SequenceIndex::followersOf: the customers holding the
+               // context (minContextCustomers, maxDropped, decay)
+  kSimilar,    // SequenceIndex::similarCounts from kSimilarFirstRound
+};
+
+// Below this share of item sets repeating one of the five before them (most
+// item sets bring only new items), the automatic choice leaves the history's
+// items out.
+constexpr double kRareRepeats = 0.5;
 // In long sequences what comes soon after the context is a better guide
 // than what comes much later, and matches anchored on earlier item sets keep
 // more of their worth; in short ones the whole rest is near anyway, and the
@@ -61,6 +78,14 @@ constexpr double kLongSequence = 20;
 constexpr double kLongSequenceDecay = 0.3;
 constexpr double kLongSequenceEarlierWeight = 0.5;
 constexpr double kShortSequenceEarlierWeight = 0.3;
+// In very long sequences nearly every frequent item follows every pattern
+// somewhere later, so the lattice's "anywhere later" confidences come close
+// to the items' popularity; there the similar customers' own sequences are
+// the evidence, alone (measured, docs/recommender.md).
+constexpr double kVeryLongSequence = 50;
+// The first round of SequenceIndex::similarCounts: sub-contexts leaving out
+// up to two items compete with the whole context from the start.
+constexpr int kSimilarFirstRound = 2;
 
 struct RecommendOptions {
   int top = 5;  // largest number of items returned; <= 0 returns none
@@ -76,8 +101,11 @@ struct RecommendOptions {
   // kLongSequence item sets or more on average, else 0.3.
   double earlierSetWeight = -1;
   // Share of the score taken from the sequence index (when the model has
-  // one); the rest comes from the lattice.
-  double sequenceWeight = 0.5;
+  // one); the rest comes from the lattice. Negative: chosen from the model's
+  // data, 1 when its customers hold kVeryLongSequence item sets or more on
+  // average, else 0.5.
+  double sequenceWeight = -1;
+  SequenceEvidence sequenceEvidence = SequenceEvidence::kAuto;
   // The last item sets of the history that form the index's context.
   int contextSets = 8;
   // Fewer customers than this with the whole context: leave context items
@@ -85,7 +113,8 @@ struct RecommendOptions {
   int minContextCustomers = 100;
   int maxDropped = 4;
   // How fast the weight of a follower falls with its distance (in item
-  // sets) from the context: 1 / (1 + decay * distance). Negative: chosen
+  // sets) from the context (kFollowers): 1 / (1 + decay * distance).
+  // Negative: chosen
   // from the model's data, kLongSequenceDecay when its customers hold
   // kLongSequence item sets or more on average, else 0 (and 0 without
   // sequences in the model).
@@ -139,6 +168,15 @@ class Recommender {
  private:
   std::vector<Recommendation> byConfidence(const Sequence& history,
                                            const RecommendOptions& options);
+  struct Follower {
+    int item;
+    long count;         // of the pattern followed by the item
+    double popularity;  // the item's share of customers
+  };
+  // The items that follow `pattern` in a new item set (its extensions the
+  // dictionary stores), read on first use.
+  const std::vector<Follower>& followersOf(const NTSequence& pattern,
+                                           const SequenceCounter& counter);
   double popularity(int item) const;
 
   SequenceDictionary& dict_;
@@ -147,8 +185,12 @@ class Recommender {
   std::vector<std::pair<int, long>> itemCounts_;  // by item, ascending
   std::vector<int> popular_;  // items by decreasing count, then item code
   double repeatRate_ = 1.0;
+  std::unordered_map<const SequenceCounter*, std::vector<Follower>>
+      followerCache_;
   double automaticDecay_ = 0.0;
   double automaticEarlierWeight_ = kShortSequenceEarlierWeight;
+  double automaticSequenceWeight_ = 0.5;
+  SequenceEvidence automaticEvidence_ = SequenceEvidence::kFollowers;
 };
 
 }  // namespace recommend

@@ -208,6 +208,47 @@ TEST_F(RecommenderTest, ShortSequencesWeighEarlierItemSetsLessByDefault) {
   EXPECT_NEAR(got[0].score, (2 + 2 * 20.0 / 22) / 4 * 0.3, 1e-12);
 }
 
+TEST(VeryLongSequences, TheSimilarCustomersAloneGiveTheScore) {
+  // Two customers of 50 item sets: (1)(2) or (1)(3), then 10, 11, ..., 57.
+  // History (1): both hold it, each adding 1 / 2 for every later item, so
+  // 10..57 score 1 and 2, 3 score 0.5; ties go to the higher item code. The
+  // lattice is not asked (no rule behind any item).
+  std::vector<test::Customer> customers(2);
+  for (int c = 0; c < 2; ++c) {
+    customers[static_cast<std::size_t>(c)] = {{1}, {2 + c}};
+    for (int item = 10; item < 58; ++item) {
+      customers[static_cast<std::size_t>(c)].push_back({item});
+    }
+  }
+  const mining::SequenceDatabase db = test::makeDatabase(customers);
+  recommend::SequenceIndex index(db);
+  mining::MinerOptions mining;
+  mining.maxItems = 1;
+  mining.threads = 1;
+  SequenceDictionary dict{2};
+  mining::mineIntoDictionary(db, mining, dict);
+  recommend::Recommender recommender(dict, &index);
+  recommend::RecommendOptions options;
+  options.top = 3;
+  options.popularFallback = false;
+  auto got = recommender.recommend(test::historyOf({1}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{57, 56, 55}));
+  for (const auto& r : got) {
+    EXPECT_DOUBLE_EQ(r.score, 1.0);
+    EXPECT_EQ(r.source, recommend::Source::kSequences);
+    EXPECT_TRUE(r.pattern.empty());
+    EXPECT_EQ(r.contextCustomers, 2);
+  }
+  // The followers' evidence instead (customers holding {1}, smoothed by 2,
+  // blended half and half with the lattice, which has no pairs here).
+  options.sequenceEvidence = recommend::SequenceEvidence::kFollowers;
+  options.sequenceWeight = 0.5;
+  options.decay = 0;
+  got = recommender.recommend(test::historyOf({1}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{57, 56, 55}));
+  EXPECT_DOUBLE_EQ(got[0].score, 0.5 * 2 / 4);
+}
+
 TEST_F(RecommenderTest, ZeroItemsWanted) {
   recommend::Recommender recommender(dict, &index);
   recommend::RecommendOptions options;

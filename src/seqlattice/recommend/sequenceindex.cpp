@@ -148,29 +148,50 @@ std::vector<std::uint32_t> SequenceIndex::customersWithAll(
   return result;
 }
 
+std::vector<int> SequenceIndex::knownItems(
+    const std::vector<int>& context) const {
+  std::vector<int> known;
+  for (int item : context) {
+    if (std::binary_search(distinctItems_.begin(), distinctItems_.end(),
+                           item)) {
+      known.push_back(item);
+    }
+  }
+  std::sort(known.begin(), known.end());
+  known.erase(std::unique(known.begin(), known.end()), known.end());
+  return known;
+}
+
+std::uint32_t SequenceIndex::setAfter(std::uint32_t c,
+                                      const std::vector<int>& context,
+                                      std::vector<bool>* seen) const {
+  seen->assign(context.size(), false);
+  std::size_t missing = context.size();
+  std::uint32_t s = customerStart_[c];
+  const std::uint32_t end = customerStart_[c + 1];
+  for (; s < end && missing > 0; ++s) {
+    for (std::uint32_t i = setStart_[s]; i < setStart_[s + 1]; ++i) {
+      auto at = std::lower_bound(context.begin(), context.end(), items_[i]);
+      if (at == context.end() || *at != items_[i]) continue;
+      const std::size_t k = static_cast<std::size_t>(at - context.begin());
+      if (!(*seen)[k]) {
+        (*seen)[k] = true;
+        --missing;
+      }
+    }
+  }
+  return missing > 0 ? end : s;
+}
+
 void SequenceIndex::addFollowers(const std::vector<int>& context,
                                  const std::vector<std::uint32_t>& customers,
                                  double decay, std::vector<double>* weights,
                                  std::vector<int>* touched) const {
-  std::vector<bool> seen(context.size());
+  std::vector<bool> seen;
   std::vector<std::size_t> counted;  // dense items already counted for c
   for (std::uint32_t c : customers) {
-    std::fill(seen.begin(), seen.end(), false);
-    std::size_t missing = context.size();
-    std::uint32_t s = customerStart_[c];
+    const std::uint32_t s = setAfter(c, context, &seen);
     const std::uint32_t end = customerStart_[c + 1];
-    // The earliest item set by which the whole context has been seen.
-    for (; s < end && missing > 0; ++s) {
-      for (std::uint32_t i = setStart_[s]; i < setStart_[s + 1]; ++i) {
-        auto at = std::lower_bound(context.begin(), context.end(), items_[i]);
-        if (at == context.end() || *at != items_[i]) continue;
-        const std::size_t k = static_cast<std::size_t>(at - context.begin());
-        if (!seen[k]) {
-          seen[k] = true;
-          --missing;
-        }
-      }
-    }
     counted.clear();
     for (std::uint32_t t = s; t < end; ++t) {
       const double weight = 1.0 / (1.0 + decay * (t - s));
@@ -192,16 +213,8 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
                                           double decay,
                                           double smoothing) const {
   FollowerCounts result;
-  std::vector<int> known;
-  for (int item : context) {
-    if (std::binary_search(distinctItems_.begin(), distinctItems_.end(),
-                           item)) {
-      known.push_back(item);
-    }
-  }
-  std::sort(known.begin(), known.end());
-  known.erase(std::unique(known.begin(), known.end()), known.end());
-  result.context = known;
+  result.context = knownItems(context);
+  const std::vector<int>& known = result.context;
   if (known.empty()) return result;
 
   std::vector<double> weights(distinctItems_.size(), 0.0);
@@ -238,6 +251,60 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
     result.followers.emplace_back(
         distinctItems_[static_cast<std::size_t>(d)],
         weights[static_cast<std::size_t>(d)] / result.contexts);
+  }
+  return result;
+}
+
+FollowerCounts SequenceIndex::similarCounts(const std::vector<int>& context,
+                                            int firstRound) const {
+  FollowerCounts result;
+  result.context = knownItems(context);
+  const std::vector<int>& known = result.context;
+  const int n = static_cast<int>(known.size());
+  std::vector<double> weights(distinctItems_.size(), 0.0);
+  std::vector<int> touched;
+  std::vector<bool> counted(customerCount(), false);
+  std::vector<std::uint32_t> countedList;
+  std::vector<bool> seen;
+  for (int round = std::min(std::max(0, firstRound), n - 1);
+       round < n && touched.empty(); ++round) {
+    for (std::uint32_t c : countedList) counted[c] = false;
+    countedList.clear();
+    result.contexts = 0;
+    for (int keep = n; keep >= n - round; --keep) {
+      forEachSubset(
+          known, static_cast<std::size_t>(keep),
+          [&](const std::vector<int>& subset) {
+            const std::vector<std::uint32_t> customers =
+                customersWithAll(subset);
+            if (customers.empty()) return;
+            ++result.contexts;
+            const double share = static_cast<double>(keep) / n /
+                                 static_cast<double>(customers.size());
+            for (std::uint32_t c : customers) {
+              if (counted[c]) continue;
+              const std::uint32_t from = setAfter(c, subset, &seen);
+              const std::uint32_t end = customerStart_[c + 1];
+              if (from >= end) continue;
+              counted[c] = true;
+              countedList.push_back(c);
+              for (std::uint32_t i = setStart_[from]; i < setStart_[end]; ++i) {
+                const std::size_t d = dense_[i];
+                if (weights[d] == 0) {
+                  touched.push_back(static_cast<int>(d));
+                }
+                weights[d] += share;
+              }
+            }
+          });
+    }
+    result.dropped = round;
+    result.contextCustomers = static_cast<long>(countedList.size());
+  }
+  std::sort(touched.begin(), touched.end());
+  for (int d : touched) {
+    result.followers.emplace_back(distinctItems_[static_cast<std::size_t>(d)],
+                                  weights[static_cast<std::size_t>(d)]);
   }
   return result;
 }

@@ -83,6 +83,19 @@ class SequenceIndex {
                              int maxDropped, double decay,
                              double smoothing) const;
 
+  // What followed `context` in the customers whose sequences are most alike
+  // it, counted the way compact prediction trees count: in round r, every
+  // sub-context keeping at least n - r of the n context items (the whole
+  // context first) gives its customers' items after the point where the
+  // sub-context has been seen, every occurrence counting
+  // (kept / n) / (customers holding the sub-context), each customer counted
+  // for its largest sub-context only. Rounds run from firstRound until one
+  // yields an item. `dropped` is the round that did, `contexts` its
+  // sub-contexts held by some customer, `contextCustomers` the customers
+  // counted.
+  FollowerCounts similarCounts(const std::vector<int>& context,
+                               int firstRound) const;
+
  private:
   void buildPostings();
   // Adds what followed `context` in each customer of `customers`.
@@ -90,6 +103,12 @@ class SequenceIndex {
                     const std::vector<std::uint32_t>& customers, double decay,
                     std::vector<double>* weights,
                     std::vector<int>* touched) const;
+  // The context items this index knows, ascending and distinct.
+  std::vector<int> knownItems(const std::vector<int>& context) const;
+  // The item set after the one by which customer c has held every item of
+  // context (ascending), or the customer's end when it never has.
+  std::uint32_t setAfter(std::uint32_t c, const std::vector<int>& context,
+                         std::vector<bool>* seen) const;
   // Customers containing every item of context, ascending.
   std::vector<std::uint32_t> customersWithAll(
       const std::vector<int>& context) const;

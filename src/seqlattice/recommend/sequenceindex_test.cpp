@@ -19,6 +19,16 @@ void expectFollowers(const Followers& got, const Followers& expected) {
   }
 }
 
+// The round that gave the items, its sub-contexts and customers, and the
+// items.
+void expectCounts(const recommend::FollowerCounts& got, int dropped,
+                  int contexts, long customers, const Followers& followers) {
+  EXPECT_EQ(got.dropped, dropped);
+  EXPECT_EQ(got.contexts, contexts);
+  EXPECT_EQ(got.contextCustomers, customers);
+  expectFollowers(got.followers, followers);
+}
+
 // 2 x (2)(1)(4), 18 x (1)(5), 2 x (3).
 mining::SequenceDatabase smallDatabase() {
   std::vector<test::Customer> customers;
@@ -59,6 +69,38 @@ TEST(SequenceIndex, ItemsAreLeftOutWhenTooFewCustomersHoldTheContext) {
   // Unknown items are ignored.
   EXPECT_EQ(index.followersOf({99, 1}, 1, 0, 0.0, 0.0).context,
             (std::vector<int>{1}));
+}
+
+TEST(SequenceIndex, SimilarCountsOfAContextHeldByEveryCustomer) {
+  // {1}: 20 customers, each counting 1 / 20 for every item after (1).
+  recommend::SequenceIndex index(smallDatabase());
+  expectCounts(index.similarCounts({1}, 0), 0, 1, 20, {{4, 0.1}, {5, 0.9}});
+}
+
+TEST(SequenceIndex, SimilarCountsCountEveryLaterOccurrence) {
+  // Two customers hold {1}: the first has 2 twice and 3 once after it.
+  recommend::SequenceIndex index(
+      test::makeDatabase({{{1}, {2}, {2}, {3}}, {{1}, {3}}}));
+  expectFollowers(index.similarCounts({1}, 0).followers, {{2, 1.0}, {3, 1.0}});
+}
+
+TEST(SequenceIndex, SimilarCountsLeaveItemsOutRoundByRound) {
+  // Nobody holds {2, 5}. Round 1 keeps one item: {2} is held by 2
+  // customers, each adding (1 / 2) / 2 for 1 and for 4; {5} by 18 with
+  // nothing after it.
+  recommend::SequenceIndex index(smallDatabase());
+  expectCounts(index.similarCounts({5, 2}, 0), 1, 2, 2, {{1, 0.5}, {4, 0.5}});
+}
+
+TEST(SequenceIndex, SimilarCountsTakeEachCustomerOnceAtItsLargestContext) {
+  // Round 1 from the start: {1, 2} is held by the first customer alone
+  // (weight 1 for 9); {1} by both, (1 / 2) / 2 each, but only the second
+  // one still counts (8); {2} only by the first.
+  recommend::SequenceIndex index(
+      test::makeDatabase({{{1}, {2}, {9}}, {{1}, {8}}}));
+  expectCounts(index.similarCounts({2, 1}, 1), 1, 3, 2, {{8, 0.25}, {9, 1.0}});
+  // A first round past the context's size starts at its last one.
+  EXPECT_EQ(index.similarCounts({1}, 2).dropped, 0);
 }
 
 TEST(SequenceIndex, RepeatRate) {
