@@ -6,6 +6,11 @@
 #include <string>
 
 #include "cli_test_util.h"
+#include "seqlattice/store/sequencedescriptor.h"
+#include "seqlattice/store/statsbucket.h"
+#include "support/modelfile.h"
+#include "support/reportdata.h"
+#include "support/sequencelabels.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 
@@ -91,6 +96,26 @@ TEST_F(CliReportTest, TopBoundsTheRulesInThePage) {
   EXPECT_EQ(data["rules"]["total"], 2);
   EXPECT_EQ(data["rules"]["rows"].size(), 1u);
   EXPECT_EQ(data["rules"]["rows"][0][5], 2.5);
+}
+
+// A model whose patterns carry the times between their item sets shows them
+// as the rules' time to consequent; one without (above) has no such column.
+TEST_F(CliReportTest, TheTimeToConsequentComesFromThePatternsGapStatistics) {
+  seqlattice_cli::Model model = seqlattice_cli::loadModel(path("shop.model"));
+  const Sequence pattern = seqlattice_cli::makeSequence(
+      {{"pot"}, {"cups"}}, model.items,
+      seqlattice_cli::unknownItemCode(*model.dictionary), nullptr);
+  SequenceCounter* counter = model.dictionary->getDescriptor(&pattern);
+  ASSERT_NE(counter, nullptr);
+  auto* bucket = new StatsBucket();
+  bucket->InitialGap(1.0);
+  bucket->UpdateGap(2.0);
+  counter->setStatsBucket(bucket);
+  const nlohmann::json data =
+      seqlattice_cli::reportData(model, "shop.model", {});
+  EXPECT_EQ(data["hasTime"], true);
+  EXPECT_EQ(data["rules"]["rows"][0][6], nullptr);
+  EXPECT_EQ(data["rules"]["rows"][1][6], nlohmann::json::parse("[1.5,1,2]"));
 }
 
 TEST_F(CliReportTest, RulesGraph) {

@@ -235,7 +235,7 @@
 
     // Laid out at the panel's own width, so text keeps its size.
     var widthAll = Math.max(640, picture.parentNode.clientWidth - 4);
-    var centreX = widthAll / 2, box = 84, gap = Math.min(220, widthAll / 7);
+    var centreX = widthAll / 2, box = 84, gap = Math.min(160, widthAll / 8);
     var leftText = centreX - box - gap - 6, rightText = centreX + box + gap + 6;
     var characters = Math.floor(leftText / 7.2);
     var rowHeight = 32, top = 30;

@@ -4,6 +4,7 @@
 // makes the report and sets REPORT_HTML, SCREENSHOT_DIR and CHROMIUM.
 import { after, before, test } from 'node:test';
 import assert from 'node:assert/strict';
+import { readFileSync, writeFileSync } from 'node:fs';
 import path from 'node:path';
 import { pathToFileURL } from 'node:url';
 import puppeteer from 'puppeteer-core';
@@ -139,4 +140,35 @@ test('the journeys picture draws the rules around the chosen item', async () => 
   await page.select('#journey-measure', 'confidence');
   assert.match(await page.$eval('#journey-caption', (e) => e.textContent), /by confidence/);
   assert.deepEqual(problems, []);
+});
+
+// The model of the sample records no times between orders; a page whose rules
+// carry them (as the data's hasTime and each row's [mean, min, max] say)
+// shows and sorts a time column.
+test('rules that carry a time to consequent get a sortable time column', async () => {
+  const page2 = await browser.newPage();
+  const errors = [];
+  page2.on('pageerror', (error) => errors.push(error.message));
+  const html = readFileSync(process.env.REPORT_HTML, 'utf8');
+  const open = '<script type="application/json" id="report-data">';
+  const begin = html.indexOf(open) + open.length;
+  const end = html.indexOf('</script>', begin);
+  const data = JSON.parse(html.slice(begin, end));
+  data.hasTime = true;
+  data.rules.rows[0][6] = [3.5, 1, 9];
+  data.rules.rows[1][6] = [12, 2, 30];
+  const timed = path.join(screenshots, 'report-timed.html');
+  writeFileSync(timed, html.slice(0, begin) + JSON.stringify(data).replace(/</g, '\\u003c') + html.slice(end));
+  await page2.goto(pathToFileURL(timed).href, { waitUntil: 'load' });
+  await page2.waitForSelector('body[data-ready="true"]');
+  const heads = await page2.$$eval('#rules-head th', (cells) => cells.map((c) => c.textContent));
+  assert.equal(heads[7], 'time to consequent');
+  await page2.click('#rules-head th[data-key="time"] button');
+  const first = await page2.$$eval('#rules-body tr', (rows) => rows.slice(0, 3).map((r) => {
+    const cell = r.children[7];
+    return [r.children[0].textContent, cell.textContent, cell.title];
+  }));
+  assert.deepEqual(first, [['2', '12', 'from 2 to 30'], ['1', '3.5', 'from 1 to 9'], ['3', '', '']]);
+  assert.deepEqual(errors, []);
+  await page2.close();
 });

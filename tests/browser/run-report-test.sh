@@ -27,11 +27,11 @@ if ! cmp -s "$source_dir/tests/browser/package-lock.json" "$work/package-lock.js
 fi
 cp "$source_dir/tests/browser/report.test.mjs" "$work/"
 
-"$cli" mine "$source_dir/data/sample/orders.csv" -o "$work/sample.model" \
-  --min-support 0.03 >/dev/null
+(cd "$source_dir" && "$cli" mine data/sample/orders.csv -o "$work/sample.model" \
+  --min-support 0.03 >/dev/null)
 (cd "$work" && "$cli" report sample.model -o output/report.html)
 
 cd "$work"
 REPORT_HTML="$work/output/report.html" SCREENSHOT_DIR="$work/output" \
   CHROMIUM="$chromium" timeout 180 node --test --test-timeout=60000 report.test.mjs
-echo "screenshots: $work/output/report.png, report-journeys.png, report-filtered.png"
+echo "screenshots: $work/output/report*.png"
