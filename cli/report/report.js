@@ -220,6 +220,11 @@
 
   function renderJourneys() {
     var picture = document.getElementById('journey-svg');
+    if (!rules.length) {
+      picture.textContent = '';
+      document.getElementById('journey-caption').textContent = 'The model has no rules within the report\'s bounds.';
+      return;
+    }
     var item = Number(document.getElementById('journey-item').value);
     var measure = document.getElementById('journey-measure').value;
     var byMeasure = function (a, b) { return b[measure] - a[measure] || a.rank - b.rank; };
@@ -364,7 +369,7 @@
     body.textContent = '';
     var found = parsed.sets.length ? predict(parsed.sets) : [];
     var notes = [];
-    if (parsed.unknown.length) notes.push('Not in the model: ' + parsed.unknown.join(', ') + '.');
+    if (parsed.unknown.length) notes.push('No rule in this page names ' + parsed.unknown.join(', ') + '.');
     if (!parsed.sets.length) {
       notes.push('Type some items to see what customers bought next.');
     } else if (!found.length) {

@@ -117,7 +117,7 @@ test('a history typed into the page gets its next items', async () => {
   assert.equal(await page.$eval('#predict-note', (e) => e.textContent), `${rows.length} items predicted.`);
   await page.$eval('#history', (e) => { e.value = 'no such thing'; e.dispatchEvent(new Event('input')); });
   assert.equal(await page.$eval('#predict-note', (e) => e.textContent),
-    'Not in the model: no such thing. Type some items to see what customers bought next.');
+    'No rule in this page names no such thing. Type some items to see what customers bought next.');
   assert.equal(await page.$eval('#predict-table', (e) => e.hidden), true);
   await page.$eval('#history', (e) => { e.value = ''; });
   await page.type('#history', 'pour-over dripper, paper filters');
@@ -171,4 +171,20 @@ test('rules that carry a time to consequent get a sortable time column', async (
   assert.deepEqual(first, [['2', '12', 'from 2 to 30'], ['1', '3.5', 'from 1 to 9'], ['3', '', '']]);
   assert.deepEqual(errors, []);
   await page2.close();
+});
+
+test('a page without rules says so and logs no script error', async () => {
+  const page3 = await browser.newPage();
+  const errors = [];
+  page3.on('pageerror', (error) => errors.push(error.message));
+  await page3.goto(pathToFileURL(path.join(path.dirname(process.env.REPORT_HTML), 'report-empty.html')).href,
+    { waitUntil: 'load' });
+  await page3.waitForSelector('body[data-ready="true"]');
+  assert.equal(await page3.$eval('#rule-count', (e) => e.textContent), '0 of 0 rules shown');
+  assert.equal(await page3.$eval('#journey-caption', (e) => e.textContent),
+    "The model has no rules within the report's bounds.");
+  await page3.type('#history', 'coffee beans');
+  assert.equal(await page3.$eval('#predict-note', (e) => e.textContent), 'No rule in this page starts with this history.');
+  assert.deepEqual(errors, []);
+  await page3.close();
 });

@@ -29,7 +29,8 @@ cp "$source_dir/tests/browser/report.test.mjs" "$work/"
 
 (cd "$source_dir" && "$cli" mine data/sample/orders.csv -o "$work/sample.model" \
   --min-support 0.03 >/dev/null)
-(cd "$work" && "$cli" report sample.model -o output/report.html)
+(cd "$work" && "$cli" report sample.model -o output/report.html &&
+  "$cli" report sample.model -o output/report-empty.html --min-support 0.99)
 
 cd "$work"
 REPORT_HTML="$work/output/report.html" SCREENSHOT_DIR="$work/output" \
