@@ -122,7 +122,7 @@ TEST_F(CliReportTest, RulesGraph) {
   EXPECT_EQ(output({"export", "dot", "shop.model", "--rules"}),
             "digraph rules {\n"
             "  graph [rankdir=LR, size=\"7.5,10\", fontname=\"Helvetica\", "
-            "labelloc=t, label=\"The 2 rules of highest lift of 2\"];\n"
+            "labelloc=t, label=\"Rules of highest lift: 2 of 2\"];\n"
             "  node [shape=box, style=rounded, fontname=\"Helvetica\"];\n"
             "  edge [fontname=\"Helvetica\", fontsize=10, color=\"#1f5fa8\", "
             "labeldistance=2.5];\n"
@@ -150,6 +150,20 @@ TEST_F(CliReportTest, RulesGraphAroundAnItem) {
       "fillcolor=\"#0b4f8a\", fontcolor=white];\n"
       "  n1 -> n2 [penwidth=3.00, taillabel=\"0.67\"];\n"
       "}\n");
+}
+
+TEST_F(CliReportTest, RulesGraphTopAndMeasure) {
+  const std::string graph = output({"export", "dot", "shop.model", "--rules",
+                                    "--top", "1", "--measure", "support"});
+  EXPECT_NE(graph.find("label=\"Rules of highest support: 1 of 2\""),
+            std::string::npos)
+      << graph;
+  EXPECT_NE(graph.find("  n1 -> n1 [penwidth=3.00, label=\"0.40\"];\n}\n"),
+            std::string::npos)
+      << graph;
+  test::CliRun result =
+      run({"export", "dot", "shop.model", "--rules", "--measure", "leverage"});
+  EXPECT_EQ(result.exitCode, 2);
 }
 
 TEST_F(CliReportTest, RulesGraphAroundAnUnknownItemIsAnError) {

@@ -70,8 +70,9 @@ Rows chosenRules(const ResultTable& table, const RulesGraphSettings& settings,
     }
   }
   if (!settings.around) {
-    *title = "The " + std::to_string(entering.size()) + " rules of highest " +
-             settings.measure + " of " + std::to_string(table.rows());
+    *title = "Rules of highest " + settings.measure + ": " +
+             std::to_string(entering.size()) + " of " +
+             std::to_string(table.rows());
     return entering;
   }
   *title = std::to_string(entering.size()) +
