@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <map>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -21,9 +20,13 @@ namespace {
 using SEQUENCE_NAMESPACE_800::Sequence;
 
 // How the storage is laid out says nothing about the customers.
-const std::set<std::string> kStorageFields = {"format", "lattice built",
-                                              "levels (nLevels)", "level sizes",
-                                              "higher level size"};
+bool isStorageField(const std::string& field) {
+  for (const char* storage : {"format", "lattice built", "levels (nLevels)",
+                              "level sizes", "higher level size"}) {
+    if (field == storage) return true;
+  }
+  return false;
+}
 
 // The four decimals the "rules" table shows are all a person reads, and keep
 // the page small; JSON has no infinity (a rule that never fails has infinite
@@ -86,7 +89,7 @@ Json ruleTime(Model& model, const Json& antecedent, const Json& consequent) {
 Json summary(const Model& model, const std::string& title) {
   Json fields = Json::array();
   for (const auto& [field, value] : modelInfo(model, title)) {
-    if (kStorageFields.count(field) == 0) {
+    if (!isStorageField(field)) {
       fields.push_back(Json::array({field, rounded(value)}));
     }
   }
