@@ -20,7 +20,7 @@ for (const file of process.argv.slice(2)) {
   for (let i = 0; i < repeat; ++i) {
     const page = await browser.newPage();
     await page.setViewport({ width: 1366, height: 900 });
-    await page.goto(pathToFileURL(file).href, { waitUntil: 'load' });
+    await page.goto(pathToFileURL(file).href, { waitUntil: 'load', timeout: 120000 });
     const timing = await page.evaluate(() => {
       const navigation = performance.getEntriesByType('navigation')[0];
       return { load: navigation.loadEventEnd, ready: navigation.domContentLoadedEventEnd };
