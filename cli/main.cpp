@@ -77,7 +77,8 @@ int run(int argc, char** argv) {
                                    seqlattice_cli::addExportCommand(app),
                                    seqlattice_cli::addConvertCommand(app),
                                    seqlattice_cli::addInfoCommand(app),
-                                   seqlattice_cli::addEvaluateCommand(app)};
+                                   seqlattice_cli::addEvaluateCommand(app),
+                                   seqlattice_cli::addReportCommand(app)};
 
   checkCommandNames(app, argc, argv);
   try {

@@ -33,14 +33,6 @@ class CliQueryTest : public test::CliTest {
         run({"mine", "shop.csv", "-o", "shop.model", "--min-support", "2"});
     ASSERT_EQ(mined.exitCode, 0) << mined.err;
   }
-
-  // A successful run's standard output; nothing on standard error.
-  std::string output(const std::vector<std::string>& args) {
-    test::CliRun result = run(args);
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_EQ(result.err, "");
-    return result.out;
-  }
 };
 
 // The measures worked by hand: N = 5; jam by 2 customers, both buying it
@@ -258,6 +250,7 @@ TEST_F(CliQueryTest, Info) {
 TEST_F(CliQueryTest, DotGraph) {
   EXPECT_EQ(output({"export", "dot", "shop.model", "--top", "5"}),
             "digraph lattice {\n"
+            "  rankdir=LR;\n"
             "  node [shape=box, fontname=\"Helvetica\"];\n"
             "  p1 [label=\"(pot)\\n3\"];\n"
             "  p2 [label=\"(cups)\\n2\"];\n"

@@ -110,6 +110,14 @@ class CliTest : public ::testing::Test {
     return result;
   }
 
+  // A successful run's standard output; nothing on standard error.
+  std::string output(const std::vector<std::string>& args) const {
+    CliRun result = run(args);
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    return result.out;
+  }
+
  private:
   static std::string slurp(const std::string& file) {
     std::ifstream in(file, std::ios::binary);

@@ -45,7 +45,8 @@ TEST_F(CliUsageTest, EveryCommandHasHelpWithAnExample) {
                                              {"export", "lattice"},
                                              {"export", "dot"},
                                              {"convert"},
-                                             {"info"}}) {
+                                             {"info"},
+                                             {"report"}}) {
     command.push_back("--help");
     test::CliRun result = run(command);
     EXPECT_EQ(result.exitCode, 0) << command[0];
@@ -70,9 +71,10 @@ TEST_F(CliUsageTest, NoCommand) {
 }
 
 TEST_F(CliUsageTest, UnknownCommand) {
-  expectUsageError({"mind", "x"},
-                   "unknown command \"mind\" (commands: mine, rules, "
-                   "predict, patterns, export, convert, info, evaluate)");
+  expectUsageError(
+      {"mind", "x"},
+      "unknown command \"mind\" (commands: mine, rules, "
+      "predict, patterns, export, convert, info, evaluate, report)");
 }
 
 TEST_F(CliUsageTest, MissingModel) {

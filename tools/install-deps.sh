@@ -31,6 +31,12 @@ need_py ensurepip python3-venv
 need_py setuptools python3-setuptools
 need_py wheel python3-wheel
 need_py pip python3-pip
+# The report's browser tests (Debian's Chromium, driven by puppeteer-core
+# from npm) and the rules graphs in the README (Graphviz).
+need_cmd chromium chromium
+need_cmd dot graphviz
+need_cmd node nodejs
+need_cmd npm npm
 
 if [ ${#missing[@]} -eq 0 ]; then
   exit 0

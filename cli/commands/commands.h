@@ -25,6 +25,7 @@ Command addExportCommand(CLI::App& app);
 Command addConvertCommand(CLI::App& app);
 Command addInfoCommand(CLI::App& app);
 Command addEvaluateCommand(CLI::App& app);
+Command addReportCommand(CLI::App& app);
 
 }  // namespace seqlattice_cli
 

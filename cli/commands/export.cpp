@@ -1,6 +1,6 @@
 // seqlattice export pmml|lattice|dot: the model as a PMML sequence model, as
-// the lattice document, or as a Graphviz graph of its most frequent
-// patterns.
+// the lattice document, or as a Graphviz graph of its most frequent patterns
+// or (--rules, --around) of its strongest rules.
 #include <memory>
 #include <ostream>
 #include <string>
@@ -12,6 +12,7 @@
 #include "support/modelfile.h"
 #include "support/parsedoption.h"
 #include "support/rulebounds.h"
+#include "support/rulesgraph.h"
 
 namespace seqlattice_cli {
 
@@ -23,6 +24,9 @@ struct ExportOptions {
   RuleBounds bounds;
   double latticeMinSupport = 0.0;
   int top = 30;
+  bool topGiven = false;  // else a rules graph keeps its own default
+  bool rules = false;
+  RulesGraphSettings rulesGraph;
 };
 
 Model loadModelFor(const ExportOptions& options) {
@@ -42,8 +46,14 @@ void runLattice(const ExportOptions& options) {
 
 void runDot(const ExportOptions& options) {
   Model model = loadModelFor(options);
+  RulesGraphSettings rulesGraph = options.rulesGraph;
+  if (options.topGiven) rulesGraph.top = options.top;
   writeOutput(options.output, [&](std::ostream& out) {
-    writeDotGraph(out, *model.dictionary, model.items, options.top);
+    if (options.rules || rulesGraph.around) {
+      writeRulesGraph(out, model, rulesGraph);
+    } else {
+      writeDotGraph(out, *model.dictionary, model.items, options.top);
+    }
   });
 }
 
@@ -85,13 +95,27 @@ Command addExportCommand(CLI::App& app) {
       "  seqlattice export lattice orders.model -o orders-lattice.xml");
   CLI::App* dot = addDocumentCommand(
       command, "dot",
-      "Graphviz graph of the most frequent patterns and their extensions",
+      "Graphviz graph of the most frequent patterns and their extensions, "
+      "or of the strongest rules",
       options.get());
-  dot->add_option("--top", options->top, "Number of patterns shown")
+  dot->add_option("--top", options->top,
+                  "Number of patterns (30; with --rules: rules, 20) shown")
       ->check(wholeNumber(1))
+      ->each([options](const std::string&) { options->topGiven = true; });
+  dot->add_flag("--rules", options->rules,
+                "Rules: an arrow from each antecedent to its consequent");
+  dot->add_option("--around", options->rulesGraph.around,
+                  "Rules around this item: those leading to it and those "
+                  "following it (implies --rules)");
+  dot->add_option("--measure", options->rulesGraph.measure,
+                  "The measure that chooses the rules and sets the arrows' "
+                  "width (with --rules)")
+      ->check(CLI::IsMember(rulesGraphMeasures()))
       ->capture_default_str();
   dot->footer(
       "Example:\n"
+      "  seqlattice export dot orders.model --around \"gooseneck kettle\" | "
+      "dot -Tpng > kettle.png\n"
       "  seqlattice export dot orders.model --top 25 | dot -Tsvg > "
       "lattice.svg");
   command->footer(

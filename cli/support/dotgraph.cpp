@@ -37,15 +37,6 @@ Key keyOf(const Sequence& sequence) {
   return key;
 }
 
-std::string escaped(const std::string& text) {
-  std::string result;
-  for (char c : text) {
-    if (c == '"' || c == '\\') result += '\\';
-    result += c == '\n' ? ' ' : c;
-  }
-  return result;
-}
-
 std::vector<Node> mostFrequent(
     SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
     const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels, int top) {
@@ -74,6 +65,15 @@ std::vector<Node> mostFrequent(
 
 }  // namespace
 
+std::string dotEscaped(const std::string& text) {
+  std::string result;
+  for (char c : text) {
+    if (c == '"' || c == '\\') result += '\\';
+    result += c == '\n' ? ' ' : c;
+  }
+  return result;
+}
+
 void writeDotGraph(std::ostream& out,
                    SEQUENCE_NAMESPACE_800::SequenceDictionary& dict,
                    const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels,
@@ -83,9 +83,10 @@ void writeDotGraph(std::ostream& out,
   for (std::size_t i = 0; i < nodes.size(); ++i) index[nodes[i].key] = i;
 
   out << "digraph lattice {\n"
+      << "  rankdir=LR;\n"
       << "  node [shape=box, fontname=\"Helvetica\"];\n";
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    out << "  p" << i + 1 << " [label=\"" << escaped(nodes[i].text) << "\\n"
+    out << "  p" << i + 1 << " [label=\"" << dotEscaped(nodes[i].text) << "\\n"
         << nodes[i].count << "\"];\n";
   }
   // A parent is the child without one of its items; a set left empty goes.
