@@ -141,7 +141,7 @@ def _prepare(frame: pd.DataFrame, index: int, names: tuple,
     codes, customers = _frame._codes(frame, customer, "customer")
     _frame._check_not_empty(frame, codes,
                             [_frame._label(v) for v in customers], "customer")
-    times = _frame._times(frame, time)
+    times, _ = _frame._times(frame, time)  # dated matters only to time limits
     item_codes, items = _frame._codes(frame, item, "item")
     labels = [_frame._label(v) for v in items]
     _frame._check_not_empty(frame, item_codes, labels, "item")
