@@ -9,6 +9,7 @@
 #include <thread>
 #include <utility>
 
+#include "seqlattice/mining/internal/hugepages.h"
 #include "seqlattice/mining/internal/orderedtasks.h"
 #include "seqlattice/mining/internal/patternemitter.h"
 #include "seqlattice/mining/internal/workdatabase.h"
@@ -103,9 +104,9 @@ class ProjectionStore {
       entries += sizes[k].first;
       positions += sizes[k].second;
     }
-    cust_.resize(entries);
-    start_.resize(entries + sizes.size());
-    pos_.resize(positions);
+    grow(cust_, entries);
+    grow(start_, entries + sizes.size());
+    grow(pos_, positions);
   }
   void append(u32 k, u32 customer, u32 transaction) {
     Slot& s = slots_[k];
@@ -129,6 +130,16 @@ class ProjectionStore {
   }
 
  private:
+  // Sizes v to n elements whose values do not matter: a larger buffer is
+  // taken fresh, on huge pages, rather than copied.
+  static void grow(std::vector<u32>& v, std::size_t n) {
+    if (n > v.capacity()) {
+      v.clear();
+      internal::reserveOnHugePages(v, n);
+    }
+    v.resize(n);
+  }
+
   struct Slot {
     std::size_t entryOffset = 0, startOffset = 0, posOffset = 0;
     u32 filled = 0, positions = 0, lastCustomer = UINT32_MAX;

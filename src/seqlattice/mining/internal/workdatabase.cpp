@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "seqlattice/mining/internal/hugepages.h"
+
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
 namespace internal {
@@ -16,8 +18,11 @@ using u32 = std::uint32_t;
 void buildLastOccurrences(WorkDatabase& work) {
   std::vector<u32> seen(work.itemCount(), UINT32_MAX);
   std::vector<u32> entry(work.itemCount(), 0);
+  reserveOnHugePages(work.lastTransaction, work.items.size());
+  reserveOnHugePages(work.lastItem, work.items.size());
+  reserveOnHugePages(work.occurrenceStart, work.items.size() + 1);
+  reserveOnHugePages(work.occurrences, work.items.size());
   work.occurrences.resize(work.items.size());
-  work.occurrenceStart.reserve(work.items.size() + 1);
   std::vector<u32> fill;
   for (u32 c = 0; c + 1 < work.customerStart.size(); ++c) {
     u32 first = static_cast<u32>(work.lastItem.size());
@@ -79,6 +84,8 @@ WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
     }
   }
   WorkDatabase work;
+  reserveOnHugePages(work.items, raw.size());
+  reserveOnHugePages(work.transactionStart, db.transactionCount() + 1);
   std::vector<u32> dense(values.size(), UINT32_MAX);
   for (std::size_t v = 0; v < values.size(); ++v) {
     if (support[v] < static_cast<u32>(minCount)) continue;
