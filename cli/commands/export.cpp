@@ -6,6 +6,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/atomicfile.h"
 #include "support/dotgraph.h"
 #include "support/modeldocuments.h"
@@ -32,16 +33,19 @@ Model loadModelFor(const ExportOptions& options) {
 
 void runPmml(const ExportOptions& options) {
   Model model = loadModelFor(options);
+  ModelAtExit atExit(model);
   exportPmml(model, options.bounds, options.output);
 }
 
 void runLattice(const ExportOptions& options) {
   Model model = loadModelFor(options);
+  ModelAtExit atExit(model);
   exportLattice(model, options.latticeMinSupport, options.output);
 }
 
 void runDot(const ExportOptions& options) {
   Model model = loadModelFor(options);
+  ModelAtExit atExit(model);
   writeOutput(options.output, [&](std::ostream& out) {
     writeDotGraph(out, *model.dictionary, model.items, options.top);
   });
