@@ -2,7 +2,9 @@
 # Times the whole `seqlattice mine` run (read, mine, fill, lattice, save) on
 # databases of growing size with the same patterns, so that growth can be
 # read at a glance: a flat "us/cust" column (and "vs first" near 1) is
-# linear growth, a CPU/wall near 2 is both cores busy.
+# linear growth, a CPU/wall near 2 is both cores busy. The CPU columns say
+# the same for a machine shared with other work, where wall time is not
+# ours alone.
 #
 # Two series are built under WORK_DIR (default a temporary folder):
 #   copies   SOURCE concatenated with itself COPIES times (each count
@@ -82,20 +84,25 @@ run_median() {
     sort -n | awk -v r="$repeat" 'NR == int((r + 1) / 2)'
 }
 
-printf '%-10s %9s %9s %8s %8s %8s %8s %9s %8s\n' database customers patterns \
-  wall_s cpu_s cpu/wall rss_mb us/cust 'vs first'
+printf '%-10s %9s %9s %8s %8s %8s %8s %8s %8s %8s %8s\n' database customers \
+  patterns wall_s cpu_s cpu/wall rss_mb us/cust 'vs first' cpu_us 'vs first'
 first=""
+first_cpu=""
 report() {
   local name="$1" file="$2"
-  local customers wall cpu rss patterns per
+  local customers wall cpu rss patterns per per_cpu
   customers="$(grep -cv '^[#@]' "$file")"
   read -r wall cpu rss patterns < <(run_median "$file")
   per="$(awk -v w="$wall" -v c="$customers" 'BEGIN { printf "%.2f", w * 1e6 / c }')"
+  per_cpu="$(awk -v w="$cpu" -v c="$customers" 'BEGIN { printf "%.2f", w * 1e6 / c }')"
   [[ -z "$first" ]] && first="$per"
+  [[ -z "$first_cpu" ]] && first_cpu="$per_cpu"
   awk -v n="$name" -v c="$customers" -v p="$patterns" -v w="$wall" \
-    -v u="$cpu" -v r="$rss" -v per="$per" -v f="$first" 'BEGIN {
-      printf "%-10s %9d %9d %8.2f %8.2f %8.2f %8d %9.2f %8.2f\n",
-        n, c, p, w, u, (w > 0 ? u / w : 0), r / 1024, per, per / f }'
+    -v u="$cpu" -v r="$rss" -v per="$per" -v f="$first" -v pc="$per_cpu" \
+    -v fc="$first_cpu" 'BEGIN {
+      printf "%-10s %9d %9d %8.2f %8.2f %8.2f %8d %8.2f %8.2f %8.2f %8.2f\n",
+        n, c, p, w, u, (w > 0 ? u / w : 0), r / 1024, per, per / f, pc,
+        pc / fc }'
 }
 
 for n in $copies; do
@@ -104,6 +111,7 @@ for n in $copies; do
   report "x$n" "$file"
 done
 first=""
+first_cpu=""
 for n in $sizes; do
   file="$work/sampled_$n.txt"
   [[ -f "$file" ]] || sample "$source_file" "$n" "$file"
