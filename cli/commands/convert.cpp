@@ -4,6 +4,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/atomicfile.h"
 #include "support/modelfile.h"
 
@@ -20,6 +21,7 @@ struct ConvertOptions {
 void runConvert(const ConvertOptions& options) {
   refuseSameFile(options.input, options.output);
   Model model = loadModel(options.input);
+  ModelAtExit atExit(model);
   bool xml = options.to.empty() ? !model.xml : options.to == "xml";
   saveModel(model, options.output, xml);
 }

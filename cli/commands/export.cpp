@@ -6,6 +6,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/atomicfile.h"
 #include "support/dotgraph.h"
 #include "support/modeldocuments.h"
@@ -36,16 +37,19 @@ Model loadModelFor(const ExportOptions& options) {
 
 void runPmml(const ExportOptions& options) {
   Model model = loadModelFor(options);
+  ModelAtExit atExit(model);
   exportPmml(model, options.bounds, options.output);
 }
 
 void runLattice(const ExportOptions& options) {
   Model model = loadModelFor(options);
+  ModelAtExit atExit(model);
   exportLattice(model, options.latticeMinSupport, options.output);
 }
 
 void runDot(const ExportOptions& options) {
   Model model = loadModelFor(options);
+  ModelAtExit atExit(model);
   RulesGraphSettings rulesGraph = options.rulesGraph;
   if (options.topGiven) rulesGraph.top = options.top;
   writeOutput(options.output, [&](std::ostream& out) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/modelfile.h"
 #include "support/modelinfo.h"
 #include "support/output.h"
@@ -43,6 +44,7 @@ void writeFields(const InfoFields& fields, Format format) {
 
 void runInfo(const InfoOptions& options) {
   Model model = loadModel(options.model);
+  ModelAtExit atExit(model);
   writeFields(modelInfo(model, options.model), options.format);
 }
 

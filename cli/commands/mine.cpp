@@ -8,6 +8,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "seqlattice/mining/miner.h"
 #include "support/atomicfile.h"
 #include "support/clierror.h"
@@ -73,6 +74,7 @@ void runMine(const MineOptions& options) {
   progress.note("mining " + std::to_string(db.customerCount()) +
                 " customers ...");
   Model model;
+  ModelAtExit atExit(model);
   const MiningParameters& parameters = model.mining;
   MineSettings settings = options.settings;
   settings.sequences = !options.noSequences;
@@ -137,12 +139,6 @@ void runMine(const MineOptions& options) {
                                                : options.patternsOnly)
               << " holds only part of the frequent patterns\n";
   }
-  // The process ends next. Freeing a model of millions of patterns node by
-  // node takes a fifth of a large run, and the system takes the memory back
-  // at once, so the model is left to it; builds that check for leaks free it.
-#ifndef SEQLATTICE_FREE_AT_EXIT
-  static_cast<void>(model.dictionary.release());
-#endif
 }
 
 // mine --from-patterns: a model of patterns counted elsewhere.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
@@ -30,6 +31,7 @@ struct PatternsOptions {
 
 void runPatterns(const PatternsOptions& options) {
   Model model = loadModel(options.model);
+  ModelAtExit atExit(model);
   PatternQuery query = options.query;
   using Kind = PatternQuery::Kind;
   for (const auto& [option, kind] :

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/inputlog.h"
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
@@ -38,6 +39,7 @@ void warnUnknown(const std::vector<std::string>& unknown) {
 
 void runPredict(const PredictOptions& options) {
   Model model = loadModel(options.model);
+  ModelAtExit atExit(model);
   if (!options.input.empty()) {
     auto log =
         loadInput(options.input, options.inputOptions, modelItemCoder(model));

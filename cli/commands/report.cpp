@@ -6,6 +6,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/atomicfile.h"
 #include "support/htmlreport.h"
 #include "support/modelfile.h"
@@ -25,6 +26,7 @@ struct ReportOptions {
 void runReport(const ReportOptions& options) {
   refuseSameFile(options.model, options.output);
   Model model = loadModel(options.model);
+  ModelAtExit atExit(model);
   const Json data = reportData(model, options.model, options.settings);
   writeOutput(options.output,
               [&](std::ostream& out) { writeHtmlReport(out, data); });

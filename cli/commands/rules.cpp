@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/modelatexit.h"
 #include "support/itemsyntax.h"
 #include "support/modelfile.h"
 #include "support/output.h"
@@ -41,6 +42,7 @@ std::optional<std::vector<std::string>> filterLabels(
 
 void runRules(const RulesOptions& options) {
   Model model = loadModel(options.model);
+  ModelAtExit atExit(model);
   RuleFilters filters = options.filters;
   filters.antecedentHas = filterLabels(options.antecedentHas);
   filters.consequent = filterLabels(options.consequent);

@@ -12,12 +12,16 @@ namespace {
 
 using SEQUENCE_NAMESPACE_800::NTSequence;
 
+// The message is built only for a pattern that has a problem: the check runs
+// over every pattern of every model loaded.
 std::string problemOf(const NTSequence& key, int level) {
   const int items = key.size();
   const int sets = key.getNSets();
-  const std::string where = "a pattern of level " + std::to_string(level);
+  auto where = [level] {
+    return "a pattern of level " + std::to_string(level);
+  };
   if (items != level) {
-    return where + " has " + std::to_string(items) + " items";
+    return where() + " has " + std::to_string(items) + " items";
   }
   const auto word = static_cast<std::uint64_t>(key.getPattern());
   const std::uint64_t itemBits =
@@ -26,7 +30,7 @@ std::string problemOf(const NTSequence& key, int level) {
       static_cast<int>(std::bitset<64>(word & itemBits).count());
   const bool lastClosed = items == 0 || (word & 1) != 0;
   if (sets != boundaries || (word & ~itemBits) != 0 || !lastClosed) {
-    return where + " has " + std::to_string(sets) +
+    return where() + " has " + std::to_string(sets) +
            " item sets, which its items do not make";
   }
   return "";

@@ -9,6 +9,7 @@
 #include <thread>
 #include <utility>
 
+#include "seqlattice/mining/internal/hugepages.h"
 #include "seqlattice/mining/internal/orderedtasks.h"
 #include "seqlattice/mining/internal/patternemitter.h"
 #include "seqlattice/mining/internal/timedsearch.h"
@@ -19,7 +20,8 @@
 // A map of the search (miner.h says what it finds):
 //
 //   work database   internal::buildWorkDatabase keeps the frequent items,
-//                   renumbered, and each customer's last occurrences
+//                   renumbered, each customer's last occurrences and,
+//                   beside them, the transactions holding each item
 //   roots           buildRoots: per item the projection of every
 //                   transaction holding it (ProjectionStore)
 //   1 item          emitted straight from the work database
@@ -30,6 +32,11 @@
 //                   first: Worker::expandPair joins the two roots'
 //                   projections (joinRoots), then Worker::expand goes depth
 //                   first: count -> collect -> emit -> build -> recurse
+//   memory          the customer loops fetch a customer's lists some
+//                   customers ahead (prefetchCustomer), and build reads the
+//                   children's transactions from the occurrence lists, so a
+//                   database beyond the cache costs about what one inside it
+//                   does per customer
 //   output          workers append pattern records (PatternEmitter's form)
 //                   to their buffer; internal::runOrderedTasks hands the
 //                   buffers, in task order, to the calling thread, where
@@ -98,9 +105,9 @@ class ProjectionStore {
       entries += sizes[k].first;
       positions += sizes[k].second;
     }
-    cust_.resize(entries);
-    start_.resize(entries + sizes.size());
-    pos_.resize(positions);
+    grow(cust_, entries);
+    grow(start_, entries + sizes.size());
+    grow(pos_, positions);
   }
   void append(u32 k, u32 customer, u32 transaction) {
     Slot& s = slots_[k];
@@ -124,6 +131,16 @@ class ProjectionStore {
   }
 
  private:
+  // Sizes v to n elements whose values do not matter: a larger buffer is
+  // taken fresh, on huge pages, rather than copied.
+  static void grow(std::vector<u32>& v, std::size_t n) {
+    if (n > v.capacity()) {
+      v.clear();
+      internal::reserveOnHugePages(v, n);
+    }
+    v.resize(n);
+  }
+
   struct Slot {
     std::size_t entryOffset = 0, startOffset = 0, posOffset = 0;
     u32 filled = 0, positions = 0, lastCustomer = UINT32_MAX;
@@ -169,6 +186,19 @@ inline u32 gallop(const u32* values, u32 at, u32 end, u32 key) {
   }
   return static_cast<u32>(std::lower_bound(values + low, values + at, key) -
                           values);
+}
+
+// The first of the ascending values [begin, end) above key, for a range
+// that holds one. The comparisons are unpredictable, so the halving picks
+// its side without a branch.
+inline const u32* firstAbove(const u32* begin, const u32* end, u32 key) {
+  std::size_t n = static_cast<std::size_t>(end - begin);
+  while (n > 1) {
+    std::size_t half = n / 2;
+    begin = begin[half] <= key ? begin + half : begin;
+    n -= half;
+  }
+  return begin + (*begin <= key ? 1 : 0);
 }
 
 // Joins two one-item projections into the projection of a two-item pattern:
@@ -391,6 +421,7 @@ class Worker {
     const u32* lt = db_.lastTransaction.data();
     const u32* li = db_.lastItem.data();
     for (u32 e = 0; e < proj.n; ++e) {
+      prefetchCustomer(proj, e, false);
       u32 c = proj.cust[e];
       const u32* p = proj.pos + proj.start[e];
       const u32* pEnd = proj.pos + proj.start[e + 1];
@@ -412,6 +443,31 @@ class Worker {
           }
         }
       }
+    }
+  }
+
+  // The loops over a projection read, per customer, its last-occurrence
+  // lists (and in build its occurrence lists): a few cache lines far apart
+  // once the database outgrows the cache. Fetching them some customers ahead
+  // overlaps those misses instead of waiting for each in turn: first the
+  // list bounds, then, once they have arrived, the lists they point to.
+  // Inlined early on purpose: a separate function that only prefetches
+  // looks free of effects to the compiler, which then drops its calls.
+  __attribute__((always_inline)) void prefetchCustomer(const Projection& proj,
+                                                       u32 e,
+                                                       bool occurrences) const {
+    constexpr u32 kFar = 24, kMid = 16, kNear = 8;
+    const u32* ls = db_.lastStart.data();
+    if (e + kFar < proj.n) __builtin_prefetch(ls + proj.cust[e + kFar]);
+    if (e + kMid < proj.n) {
+      u32 k = ls[proj.cust[e + kMid]];
+      __builtin_prefetch(db_.lastTransaction.data() + k);
+      __builtin_prefetch(db_.lastItem.data() + k);
+      if (occurrences) __builtin_prefetch(db_.occurrenceStart.data() + k);
+    }
+    if (occurrences && e + kNear < proj.n) {
+      u32 k = ls[proj.cust[e + kNear]];
+      __builtin_prefetch(db_.occurrences.data() + db_.occurrenceStart[k]);
     }
   }
 
@@ -470,15 +526,21 @@ class Worker {
       for (auto& size : level.sizes) size.second = size.first;
     } else if (anyS) {
       forEachSequenceChild(
-          proj, [&level](u32 child, u32, u32) { ++level.sizes[child].second; });
+          proj, [&level](u32 child, u32, const u32* from, const u32* to) {
+            level.sizes[child].second += static_cast<u32>(to - from);
+          });
     }
     level.store.layout(level.sizes);
     if (anyS && allPositions) {
-      forEachSequenceChild(proj, [&level](u32 child, u32 c, u32 t) {
-        level.store.append(child, c, t);
-      });
+      forEachSequenceChild(
+          proj, [&level](u32 child, u32 c, const u32* from, const u32* to) {
+            for (; from < to; ++from) level.store.append(child, c, *from);
+          });
     } else if (anyS) {
-      appendFirstOccurrences(proj, level);
+      forEachSequenceChild(
+          proj, [&level](u32 child, u32 c, const u32* from, const u32*) {
+            level.store.append(child, c, *from);
+          });
     }
     if (!level.iFrequent.empty()) {
       const u32* items = db_.items.data();
@@ -500,41 +562,28 @@ class Worker {
     }
   }
 
-  // One item per transaction: each customer's first occurrence of each child
-  // item after its first transaction, stopping when all children are found.
-  void appendFirstOccurrences(const Projection& proj, Level& level) {
-    const u32* items = db_.items.data();
-    const u32* ts = db_.transactionStart.data();
-    const u32* cs = db_.customerStart.data();
-    std::size_t children = level.sFrequent.size();
-    for (u32 e = 0; e < proj.n; ++e) {
-      u32 c = proj.cust[e];
-      std::size_t found = 0;
-      for (u32 t = proj.pos[proj.start[e]] + 1, end = cs[c + 1]; t < end; ++t) {
-        u32 child = s_.child[items[ts[t]]];
-        if (child == UINT32_MAX || level.store.lastCustomer(child) == c) {
-          continue;
-        }
-        level.store.append(child, c, t);
-        if (++found == children) break;
-      }
-    }
-  }
-
-  // Calls visit(child, customer, transaction) for every occurrence, after
-  // each customer's first transaction, of an item that is a sequence child.
+  // Calls visit(child, customer, from, to) for each customer of the
+  // projection and each sequence child item occurring after the customer's
+  // first transaction, with [from, to) the transactions holding it there,
+  // ascending. They come from the customer's occurrence lists, so the
+  // customer's transactions without a child item cost nothing.
   template <class Visit>
   void forEachSequenceChild(const Projection& proj, const Visit& visit) const {
-    const u32* items = db_.items.data();
-    const u32* ts = db_.transactionStart.data();
-    const u32* cs = db_.customerStart.data();
+    const u32* ls = db_.lastStart.data();
+    const u32* lt = db_.lastTransaction.data();
+    const u32* li = db_.lastItem.data();
+    const u32* os = db_.occurrenceStart.data();
+    const u32* occurrences = db_.occurrences.data();
+    const u32* children = s_.child.data();
     for (u32 e = 0; e < proj.n; ++e) {
+      prefetchCustomer(proj, e, true);
       u32 c = proj.cust[e];
-      for (u32 t = proj.pos[proj.start[e]] + 1, end = cs[c + 1]; t < end; ++t) {
-        for (u32 k = ts[t]; k < ts[t + 1]; ++k) {
-          u32 child = s_.child[items[k]];
-          if (child != UINT32_MAX) visit(child, c, t);
-        }
+      u32 f = proj.pos[proj.start[e]];
+      for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > f; ++k) {
+        u32 child = children[li[k]];
+        if (child == UINT32_MAX) continue;
+        const u32* to = occurrences + os[k + 1];
+        visit(child, c, firstAbove(occurrences + os[k], to, f), to);
       }
     }
   }
@@ -555,16 +604,18 @@ class Worker {
   std::vector<u32> pairCust_, pairStart_, pairPos_;
 };
 
-// Rough upper bound of the search's own memory: the renumbered database, the
-// one-item projections (a position per occurrence and two words per
-// customer), and per worker up to two such sets for the open search path.
+// Rough upper bound of the search's own memory: the renumbered database
+// (items, last occurrences and occurrence lists, about three words per
+// occurrence as a customer repeats items), the one-item projections
+// (a position per occurrence and two words per customer), and per worker up
+// to two such sets for the open search path.
 std::size_t estimateSearchBytes(const SequenceDatabase& db,
                                 std::size_t workers) {
   std::size_t n = db.itemOccurrenceCount();
   std::size_t t = db.transactionCount();
   std::size_t c = db.customerCount();
   std::size_t perItem = sizeof(u32);
-  std::size_t database = 2 * n * perItem + (t + 3 * c) * perItem;
+  std::size_t database = 3 * n * perItem + (t + 3 * c) * perItem;
   std::size_t roots = 3 * n * perItem;
   return 2 * database + roots + workers * 2 * roots;
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "seqlattice/mining/internal/hugepages.h"
+
 namespace SEQUENCE_NAMESPACE_800 {
 namespace mining {
 namespace internal {
@@ -10,21 +12,48 @@ namespace {
 
 using u32 = std::uint32_t;
 
+// The distinct items of each customer by last occurrence, each with the
+// transactions holding it: a backward pass finds the entries and counts
+// their occurrences, a forward pass places the occurrences ascending.
 void buildLastOccurrences(WorkDatabase& work) {
   std::vector<u32> seen(work.itemCount(), UINT32_MAX);
+  std::vector<u32> entry(work.itemCount(), 0);
+  reserveOnHugePages(work.lastTransaction, work.items.size());
+  reserveOnHugePages(work.lastItem, work.items.size());
+  reserveOnHugePages(work.occurrenceStart, work.items.size() + 1);
+  reserveOnHugePages(work.occurrences, work.items.size());
+  work.occurrences.resize(work.items.size());
+  std::vector<u32> fill;
   for (u32 c = 0; c + 1 < work.customerStart.size(); ++c) {
+    u32 first = static_cast<u32>(work.lastItem.size());
     for (u32 t = work.customerStart[c + 1]; t-- > work.customerStart[c];) {
       u32 begin = work.transactionStart[t], end = work.transactionStart[t + 1];
       if (end - begin > 1) work.multiItemSets = true;
       for (u32 k = begin; k < end; ++k) {
         u32 x = work.items[k];
-        if (seen[x] == c) continue;
-        seen[x] = c;
-        work.lastTransaction.push_back(t);
-        work.lastItem.push_back(x);
+        if (seen[x] != c) {
+          seen[x] = c;
+          entry[x] = static_cast<u32>(work.lastItem.size());
+          work.lastTransaction.push_back(t);
+          work.lastItem.push_back(x);
+          work.occurrenceStart.push_back(0);
+        }
+        ++work.occurrenceStart[entry[x] + 1];
       }
     }
-    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
+    u32 last = static_cast<u32>(work.lastItem.size());
+    fill.resize(last - first);
+    for (u32 k = first; k < last; ++k) {
+      work.occurrenceStart[k + 1] += work.occurrenceStart[k];
+      fill[k - first] = work.occurrenceStart[k];
+    }
+    for (u32 t = work.customerStart[c]; t < work.customerStart[c + 1]; ++t) {
+      for (u32 k = work.transactionStart[t]; k < work.transactionStart[t + 1];
+           ++k) {
+        work.occurrences[fill[entry[work.items[k]] - first]++] = t;
+      }
+    }
+    work.lastStart.push_back(last);
   }
 }
 
@@ -55,6 +84,8 @@ WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
     }
   }
   WorkDatabase work;
+  reserveOnHugePages(work.items, raw.size());
+  reserveOnHugePages(work.transactionStart, db.transactionCount() + 1);
   std::vector<u32> dense(values.size(), UINT32_MAX);
   for (std::size_t v = 0; v < values.size(); ++v) {
     if (support[v] < static_cast<u32>(minCount)) continue;

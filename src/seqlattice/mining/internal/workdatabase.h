@@ -3,7 +3,9 @@
 // (so ascending codes are ascending items), without the transactions and
 // customers that are left empty. Beside the flat item array it keeps, per
 // customer, the distinct items by their last occurrence, which answers "which
-// items occur after transaction f" with one prefix of a list.
+// items occur after transaction f" with one prefix of a list, and beside each
+// of those items the transactions holding it, so that the occurrences of an
+// item after f are found without reading the customer's other transactions.
 //
 // Built once per run from a finished SequenceDatabase and then only read:
 // reading from several threads is safe.
@@ -38,6 +40,11 @@ struct WorkDatabase {
   // prefix with lastTransaction > f.
   std::vector<std::uint32_t> lastStart{0};
   std::vector<std::uint32_t> lastTransaction, lastItem;
+  // Per entry k of the lists above, the transactions of its customer holding
+  // lastItem[k], ascending, in occurrences[occurrenceStart[k] ..
+  // occurrenceStart[k + 1]).
+  std::vector<std::uint32_t> occurrenceStart{0};
+  std::vector<std::uint32_t> occurrences;
 
   std::size_t itemCount() const { return itemValue.size(); }
 };

@@ -49,6 +49,14 @@ TEST(WorkDatabaseTest, LastOccurrencesLatestFirst) {
   EXPECT_EQ(work.lastItem, (U32s{0, 1, 1, 0, 0}));
 }
 
+TEST(WorkDatabaseTest, OccurrencesBesideEachLastEntry) {
+  WorkDatabase work = sample();
+  // Customer 0: 7 in {1}, 9 in {0}. Customer 1: 9 in {2, 3}, 7 in {2}.
+  // Customer 2: 7 in {4, 5}.
+  EXPECT_EQ(work.occurrenceStart, (U32s{0, 1, 2, 4, 5, 7}));
+  EXPECT_EQ(work.occurrences, (U32s{1, 0, 2, 3, 2, 4, 5}));
+}
+
 // Item 2 is first held by customer 1 of the database, work customer 0.
 TEST(WorkDatabaseTest, FirstCustomerIsAWorkIndex) {
   WorkDatabase work =
@@ -65,6 +73,8 @@ TEST(WorkDatabaseTest, NothingFrequent) {
   EXPECT_TRUE(work.items.empty());
   EXPECT_EQ(work.customerStart, (U32s{0}));
   EXPECT_EQ(work.lastStart, (U32s{0}));
+  EXPECT_EQ(work.occurrenceStart, (U32s{0}));
+  EXPECT_TRUE(work.occurrences.empty());
   EXPECT_EQ(work.longestCustomer, 0u);
 }
 
