@@ -31,6 +31,8 @@ need_py ensurepip python3-venv
 need_py setuptools python3-setuptools
 need_py wheel python3-wheel
 need_py pip python3-pip
+# Distributed mining and its tests run on Dask.
+need_py distributed python3-distributed
 # The report's browser tests (Debian's Chromium, driven by puppeteer-core
 # from npm) and the rules graphs in the README (Graphviz).
 need_cmd chromium chromium
