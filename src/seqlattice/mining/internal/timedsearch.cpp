@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -124,6 +125,20 @@ struct Node {
   u32 size() const { return static_cast<u32>(cust.size()); }
 };
 
+// std::lower_bound probing 1, 2, 4, ... places ahead first: a few steps
+// when the answer is near first, as it is when a list of transactions is
+// walked customer by customer.
+const u32* gallop(const u32* first, const u32* last, u32 value) {
+  if (first == last || *first >= value) return first;
+  std::ptrdiff_t step = 1;
+  while (step < last - first && first[step] < value) {
+    first += step;
+    step *= 2;
+  }
+  return std::lower_bound(first + 1, first + std::min(step, last - first),
+                          value);
+}
+
 // A range of transaction indexes [begin, end).
 struct Range {
   u32 begin, end;
@@ -189,6 +204,10 @@ class Worker {
     void hit(u32 x, std::uint64_t now) {
       if (stamp[x] == now) return;
       stamp[x] = now;
+      add(x);
+    }
+    // Counts x for a customer that cannot give it again.
+    void add(u32 x) {
       if (count[x]++ == 0) touched.push_back(x);
     }
   };
@@ -345,7 +364,8 @@ class Worker {
         const u32* li = db_.lastItem.data();
         for (u32 k = db_.lastStart[c], end = db_.lastStart[c + 1];
              k < end && lt[k] >= from; ++k) {
-          if (sAll || s_.flag[li[k]]) s_.hit(li[k], now_);
+          // The list holds each of the customer's items once.
+          if (sAll || s_.flag[li[k]]) s_.add(li[k]);
         }
       } else if (nS > 0) {
         mergedRanges(node, e, level.sRange);
@@ -443,13 +463,13 @@ class Worker {
           at_(db.occurrences[x].data()),
           end_(at_ + db.occurrences[x].size()) {}
     void slice(u32 c) {
-      at_ = std::lower_bound(at_, end_, db_.customerStart[c]);
-      sliceEnd_ = std::lower_bound(at_, end_, db_.customerStart[c + 1]);
+      at_ = gallop(at_, end_, db_.customerStart[c]);
+      sliceEnd_ = gallop(at_, end_, db_.customerStart[c + 1]);
     }
     // The transactions of [r.begin, r.end) holding x, within the slice.
     std::pair<const u32*, const u32*> in(Range r) const {
-      const u32* a = std::lower_bound(at_, sliceEnd_, r.begin);
-      return {a, std::lower_bound(a, sliceEnd_, r.end)};
+      const u32* a = gallop(at_, sliceEnd_, r.begin);
+      return {a, gallop(a, sliceEnd_, r.end)};
     }
 
    private:
@@ -501,7 +521,7 @@ class Worker {
       const u32 c = node.cust[e];
       const u32* ready = level.ready.data() + node.start[e];
       const u32* readyEnd = level.ready.data() + node.start[e + 1];
-      at = std::lower_bound(at, end, range[*ready].begin);
+      at = gallop(at, end, range[*ready].begin);
       fresh_.clear();
       front_.clear();
       for (; at < end && *at < db_.customerStart[c + 1]; ++at) {
