@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -124,6 +125,20 @@ struct Node {
   u32 size() const { return static_cast<u32>(cust.size()); }
 };
 
+// std::lower_bound probing 1, 2, 4, ... places ahead first: a few steps
+// when the answer is near first, as it is when a list of transactions is
+// walked customer by customer.
+const u32* gallop(const u32* first, const u32* last, u32 value) {
+  if (first == last || *first >= value) return first;
+  std::ptrdiff_t step = 1;
+  while (step < last - first && first[step] < value) {
+    first += step;
+    step *= 2;
+  }
+  return std::lower_bound(first + 1, first + std::min(step, last - first),
+                          value);
+}
+
 // A range of transaction indexes [begin, end).
 struct Range {
   u32 begin, end;
@@ -165,7 +180,7 @@ class Worker {
     pattern_.assign(1, x);
     newSet_.assign(1, 1);
     Level& level = levels_[1];
-    count(root, 1, x, all_.data(), db_.itemCount(), true, nullptr, 0);
+    count(root, 1, x, all_.data(), db_.itemCount(), true, nullptr, 0, level);
     level.sFrequent.clear();
     collect(s_, level.sFrequent);
     return level.sFrequent;
@@ -189,12 +204,22 @@ class Worker {
     void hit(u32 x, std::uint64_t now) {
       if (stamp[x] == now) return;
       stamp[x] = now;
+      add(x);
+    }
+    // Counts x for a customer that cannot give it again.
+    void add(u32 x) {
       if (count[x]++ == 0) touched.push_back(x);
     }
   };
   struct Level {
     Node node;  // the pattern of this many items being expanded
     std::vector<u32> sFrequent, iFrequent;
+    // Per state of the node expanded at this depth, where a new set and
+    // another item of the last set may come from: worked out once for the
+    // counting and every child. ready lists the states by where their new
+    // set may begin, per customer in the node's order (open-ended search).
+    std::vector<Range> sRange, iRange;
+    std::vector<u32> ready;
   };
 
   double t(u32 transaction) const { return db_.time[transaction]; }
@@ -273,12 +298,10 @@ class Worker {
   }
 
   // The ranges of all states of entry e, merged.
-  template <class RangeOf>
-  void mergedRanges(const Node& node, u32 e, const RangeOf& rangeOf) {
+  void mergedRanges(const Node& node, u32 e, const std::vector<Range>& of) {
     ranges_.clear();
     for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-      Range r = rangeOf(node.states[k]);
-      if (r.begin < r.end) ranges_.push_back(r);
+      if (of[k].begin < of[k].end) ranges_.push_back(of[k]);
     }
     std::sort(ranges_.begin(), ranges_.end(),
               [](const Range& a, const Range& b) { return a.begin < b.begin; });
@@ -293,11 +316,37 @@ class Worker {
     ranges_.resize(n);
   }
 
+  // Fills level's ranges for node's states (`sets` item sets): where a new
+  // set may come from when `sequence`, where another item of the last set
+  // may come from when `item`.
+  void prepareRanges(const Node& node, int sets, bool sequence, bool item,
+                     Level& level) {
+    level.sRange.clear();
+    level.iRange.clear();
+    level.ready.clear();
+    for (u32 e = 0; e < node.size(); ++e) {
+      const u32 c = node.cust[e];
+      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+        const State& s = node.states[k];
+        if (sequence) level.sRange.push_back(sequenceRange(c, s));
+        if (item) level.iRange.push_back(itemRange(c, s, sets));
+        if (sequence && openEnded_) level.ready.push_back(k);
+      }
+      if (sequence && openEnded_) {
+        const std::vector<Range>& r = level.sRange;
+        std::sort(level.ready.begin() + node.start[e], level.ready.end(),
+                  [&r](u32 a, u32 b) { return r[a].begin < r[b].begin; });
+      }
+    }
+  }
+
   // Counts, per customer once, the candidates that extend the node's pattern
   // (`sets` item sets, last item `last`) as a new set (sCand, all items when
-  // sAll) and into its last set (iCand).
+  // sAll) and into its last set (iCand); leaves the ranges in level.
   void count(const Node& node, int sets, u32 last, const u32* sCand,
-             std::size_t nS, bool sAll, const u32* iCand, std::size_t nI) {
+             std::size_t nS, bool sAll, const u32* iCand, std::size_t nI,
+             Level& level) {
+    prepareRanges(node, sets, nS > 0, nI > 0 && time_.window > 0, level);
     if (!sAll) {
       for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
     }
@@ -310,19 +359,16 @@ class Worker {
       if (nS > 0 && openEnded_) {
         // Every range runs to the customer's end: the items from the
         // earliest start on are a prefix of the last-occurrence list.
-        u32 from = db_.customerStart[c + 1];
-        for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-          from = std::min(from, sequenceRange(c, node.states[k]).begin);
-        }
+        const u32 from = level.sRange[level.ready[node.start[e]]].begin;
         const u32* lt = db_.lastTransaction.data();
         const u32* li = db_.lastItem.data();
         for (u32 k = db_.lastStart[c], end = db_.lastStart[c + 1];
              k < end && lt[k] >= from; ++k) {
-          if (sAll || s_.flag[li[k]]) s_.hit(li[k], now_);
+          // The list holds each of the customer's items once.
+          if (sAll || s_.flag[li[k]]) s_.add(li[k]);
         }
       } else if (nS > 0) {
-        mergedRanges(node, e,
-                     [&](const State& s) { return sequenceRange(c, s); });
+        mergedRanges(node, e, level.sRange);
         for (const Range& r : ranges_) {
           for (u32 k = ts[r.begin]; k < ts[r.end]; ++k) {
             if (sAll || s_.flag[items[k]]) s_.hit(items[k], now_);
@@ -335,8 +381,7 @@ class Worker {
           scanAbove(node.states[k].l, node.states[k].l + 1, last);
         }
       } else {
-        mergedRanges(node, e,
-                     [&](const State& s) { return itemRange(c, s, sets); });
+        mergedRanges(node, e, level.iRange);
         for (const Range& r : ranges_) scanAbove(r.begin, r.end, last);
       }
     }
@@ -378,12 +423,12 @@ class Worker {
     Level& level = levels_[depth];
     level.sFrequent.clear();
     level.iFrequent.clear();
-    count(node, sets, last, sCand, nS, sAll, iCand, nI);
+    count(node, sets, last, sCand, nS, sAll, iCand, nI, level);
     collect(s_, level.sFrequent);
     collect(i_, level.iFrequent);
     Node& child = levels_[depth + 1].node;
     for (u32 x : level.iFrequent) {
-      buildItemChild(node, sets, x, child);
+      buildItemChild(node, sets, x, level, child);
       push(x, false);
       emit(child, sets);
       const std::size_t after = static_cast<std::size_t>(
@@ -395,7 +440,7 @@ class Worker {
       pop();
     }
     for (u32 x : level.sFrequent) {
-      buildSequenceChild(node, x, child);
+      buildSequenceChild(node, x, level, child);
       push(x, true);
       emit(child, sets + 1);
       const std::size_t after = static_cast<std::size_t>(
@@ -418,13 +463,13 @@ class Worker {
           at_(db.occurrences[x].data()),
           end_(at_ + db.occurrences[x].size()) {}
     void slice(u32 c) {
-      at_ = std::lower_bound(at_, end_, db_.customerStart[c]);
-      sliceEnd_ = std::lower_bound(at_, end_, db_.customerStart[c + 1]);
+      at_ = gallop(at_, end_, db_.customerStart[c]);
+      sliceEnd_ = gallop(at_, end_, db_.customerStart[c + 1]);
     }
     // The transactions of [r.begin, r.end) holding x, within the slice.
     std::pair<const u32*, const u32*> in(Range r) const {
-      const u32* a = std::lower_bound(at_, sliceEnd_, r.begin);
-      return {a, std::lower_bound(a, sliceEnd_, r.end)};
+      const u32* a = gallop(at_, sliceEnd_, r.begin);
+      return {a, gallop(a, sliceEnd_, r.end)};
     }
 
    private:
@@ -434,8 +479,8 @@ class Worker {
     const u32* sliceEnd_ = nullptr;
   };
 
-  // Fills child with what visit(c, state) adds to fresh_ for each state of
-  // each customer c of node, reduced by append.
+  // Fills child with what visit(k, state) adds to fresh_ for each state k of
+  // each customer of node, reduced by append.
   template <class Visit>
   void buildChild(const Node& node, u32 x, Node& child, const Visit& visit) {
     child.clear();
@@ -445,17 +490,18 @@ class Worker {
       occurrences.slice(c);
       fresh_.clear();
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-        visit(c, node.states[k], occurrences);
+        visit(k, node.states[k], occurrences);
       }
       append(c, child);
     }
   }
 
-  void buildSequenceChild(const Node& node, u32 x, Node& child) {
-    if (openEnded_) return buildOpenSequenceChild(node, x, child);
+  void buildSequenceChild(const Node& node, u32 x, const Level& level,
+                          Node& child) {
+    if (openEnded_) return buildOpenSequenceChild(node, x, level, child);
     buildChild(node, x, child,
-               [&](u32 c, const State& s, const Occurrences& o) {
-                 auto [a, b] = o.in(sequenceRange(c, s));
+               [&](u32 k, const State& s, const Occurrences& o) {
+                 auto [a, b] = o.in(level.sRange[k]);
                  for (; a < b; ++a)
                    fresh_.push_back(State{s.first, s.l, s.u, *a, *a});
                });
@@ -464,30 +510,23 @@ class Worker {
   // The same without a maximum gap or span, where a state's range runs to
   // the customer's end: one sweep over the customer's occurrences of x,
   // keeping the states no other beats among those whose range has begun.
-  void buildOpenSequenceChild(const Node& node, u32 x, Node& child) {
+  void buildOpenSequenceChild(const Node& node, u32 x, const Level& level,
+                              Node& child) {
     child.clear();
     const std::vector<u32>& o = db_.occurrences[x];
     const u32* at = o.data();
     const u32* end = o.data() + o.size();
+    const std::vector<Range>& range = level.sRange;
     for (u32 e = 0; e < node.size() && at < end; ++e) {
       const u32 c = node.cust[e];
-      ready_.clear();
-      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-        const State& s = node.states[k];
-        ready_.emplace_back(sequenceRange(c, s).begin, s);
-      }
-      std::sort(
-          ready_.begin(), ready_.end(),
-          [](const std::pair<u32, State>& a, const std::pair<u32, State>& b) {
-            return a.first < b.first;
-          });
-      at = std::lower_bound(at, end, ready_.front().first);
+      const u32* ready = level.ready.data() + node.start[e];
+      const u32* readyEnd = level.ready.data() + node.start[e + 1];
+      at = gallop(at, end, range[*ready].begin);
       fresh_.clear();
       front_.clear();
-      std::size_t next = 0;
       for (; at < end && *at < db_.customerStart[c + 1]; ++at) {
-        for (; next < ready_.size() && ready_[next].first <= *at; ++next) {
-          enterFront(ready_[next].second);
+        for (; ready < readyEnd && range[*ready].begin <= *at; ++ready) {
+          enterFront(node.states[*ready]);
         }
         for (const State& p : front_) {
           fresh_.push_back(State{p.first, p.l, p.u, *at, *at});
@@ -517,18 +556,19 @@ class Worker {
     front_.push_back(s);
   }
 
-  void buildItemChild(const Node& node, int sets, u32 x, Node& child) {
+  void buildItemChild(const Node& node, int sets, u32 x, const Level& level,
+                      Node& child) {
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
     buildChild(
-        node, x, child, [&](u32 c, const State& s, const Occurrences& o) {
+        node, x, child, [&](u32 k, const State& s, const Occurrences& o) {
           if (time_.window == 0) {
             if (std::binary_search(items + ts[s.l], items + ts[s.l + 1], x)) {
               fresh_.push_back(s);
             }
             return;
           }
-          auto [a, b] = o.in(itemRange(c, s, sets));
+          auto [a, b] = o.in(level.iRange[k]);
           for (; a < b; ++a) {
             State n = s;
             n.l = std::min(s.l, *a);
@@ -650,7 +690,6 @@ class Worker {
   std::vector<char> newSet_;
   std::vector<Range> ranges_;
   std::vector<State> fresh_, front_;
-  std::vector<std::pair<u32, State>> ready_;  // a state and its range start
   std::vector<int>* out_ = nullptr;
   std::function<void()> full_;
 };
