@@ -33,9 +33,10 @@ need_py wheel python3-wheel
 need_py pip python3-pip
 # Distributed mining and its tests run on Dask.
 need_py distributed python3-distributed
-# The report's browser tests (Debian's Chromium, driven by puppeteer-core
-# from npm) and the rules graphs in the README (Graphviz).
+# The report's browser tests (Debian's Chromium and Firefox ESR, driven by
+# puppeteer-core from npm) and the rules graphs in the README (Graphviz).
 need_cmd chromium chromium
+need_cmd firefox-esr firefox-esr
 need_cmd dot graphviz
 need_cmd node nodejs
 need_cmd npm npm

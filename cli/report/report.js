@@ -192,6 +192,9 @@
     body.appendChild(fragment);
     document.getElementById('rule-count').textContent =
       shown.length + ' of ' + rules.length + ' rules shown';
+    // A table of headings alone tells a screen reader of cells that are not
+    // there; the count says that nothing matches.
+    document.getElementById('rules-scroll').hidden = shown.length === 0;
   }
 
   // --- journeys -----------------------------------------------------------
