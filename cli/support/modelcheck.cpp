@@ -43,10 +43,22 @@ std::string inconsistentPattern(
   for (int level = 0; level < dictionary.getNLevels(); ++level) {
     const auto* table = dictionary.getLevel(level);
     if (table == nullptr) continue;
-    for (const auto& entry : *table) {
-      if (entry.key == nullptr) return "a pattern record is missing";
-      std::string problem = problemOf(*entry.key, level);
-      if (!problem.empty()) return problem;
+    // The keys are taken in batches fetched into the cache before any is
+    // looked at: their cache misses then overlap instead of stalling the
+    // check one after another.
+    constexpr int kBatch = 32;
+    const NTSequence* batch[kBatch];
+    for (auto it = table->begin(), last = table->end(); it != last;) {
+      int n = 0;
+      for (; n < kBatch && it != last; ++it) {
+        batch[n] = it->key;
+        __builtin_prefetch(batch[n++]);
+      }
+      for (int i = 0; i < n; ++i) {
+        if (batch[i] == nullptr) return "a pattern record is missing";
+        std::string problem = problemOf(*batch[i], level);
+        if (!problem.empty()) return problem;
+      }
     }
   }
   return "";

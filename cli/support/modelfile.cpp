@@ -7,12 +7,14 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <new>
 #include <sstream>
 
 #include "seqlattice/support/seqexceptions.h"
 #include "support/atomicfile.h"
 #include "support/clierror.h"
+#include "support/memorybuffer.h"
 #include "support/modelcheck.h"
 
 namespace seqlattice_cli {
@@ -119,43 +121,58 @@ void readDictionary(const std::string& path, Read read) {
   }
 }
 
-void loadBinary(const std::string& path, std::fstream& in, std::streamoff size,
-                Model* model) {
-  in.seekg(size - 16);
+// The 8-byte little-endian number at p.
+std::uint64_t littleEndian64(const char* p) {
+  std::uint64_t n = 0;
+  for (int i = 7; i >= 0; --i) n = (n << 8) | static_cast<unsigned char>(p[i]);
+  return n;
+}
+
+// The file is read whole once its trailer is found where the end says: the
+// trailer, the checksum and the dictionary record are then taken from
+// memory, and the library's reader gets a stream over those bytes
+// (MemoryBuffer) instead of a file buffer, which it would call for every
+// field of every pattern.
+void loadBinary(const std::string& path, std::fstream& file,
+                std::streamoff size, Model* model) {
+  const std::size_t bytes = static_cast<std::size_t>(size);
   char tail[16];
-  in.read(tail, 16);
-  std::uint64_t trailerSize = 0;
-  for (int i = 7; i >= 0; --i) {
-    trailerSize = (trailerSize << 8) | static_cast<unsigned char>(tail[i]);
-  }
+  file.seekg(size - 16);
+  file.read(tail, 16);
+  const std::uint64_t trailerSize = littleEndian64(tail);
   if (std::string(tail + 8, 8) != kEndMark) notAModel(path, "no end mark");
-  if (trailerSize > static_cast<std::uint64_t>(size - 16)) {
-    notAModel(path, "bad trailer length");
-  }
-  std::streamoff recordSize =
-      size - 16 - static_cast<std::streamoff>(trailerSize);
+  if (trailerSize > bytes - 16) notAModel(path, "bad trailer length");
+  const std::size_t recordSize = bytes - 16 - trailerSize;
   // The length is only trusted once the trailer's own mark is where it
-  // points: a forged length must not make the loader allocate it.
-  in.seekg(recordSize);
+  // points: a forged length must not make the loader allocate the file.
   char mark[kTrailerMarkSize];
-  if (trailerSize < kTrailerMarkSize || !in.read(mark, kTrailerMarkSize) ||
+  file.seekg(static_cast<std::streamoff>(recordSize));
+  if (trailerSize < kTrailerMarkSize || !file.read(mark, kTrailerMarkSize) ||
       std::string(mark, kTrailerMarkSize) != kTrailerMark) {
     notAModel(path, "bad trailer length");
   }
-  in.seekg(recordSize);
-  std::string trailer(trailerSize, '\0');
-  in.read(&trailer[0], static_cast<std::streamsize>(trailerSize));
-  std::uint32_t checksum = decodeTrailer(trailer, path, model);
-
-  std::uint32_t crc = 0;
-  if (!crc32OfPrefix(in, recordSize, &crc) || crc != checksum) {
-    damaged(path, "checksum mismatch");
+  std::unique_ptr<char[]> data(new (std::nothrow) char[bytes]);
+  if (data == nullptr) damaged(path, "too large to load");
+  file.seekg(0);
+  if (!file.read(data.get(), size)) {
+    failInput(path + ": cannot read: " + std::strerror(errno));
   }
-  in.clear();
-  in.seekg(0);
+  const std::uint32_t checksum = decodeTrailer(
+      std::string(data.get() + recordSize, trailerSize), path, model);
+  Crc32 crc;
+  crc.add(data.get(), recordSize);
+  if (crc.value() != checksum) damaged(path, "checksum mismatch");
+
+  // The stream holds the whole file, as a file stream would: a damaged
+  // record reads on into the trailer and fails as it would there.
+  MemoryBuffer whole(data.get(), bytes);
+  std::fstream in;
+  // The reader takes an fstream; its stream buffer is swapped for the one
+  // over memory (the base class's setter, which fstream's getter hides).
+  static_cast<std::ios&>(in).rdbuf(&whole);
   readDictionary(path, [&] {
     model->dictionary->readObject(in);
-    return in.good() && in.tellg() == recordSize;
+    return in.good() && in.tellg() == static_cast<std::streamoff>(recordSize);
   });
 }
 

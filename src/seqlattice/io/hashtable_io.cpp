@@ -89,11 +89,18 @@ long HashtableSQPair::readObject(std::fstream& in) {
   RecordIO::readValue(in, &entries);
   if (entries < 1) return 6;
   checkEntriesFit(in, entries);
-  return 6 + readEntries(*this, entries,
-                         [&in](NTSequence& key, SequenceCounter& counter) {
-                           const long keyRead = key.readObject(in);
-                           return keyRead + counter.readObject(in);
-                         });
+  return 6 +
+         readEntries(*this, entries,
+                     [this, &in](NTSequence& key, SequenceCounter& counter) {
+                       const long keyRead = key.readObject(in);
+                       // The key's bucket is fetched into the cache while its
+                       // counter is read, so that storing the entry does not
+                       // stall on it (a growth in between only wastes the
+                       // hint).
+                       __builtin_prefetch(
+                           &buckets[bucketOf(key.getHashCode(), capacity)]);
+                       return keyRead + counter.readObject(in);
+                     });
 }
 
 long HashtableSQPair::writeObjectXML(std::ostream& out) const {
