@@ -125,20 +125,6 @@ struct Node {
   u32 size() const { return static_cast<u32>(cust.size()); }
 };
 
-// std::lower_bound probing 1, 2, 4, ... places ahead first: a few steps
-// when the answer is near first, as it is when a list of transactions is
-// walked customer by customer.
-const u32* gallop(const u32* first, const u32* last, u32 value) {
-  if (first == last || *first >= value) return first;
-  std::ptrdiff_t step = 1;
-  while (step < last - first && first[step] < value) {
-    first += step;
-    step *= 2;
-  }
-  return std::lower_bound(first + 1, first + std::min(step, last - first),
-                          value);
-}
-
 // A range of transaction indexes [begin, end).
 struct Range {
   u32 begin, end;
@@ -156,7 +142,9 @@ class Worker {
         gaps_(gaps),
         followers_(followers),
         openEnded_(options.time.maxGap == TimeConstraints::kNone &&
-                   options.time.maxSpan == TimeConstraints::kNone) {
+                   options.time.maxSpan == TimeConstraints::kNone),
+        readsFirst_(options.time.maxSpan != TimeConstraints::kNone),
+        readsPrevStart_(gaps || options.time.maxGap != TimeConstraints::kNone) {
     const u32 f = db.itemCount();
     for (Counters* c : {&s_, &i_}) {
       c->flag.assign(f, 0);
@@ -164,6 +152,8 @@ class Worker {
       c->stamp.assign(f, 0);
     }
     levels_.resize(static_cast<std::size_t>(maxItems_) + 2);
+    slot_.assign(f, kNoSet);
+    fresh_.resize(f);
     all_.resize(f);
     for (u32 x = 0; x < f; ++x) all_[x] = x;
   }
@@ -175,12 +165,11 @@ class Worker {
 
   // The frequent sequence extensions of the one-item pattern x, ascending.
   std::vector<u32> followersOf(u32 x) {
-    Node& root = levels_[0].node;
-    buildRoot(x, root);
+    buildRoot(x, root_);
     pattern_.assign(1, x);
     newSet_.assign(1, 1);
     Level& level = levels_[1];
-    count(root, 1, x, all_.data(), db_.itemCount(), true, nullptr, 0, level);
+    count(root_, 1, x, all_.data(), db_.itemCount(), true, nullptr, 0, level);
     level.sFrequent.clear();
     collect(s_, level.sFrequent);
     return level.sFrequent;
@@ -188,13 +177,12 @@ class Worker {
 
   // Emits x and every frequent pattern that begins with it.
   void mineRoot(u32 x) {
-    Node& root = levels_[0].node;
-    buildRoot(x, root);
+    buildRoot(x, root_);
     pattern_.assign(1, x);
     newSet_.assign(1, 1);
-    emit(root, 1);
+    emit(root_, 1);
     const u32 f = db_.itemCount();
-    expand(root, 1, x, all_.data(), f, true, all_.data() + x + 1, f - x - 1);
+    expand(root_, 1, x, all_.data(), f, true, all_.data() + x + 1, f - x - 1);
   }
 
  private:
@@ -212,8 +200,10 @@ class Worker {
     }
   };
   struct Level {
-    Node node;  // the pattern of this many items being expanded
+    // The frequent extensions of the node expanded at this depth and their
+    // nodes: children[k] is frequent[k]'s.
     std::vector<u32> sFrequent, iFrequent;
+    std::vector<Node> sChildren, iChildren;
     // Per state of the node expanded at this depth, where a new set and
     // another item of the last set may come from: worked out once for the
     // counting and every child. ready lists the states by where their new
@@ -426,114 +416,101 @@ class Worker {
     count(node, sets, last, sCand, nS, sAll, iCand, nI, level);
     collect(s_, level.sFrequent);
     collect(i_, level.iFrequent);
-    Node& child = levels_[depth + 1].node;
-    for (u32 x : level.iFrequent) {
-      buildItemChild(node, sets, x, level, child);
+    buildItemChildren(node, sets, last, level);
+    buildSequenceChildren(node, level);
+    for (std::size_t k = 0; k < level.iFrequent.size(); ++k) {
+      const u32 x = level.iFrequent[k];
+      const Node& child = level.iChildren[k];
       push(x, false);
       emit(child, sets);
-      const std::size_t after = static_cast<std::size_t>(
-          std::upper_bound(level.iFrequent.begin(), level.iFrequent.end(), x) -
-          level.iFrequent.begin());
       expand(child, sets, x, level.sFrequent.data(), level.sFrequent.size(),
-             false, level.iFrequent.data() + after,
-             level.iFrequent.size() - after);
+             false, level.iFrequent.data() + k + 1,
+             level.iFrequent.size() - k - 1);
       pop();
     }
-    for (u32 x : level.sFrequent) {
-      buildSequenceChild(node, x, level, child);
+    for (std::size_t k = 0; k < level.sFrequent.size(); ++k) {
+      const u32 x = level.sFrequent[k];
+      const Node& child = level.sChildren[k];
       push(x, true);
       emit(child, sets + 1);
-      const std::size_t after = static_cast<std::size_t>(
-          std::upper_bound(level.sFrequent.begin(), level.sFrequent.end(), x) -
-          level.sFrequent.begin());
       const std::vector<u32>& next =
           followers_ != nullptr ? (*followers_)[x] : level.sFrequent;
       expand(child, sets + 1, x, next.data(), next.size(), false,
-             level.sFrequent.data() + after, level.sFrequent.size() - after);
+             level.sFrequent.data() + k + 1, level.sFrequent.size() - k - 1);
       pop();
     }
   }
 
-  // The occurrences of x, transactions ascending, as a cursor over the
-  // customers in ascending order: slice(c) narrows to customer c's.
-  class Occurrences {
-   public:
-    Occurrences(const TimedDatabase& db, u32 x)
-        : db_(db),
-          at_(db.occurrences[x].data()),
-          end_(at_ + db.occurrences[x].size()) {}
-    void slice(u32 c) {
-      at_ = gallop(at_, end_, db_.customerStart[c]);
-      sliceEnd_ = gallop(at_, end_, db_.customerStart[c + 1]);
-    }
-    // The transactions of [r.begin, r.end) holding x, within the slice.
-    std::pair<const u32*, const u32*> in(Range r) const {
-      const u32* a = gallop(at_, sliceEnd_, r.begin);
-      return {a, gallop(a, sliceEnd_, r.end)};
-    }
-
-   private:
-    const TimedDatabase& db_;
-    const u32* at_;
-    const u32* end_;
-    const u32* sliceEnd_ = nullptr;
-  };
-
-  // Fills child with what visit(k, state) adds to fresh_ for each state k of
-  // each customer of node, reduced by append.
+  // Fills children[k] with the occurrences of the node's pattern extended
+  // by frequent[k], in one pass over the node's customers: visit(e) offers
+  // customer e's new states through offer(item, state); those of items not
+  // in frequent are dropped.
   template <class Visit>
-  void buildChild(const Node& node, u32 x, Node& child, const Visit& visit) {
-    child.clear();
-    Occurrences occurrences(db_, x);
-    for (u32 e = 0; e < node.size(); ++e) {
-      const u32 c = node.cust[e];
-      occurrences.slice(c);
-      fresh_.clear();
-      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-        visit(k, node.states[k], occurrences);
-      }
-      append(c, child);
+  void buildChildren(const Node& node, const std::vector<u32>& frequent,
+                     std::vector<Node>& children, const Visit& visit) {
+    if (frequent.empty()) return;
+    if (children.size() < frequent.size()) children.resize(frequent.size());
+    for (std::size_t k = 0; k < frequent.size(); ++k) {
+      children[k].clear();
+      slot_[frequent[k]] = static_cast<u32>(k);
     }
+    for (u32 e = 0; e < node.size(); ++e) {
+      visit(e);
+      for (u32 k : touched_) append(node.cust[e], fresh_[k], children[k]);
+      touched_.clear();
+    }
+    for (u32 x : frequent) slot_[x] = kNoSet;
   }
 
-  void buildSequenceChild(const Node& node, u32 x, const Level& level,
-                          Node& child) {
-    if (openEnded_) return buildOpenSequenceChild(node, x, level, child);
-    buildChild(node, x, child,
-               [&](u32 k, const State& s, const Occurrences& o) {
-                 auto [a, b] = o.in(level.sRange[k]);
-                 for (; a < b; ++a)
-                   fresh_.push_back(State{s.first, s.l, s.u, *a, *a});
-               });
+  // Offers a new state of the child extending by item x (see buildChildren).
+  void offer(u32 x, const State& s) {
+    const u32 k = slot_[x];
+    if (k == kNoSet) return;
+    if (fresh_[k].empty()) touched_.push_back(k);
+    fresh_[k].push_back(s);
+  }
+
+  void buildSequenceChildren(const Node& node, Level& level) {
+    if (openEnded_) return buildOpenSequenceChildren(node, level);
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
+    buildChildren(node, level.sFrequent, level.sChildren, [&](u32 e) {
+      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+        const State& s = node.states[k];
+        const Range r = level.sRange[k];
+        for (u32 tr = r.begin; tr < r.end; ++tr) {
+          for (u32 i = ts[tr]; i < ts[tr + 1]; ++i) {
+            offer(items[i], State{s.first, s.l, s.u, tr, tr});
+          }
+        }
+      }
+    });
   }
 
   // The same without a maximum gap or span, where a state's range runs to
-  // the customer's end: one sweep over the customer's occurrences of x,
-  // keeping the states no other beats among those whose range has begun.
-  void buildOpenSequenceChild(const Node& node, u32 x, const Level& level,
-                              Node& child) {
-    child.clear();
-    const std::vector<u32>& o = db_.occurrences[x];
-    const u32* at = o.data();
-    const u32* end = o.data() + o.size();
+  // the customer's end: one sweep over the customer's transactions, keeping
+  // the states no other beats among those whose range has begun.
+  void buildOpenSequenceChildren(const Node& node, Level& level) {
+    const u32* items = db_.items.data();
+    const u32* ts = db_.transactionStart.data();
     const std::vector<Range>& range = level.sRange;
-    for (u32 e = 0; e < node.size() && at < end; ++e) {
-      const u32 c = node.cust[e];
+    buildChildren(node, level.sFrequent, level.sChildren, [&](u32 e) {
       const u32* ready = level.ready.data() + node.start[e];
       const u32* readyEnd = level.ready.data() + node.start[e + 1];
-      at = gallop(at, end, range[*ready].begin);
-      fresh_.clear();
       front_.clear();
-      for (; at < end && *at < db_.customerStart[c + 1]; ++at) {
-        for (; ready < readyEnd && range[*ready].begin <= *at; ++ready) {
+      for (u32 tr = range[*ready].begin,
+               end = db_.customerStart[node.cust[e] + 1];
+           tr < end; ++tr) {
+        for (; ready < readyEnd && range[*ready].begin <= tr; ++ready) {
           enterFront(node.states[*ready]);
         }
-        for (const State& p : front_) {
-          fresh_.push_back(State{p.first, p.l, p.u, *at, *at});
+        for (u32 i = ts[tr]; i < ts[tr + 1]; ++i) {
+          for (const State& p : front_) {
+            offer(items[i], State{p.first, p.l, p.u, tr, tr});
+          }
         }
       }
-      append(c, child);
-    }
+    });
   }
 
   // Adds s to the states that may precede a new set unless one of them
@@ -545,44 +522,64 @@ class Worker {
       m.l = m.u = std::max(m.l, s.l);
       return;
     }
+    // A state's start becomes its children's previous start.
+    auto beats = [this](const State& a, const State& b) {
+      return (!readsPrevStart_ || a.l >= b.l) &&
+             (!readsFirst_ || a.first >= b.first) && a.u <= b.u;
+    };
     for (const State& o : front_) {
-      if (o.l >= s.l && o.first >= s.first && o.u <= s.u) return;
+      if (beats(o, s)) return;
     }
     std::size_t n = 0;
     for (const State& o : front_) {
-      if (!(s.l >= o.l && s.first >= o.first && s.u <= o.u)) front_[n++] = o;
+      if (!beats(s, o)) front_[n++] = o;
     }
     front_.resize(n);
     front_.push_back(s);
   }
 
-  void buildItemChild(const Node& node, int sets, u32 x, const Level& level,
-                      Node& child) {
+  // The items above `last` joining the last set: from the set's own
+  // transaction with window 0, else from the transactions of its range.
+  void buildItemChildren(const Node& node, int sets, u32 last, Level& level) {
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    buildChild(
-        node, x, child, [&](u32 k, const State& s, const Occurrences& o) {
-          if (time_.window == 0) {
-            if (std::binary_search(items + ts[s.l], items + ts[s.l + 1], x)) {
-              fresh_.push_back(s);
-            }
-            return;
+    buildChildren(node, level.iFrequent, level.iChildren, [&](u32 e) {
+      for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
+        const State& s = node.states[k];
+        if (time_.window == 0) {
+          const u32* b = items + ts[s.l + 1];
+          for (const u32* a = std::upper_bound(items + ts[s.l], b, last); a < b;
+               ++a) {
+            offer(*a, s);
           }
-          auto [a, b] = o.in(level.iRange[k]);
-          for (; a < b; ++a) {
+          continue;
+        }
+        const Range r = level.iRange[k];
+        for (u32 tr = r.begin; tr < r.end; ++tr) {
+          const u32* b = items + ts[tr + 1];
+          for (const u32* a = std::upper_bound(items + ts[tr], b, last); a < b;
+               ++a) {
             State n = s;
-            n.l = std::min(s.l, *a);
-            n.u = std::max(s.u, *a);
+            n.l = std::min(s.l, tr);
+            n.u = std::max(s.u, tr);
             if (sets == 1) n.first = n.l;
-            fresh_.push_back(n);
+            offer(*a, n);
           }
-        });
+        }
+      }
+    });
   }
 
-  // Adds fresh_, reduced to the states no other beats, as customer c's.
-  void append(u32 c, Node& child) {
-    if (fresh_.empty()) return;
-    std::sort(fresh_.begin(), fresh_.end(), [](const State& a, const State& b) {
+  // Adds fresh, reduced to the states no other beats, as customer c's;
+  // leaves fresh empty.
+  void append(u32 c, std::vector<State>& fresh, Node& child) {
+    // Fields no limit reads are cleared, so that states differing only
+    // there merge.
+    for (State& s : fresh) {
+      if (!readsFirst_) s.first = 0;
+      if (!readsPrevStart_ && s.lPrev != kNoSet) s.lPrev = 0;
+    }
+    std::sort(fresh.begin(), fresh.end(), [](const State& a, const State& b) {
       if (a.l != b.l) return a.l < b.l;
       if (a.u != b.u) return a.u < b.u;
       if (a.lPrev != b.lPrev) return a.lPrev > b.lPrev;
@@ -591,7 +588,7 @@ class Worker {
     });
     const std::size_t groupStart = child.states.size();
     std::size_t sameEnds = groupStart;
-    for (const State& s : fresh_) {
+    for (const State& s : fresh) {
       if (sameEnds < child.states.size() && (child.states[sameEnds].l != s.l ||
                                              child.states[sameEnds].u != s.u)) {
         sameEnds = child.states.size();
@@ -611,6 +608,7 @@ class Worker {
       }
       if (!beaten) child.states.push_back(s);
     }
+    fresh.clear();
     child.cust.push_back(c);
     child.start.push_back(static_cast<u32>(child.states.size()));
   }
@@ -682,14 +680,23 @@ class Worker {
   const std::vector<std::vector<u32>>* followers_;
   // No maximum gap or span: a new item set may come anywhere later.
   bool openEnded_;
+  // Whether a limit reads a state's start (the maximum span), and its
+  // previous set's start (the maximum gap, or the gap statistics).
+  bool readsFirst_, readsPrevStart_;
   u32 emitted_ = 0;
   Counters s_, i_;
   std::uint64_t now_ = 0;
+  Node root_;
   std::vector<Level> levels_;
   std::vector<u32> all_, pattern_;
   std::vector<char> newSet_;
   std::vector<Range> ranges_;
-  std::vector<State> fresh_, front_;
+  std::vector<State> front_;
+  // While children are built: per item its child's index (kNoSet when not
+  // built), per child the states of the current customer, and the children
+  // having some.
+  std::vector<u32> slot_, touched_;
+  std::vector<std::vector<State>> fresh_;
   std::vector<int>* out_ = nullptr;
   std::function<void()> full_;
 };
