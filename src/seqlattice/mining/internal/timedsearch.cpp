@@ -125,6 +125,14 @@ struct Node {
   u32 size() const { return static_cast<u32>(cust.size()); }
 };
 
+// The first item above x in the ascending items [a, b): transactions are
+// mostly short, where a plain walk beats a binary search.
+const u32* firstAbove(const u32* a, const u32* b, u32 x) {
+  if (b - a > 16) return std::upper_bound(a, b, x);
+  while (a < b && *a <= x) ++a;
+  return a;
+}
+
 // A range of transaction indexes [begin, end).
 struct Range {
   u32 begin, end;
@@ -259,16 +267,24 @@ class Worker {
     const u32 end = db_.customerStart[c + 1];
     const double w =
         sets == 1 ? std::min(time_.window, time_.maxSpan) : time_.window;
-    u32 lo = partition(begin, s.l, [&](u32 k) {
-      return (s.uPrev != kNoSet &&
-              (k <= s.uPrev || t(k) - t(s.uPrev) < time_.minGap)) ||
-             t(s.u) - t(k) > w;
-    });
-    u32 hi = partition(s.u + 1, end, [&](u32 k) {
-      return t(k) - t(s.l) <= w &&
-             (sets == 1 || (t(k) - t(s.lPrev) <= time_.maxGap &&
-                            t(k) - t(s.first) <= time_.maxSpan));
-    });
+    // Walked outwards from the set: the range's transactions are all read
+    // afterwards, so these steps cost no more than that reading.
+    u32 lo = s.l;
+    while (lo > begin) {
+      const u32 k = lo - 1;
+      if ((s.uPrev != kNoSet &&
+           (k <= s.uPrev || t(k) - t(s.uPrev) < time_.minGap)) ||
+          t(s.u) - t(k) > w) {
+        break;
+      }
+      lo = k;
+    }
+    u32 hi = s.u + 1;
+    while (hi < end && t(hi) - t(s.l) <= w &&
+           (sets == 1 || (t(hi) - t(s.lPrev) <= time_.maxGap &&
+                          t(hi) - t(s.first) <= time_.maxSpan))) {
+      ++hi;
+    }
     return Range{lo, hi};
   }
 
@@ -311,20 +327,22 @@ class Worker {
   // may come from when `item`.
   void prepareRanges(const Node& node, int sets, bool sequence, bool item,
                      Level& level) {
-    level.sRange.clear();
-    level.iRange.clear();
-    level.ready.clear();
+    const std::size_t n = node.states.size();
+    level.sRange.resize(sequence ? n : 0);
+    level.iRange.resize(item ? n : 0);
+    level.ready.resize(sequence && openEnded_ ? n : 0);
     for (u32 e = 0; e < node.size(); ++e) {
       const u32 c = node.cust[e];
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
         const State& s = node.states[k];
-        if (sequence) level.sRange.push_back(sequenceRange(c, s));
-        if (item) level.iRange.push_back(itemRange(c, s, sets));
-        if (sequence && openEnded_) level.ready.push_back(k);
+        if (sequence) level.sRange[k] = sequenceRange(c, s);
+        if (item) level.iRange[k] = itemRange(c, s, sets);
+        if (sequence && openEnded_) level.ready[k] = k;
       }
-      if (sequence && openEnded_) {
+      if (sequence && openEnded_ && node.start[e + 1] - node.start[e] > 1) {
         const std::vector<Range>& r = level.sRange;
-        std::sort(level.ready.begin() + node.start[e], level.ready.end(),
+        std::sort(level.ready.begin() + node.start[e],
+                  level.ready.begin() + node.start[e + 1],
                   [&r](u32 a, u32 b) { return r[a].begin < r[b].begin; });
       }
     }
@@ -386,7 +404,7 @@ class Worker {
     const u32* ts = db_.transactionStart.data();
     for (u32 tr = from; tr < to; ++tr) {
       const u32* b = items + ts[tr + 1];
-      const u32* a = std::upper_bound(items + ts[tr], b, last);
+      const u32* a = firstAbove(items + ts[tr], b, last);
       for (; a < b; ++a) {
         if (i_.flag[*a]) i_.hit(*a, now_);
       }
@@ -444,10 +462,13 @@ class Worker {
   // Fills children[k] with the occurrences of the node's pattern extended
   // by frequent[k], in one pass over the node's customers: visit(e) offers
   // customer e's new states through offer(item, state); those of items not
-  // in frequent are dropped.
+  // in frequent are dropped. When `reduced`, visit offers each child's
+  // states of a customer in order of (l, u), none beating another once
+  // the fields no limit reads are cleared.
   template <class Visit>
   void buildChildren(const Node& node, const std::vector<u32>& frequent,
-                     std::vector<Node>& children, const Visit& visit) {
+                     std::vector<Node>& children, bool reduced,
+                     const Visit& visit) {
     if (frequent.empty()) return;
     if (children.size() < frequent.size()) children.resize(frequent.size());
     for (std::size_t k = 0; k < frequent.size(); ++k) {
@@ -456,7 +477,9 @@ class Worker {
     }
     for (u32 e = 0; e < node.size(); ++e) {
       visit(e);
-      for (u32 k : touched_) append(node.cust[e], fresh_[k], children[k]);
+      for (u32 k : touched_) {
+        append(node.cust[e], reduced, fresh_[k], children[k]);
+      }
       touched_.clear();
     }
     for (u32 x : frequent) slot_[x] = kNoSet;
@@ -464,8 +487,10 @@ class Worker {
 
   // Offers a new state of the child extending by item x (see buildChildren).
   void offer(u32 x, const State& s) {
-    const u32 k = slot_[x];
-    if (k == kNoSet) return;
+    if (slot_[x] != kNoSet) offerToChild(slot_[x], s);
+  }
+  // The same for the child of index k.
+  void offerToChild(u32 k, const State& s) {
     if (fresh_[k].empty()) touched_.push_back(k);
     fresh_[k].push_back(s);
   }
@@ -474,7 +499,7 @@ class Worker {
     if (openEnded_) return buildOpenSequenceChildren(node, level);
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    buildChildren(node, level.sFrequent, level.sChildren, [&](u32 e) {
+    buildChildren(node, level.sFrequent, level.sChildren, false, [&](u32 e) {
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
         const State& s = node.states[k];
         const Range r = level.sRange[k];
@@ -494,7 +519,9 @@ class Worker {
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
     const std::vector<Range>& range = level.sRange;
-    buildChildren(node, level.sFrequent, level.sChildren, [&](u32 e) {
+    // The states that no other beats enter the front, so the new states of
+    // one transaction are reduced already.
+    buildChildren(node, level.sFrequent, level.sChildren, true, [&](u32 e) {
       const u32* ready = level.ready.data() + node.start[e];
       const u32* readyEnd = level.ready.data() + node.start[e + 1];
       front_.clear();
@@ -505,8 +532,10 @@ class Worker {
           enterFront(node.states[*ready]);
         }
         for (u32 i = ts[tr]; i < ts[tr + 1]; ++i) {
+          const u32 k = slot_[items[i]];
+          if (k == kNoSet) continue;
           for (const State& p : front_) {
-            offer(items[i], State{p.first, p.l, p.u, tr, tr});
+            offerToChild(k, State{p.first, p.l, p.u, tr, tr});
           }
         }
       }
@@ -543,12 +572,12 @@ class Worker {
   void buildItemChildren(const Node& node, int sets, u32 last, Level& level) {
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    buildChildren(node, level.iFrequent, level.iChildren, [&](u32 e) {
+    buildChildren(node, level.iFrequent, level.iChildren, false, [&](u32 e) {
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
         const State& s = node.states[k];
         if (time_.window == 0) {
           const u32* b = items + ts[s.l + 1];
-          for (const u32* a = std::upper_bound(items + ts[s.l], b, last); a < b;
+          for (const u32* a = firstAbove(items + ts[s.l], b, last); a < b;
                ++a) {
             offer(*a, s);
           }
@@ -557,8 +586,7 @@ class Worker {
         const Range r = level.iRange[k];
         for (u32 tr = r.begin; tr < r.end; ++tr) {
           const u32* b = items + ts[tr + 1];
-          for (const u32* a = std::upper_bound(items + ts[tr], b, last); a < b;
-               ++a) {
+          for (const u32* a = firstAbove(items + ts[tr], b, last); a < b; ++a) {
             State n = s;
             n.l = std::min(s.l, tr);
             n.u = std::max(s.u, tr);
@@ -570,15 +598,28 @@ class Worker {
     });
   }
 
-  // Adds fresh, reduced to the states no other beats, as customer c's;
-  // leaves fresh empty.
-  void append(u32 c, std::vector<State>& fresh, Node& child) {
+  // Adds fresh, reduced to the states no other beats (already so when
+  // `reduced`), as customer c's; leaves fresh empty.
+  void append(u32 c, bool reduced, std::vector<State>& fresh, Node& child) {
     // Fields no limit reads are cleared, so that states differing only
     // there merge.
     for (State& s : fresh) {
       if (!readsFirst_) s.first = 0;
       if (!readsPrevStart_ && s.lPrev != kNoSet) s.lPrev = 0;
     }
+    if (reduced) {
+      child.states.insert(child.states.end(), fresh.begin(), fresh.end());
+    } else {
+      appendUnbeaten(fresh, child.states);
+    }
+    fresh.clear();
+    child.cust.push_back(c);
+    child.start.push_back(static_cast<u32>(child.states.size()));
+  }
+
+  // Appends to states those of fresh that no other beats, in order of
+  // (l, u).
+  void appendUnbeaten(std::vector<State>& fresh, std::vector<State>& states) {
     std::sort(fresh.begin(), fresh.end(), [](const State& a, const State& b) {
       if (a.l != b.l) return a.l < b.l;
       if (a.u != b.u) return a.u < b.u;
@@ -586,31 +627,27 @@ class Worker {
       if (a.first != b.first) return a.first > b.first;
       return a.uPrev < b.uPrev;
     });
-    const std::size_t groupStart = child.states.size();
-    std::size_t sameEnds = groupStart;
+    std::size_t sameEnds = states.size();
     for (const State& s : fresh) {
-      if (sameEnds < child.states.size() && (child.states[sameEnds].l != s.l ||
-                                             child.states[sameEnds].u != s.u)) {
-        sameEnds = child.states.size();
+      if (sameEnds < states.size() &&
+          (states[sameEnds].l != s.l || states[sameEnds].u != s.u)) {
+        sameEnds = states.size();
       }
-      if (time_.window == 0 && sameEnds < child.states.size()) {
+      if (time_.window == 0 && sameEnds < states.size()) {
         // With one transaction per set only the start and the previous
         // set's start matter, and the best of each may come from two
         // occurrences: both limits are met by one of them each.
-        State& kept = child.states[sameEnds];
+        State& kept = states[sameEnds];
         kept.first = std::max(kept.first, s.first);
         continue;
       }
       bool beaten = false;
-      for (std::size_t k = sameEnds; k < child.states.size() && !beaten; ++k) {
-        const State& o = child.states[k];
+      for (std::size_t k = sameEnds; k < states.size() && !beaten; ++k) {
+        const State& o = states[k];
         beaten = o.lPrev >= s.lPrev && o.first >= s.first && o.uPrev <= s.uPrev;
       }
-      if (!beaten) child.states.push_back(s);
+      if (!beaten) states.push_back(s);
     }
-    fresh.clear();
-    child.cust.push_back(c);
-    child.start.push_back(static_cast<u32>(child.states.size()));
   }
 
   void push(u32 x, bool newSet) {
