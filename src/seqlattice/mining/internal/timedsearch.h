@@ -6,7 +6,13 @@
 // the next-to-last item set, and start and end the last one. Of the
 // occurrences ending their last set in the same transactions only those that
 // no other one beats on every limit are kept (with window 0 they merge into
-// one), so the lists stay short while the supports stay exact.
+// one), so the lists stay short while the supports stay exact; what no limit
+// reads (the start without a maximum span, the previous set's start without
+// a maximum gap or gap statistics) is cleared first, so more of them merge.
+//
+// A node's frequent extensions are counted first, per customer once; then
+// all its children are built in one pass over its occurrences, each new
+// occurrence handed to the child of its item, before any child is expanded.
 //
 // Extending a pattern only at its end never makes it more frequent under the
 // constraints, so pruning by support stays exact. The candidates of a node's
