@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <unordered_map>

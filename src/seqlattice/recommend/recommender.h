@@ -30,7 +30,6 @@
 #ifndef SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 #define SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 
-#include <unordered_map>
 #include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
