@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <unordered_map>
@@ -46,23 +45,6 @@ std::vector<std::vector<int>> itemSetsOf(const NTSequence& pattern) {
   return sets;
 }
 
-// The matches of one lattice pass, deleted with this object.
-std::vector<std::unique_ptr<NTSequence>> matchesOf(SequenceDictionary& dict,
-                                                   const Sequence& history,
-                                                   int skipLast) {
-  std::vector<NTSequence*> found;
-  try {
-    dict.getSubsequencesInSequence(found, &history, skipLast);
-  } catch (...) {
-    for (NTSequence* p : found) delete p;
-    throw;
-  }
-  std::vector<std::unique_ptr<NTSequence>> owned;
-  owned.reserve(found.size());
-  for (NTSequence* p : found) owned.emplace_back(p);
-  return owned;
-}
-
 // Whether the history filter lets the item through.
 bool admitted(HistoryItems mode, const std::vector<int>& historyItems,
               int item) {
@@ -92,7 +74,7 @@ struct Candidate {
 }  // namespace
 
 Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
-    : dict_(dict), index_(index) {
+    : dict_(dict), index_(index), lattice_(dict) {
   const SequenceCounter* level0 = dict.getLevel0Descriptor();
   n_ = level0 != nullptr ? level0->getCount() : 0;
   const HashtableSQPair* level1 = dict.getLevel(1);
@@ -120,22 +102,6 @@ Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
       automaticEvidence_ = SequenceEvidence::kSimilar;
     }
   }
-}
-
-const std::vector<Recommender::Follower>& Recommender::followersOf(
-    const NTSequence& pattern, const SequenceCounter& counter) {
-  auto [at, added] = followerCache_.try_emplace(&counter);
-  if (!added || counter.getAdjacentItems() == nullptr) return at->second;
-  const int after = 2 * pattern.getNSets() + 1;
-  for (const std::pair<int, int>& entry : *counter.getAdjacentItems()) {
-    if (entry.second != after) continue;
-    const NTSequence extended(pattern, entry.first, after);
-    const SequenceCounter* extendedCounter = dict_.getDescriptor(&extended);
-    if (extendedCounter == nullptr) continue;
-    at->second.push_back(
-        {entry.first, extendedCounter->getCount(), popularity(entry.first)});
-  }
-  return at->second;
 }
 
 double Recommender::popularity(int item) const {
@@ -199,33 +165,25 @@ std::vector<Recommendation> Recommender::recommend(
   const double earlierWeight = options.earlierSetWeight < 0
                                    ? automaticEarlierWeight_
                                    : options.earlierSetWeight;
-  // The matches stay alive until the best rule of each chosen item is
-  // written out.
-  std::vector<std::unique_ptr<NTSequence>> matches;
   double weight = 1.0;
   for (int k = 0; k < passes; ++k, weight *= earlierWeight) {
     const std::vector<int> excluded = itemsFrom(history, length - k);
-    const std::size_t first = matches.size();
-    for (auto& p : matchesOf(dict_, history, k))
-      matches.push_back(std::move(p));
-    for (std::size_t m = first; m < matches.size(); ++m) {
-      const NTSequence& p = *matches[m];
-      const SequenceCounter* counter = dict_.getDescriptor(&p);
-      if (counter == nullptr) continue;
-      const double patternCount = counter->getCount();
-      for (const Follower& f : followersOf(p, *counter)) {
+    lattice_.match(history, k, &matches_);
+    for (const LatticeIndex::Match& m : matches_) {
+      const double patternCount = m.count;
+      for (const LatticeIndex::Follower& f : *m.followers) {
         if (contains(excluded, f.item)) continue;
         const double score =
             weight * (f.count + prior * f.popularity) / (patternCount + prior);
         Candidate& c = candidates[f.item];
         if (score <= c.lattice) continue;
         c.lattice = score;
-        c.pattern = &p;
+        c.pattern = m.pattern;
         Recommendation& r = c.rec;
         r.confidence = f.count / patternCount;
         r.support = n_ > 0 ? f.count / n_ : 0.0;
         r.cause = f.popularity > 0 ? f.count / (f.popularity * n_) : 0.0;
-        r.patternCount = counter->getCount();
+        r.patternCount = m.count;
         r.count = f.count;
         r.skippedSets = k;
       }
@@ -275,13 +233,15 @@ std::vector<Recommendation> Recommender::recommend(
     }
     best.push_back(&c);
   }
-  std::sort(best.begin(), best.end(),
-            [](const Candidate* a, const Candidate* b) {
-              return ranksBefore(a->rec, b->rec);
-            });
-  if (static_cast<int>(best.size()) > options.top) {
-    best.resize(static_cast<std::size_t>(options.top));
-  }
+  // Only the first options.top are wanted; the order is total (no two
+  // candidates share an item), so they are those a full sort would give.
+  const std::size_t kept =
+      std::min(best.size(), static_cast<std::size_t>(options.top));
+  std::partial_sort(best.begin(), best.begin() + static_cast<long>(kept),
+                    best.end(), [](const Candidate* a, const Candidate* b) {
+                      return ranksBefore(a->rec, b->rec);
+                    });
+  best.resize(kept);
   std::vector<Recommendation> ranked;
   for (Candidate* c : best) {
     if (c->pattern != nullptr) c->rec.pattern = itemSetsOf(*c->pattern);

@@ -22,19 +22,18 @@
 // figures behind the defaults.
 //
 // A Recommender keeps references to the dictionary and the index (both stay
-// the caller's and must outlive it, unchanged). It remembers, per stored
-// pattern it has matched, the items that follow it and their counts, so a
-// pattern's extensions are looked up once per Recommender (the memory grows
-// with the patterns matched, at most with the dictionary's). Not
-// thread-safe: the dictionary's lookups rewrite its scratch key, and the
-// memory above is filled as it goes.
+// the caller's and must outlive it, unchanged). It finds the lattice's
+// evidence through a LatticeIndex, which turns each stored pattern it meets
+// into a node once per Recommender (the memory grows with the patterns
+// matched, at most with the dictionary's). Not thread-safe: the dictionary's
+// lookups rewrite its scratch key, and the nodes are added as they are met.
 #ifndef SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 #define SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 
-#include <unordered_map>
 #include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/recommend/latticeindex.h"
 #include "seqlattice/recommend/sequenceindex.h"
 #include "seqlattice/sequence/sequence.h"
 
@@ -168,15 +167,6 @@ class Recommender {
  private:
   std::vector<Recommendation> byConfidence(const Sequence& history,
                                            const RecommendOptions& options);
-  struct Follower {
-    int item;
-    long count;         // of the pattern followed by the item
-    double popularity;  // the item's share of customers
-  };
-  // The items that follow `pattern` in a new item set (its extensions the
-  // dictionary stores), read on first use.
-  const std::vector<Follower>& followersOf(const NTSequence& pattern,
-                                           const SequenceCounter& counter);
   double popularity(int item) const;
 
   SequenceDictionary& dict_;
@@ -185,8 +175,8 @@ class Recommender {
   std::vector<std::pair<int, long>> itemCounts_;  // by item, ascending
   std::vector<int> popular_;  // items by decreasing count, then item code
   double repeatRate_ = 1.0;
-  std::unordered_map<const SequenceCounter*, std::vector<Follower>>
-      followerCache_;
+  LatticeIndex lattice_;
+  std::vector<LatticeIndex::Match> matches_;  // scratch of one pass
   double automaticDecay_ = 0.0;
   double automaticEarlierWeight_ = kShortSequenceEarlierWeight;
   double automaticSequenceWeight_ = 0.5;

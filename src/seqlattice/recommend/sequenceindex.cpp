@@ -8,13 +8,27 @@ namespace recommend {
 
 namespace {
 
-// Intersection of two ascending lists.
-std::vector<std::uint32_t> intersect(const std::vector<std::uint32_t>& a,
-                                     const std::uint32_t* b,
-                                     const std::uint32_t* bEnd) {
-  std::vector<std::uint32_t> out;
-  std::set_intersection(a.begin(), a.end(), b, bEnd, std::back_inserter(out));
-  return out;
+// Keeps the holders of `holders` (ascending customers) that are also in the
+// ascending customers [b, bEnd), whose item's first item set is firstSets[k]
+// for b[k]; a holder's `after` becomes the latest first item set plus one.
+// Seeks through the longer list rather than walking it, since a rare item's
+// few customers are usually checked against a popular item's many.
+void keepHolders(std::vector<SequenceIndex::Holder>* holders,
+                 const std::uint32_t* b, const std::uint32_t* bEnd,
+                 const std::uint32_t* firstSets) {
+  std::size_t kept = 0;
+  const std::uint32_t* from = b;
+  for (const SequenceIndex::Holder& h : *holders) {
+    const std::size_t left = static_cast<std::size_t>(bEnd - from);
+    std::size_t step = 1;
+    while (step < left && from[step] < h.customer) step *= 2;
+    from = std::lower_bound(from, from + std::min(step + 1, left), h.customer);
+    if (from == bEnd) break;
+    if (*from != h.customer) continue;
+    const std::uint32_t after = firstSets[from - b] + 1;
+    (*holders)[kept++] = {h.customer, std::max(h.after, after)};
+  }
+  holders->resize(kept);
 }
 
 // Calls visit with every way of keeping `keep` of the context's items.
@@ -85,23 +99,30 @@ void SequenceIndex::buildPostings() {
   for (std::size_t i = 0; i < items_.size(); ++i) {
     dense[i] = static_cast<std::uint32_t>(denseOf(items_[i]));
   }
+  // Each customer's first occurrence of each of its items, with its set.
   auto forEachPosting = [&](auto add) {
     std::fill(lastCustomer.begin(), lastCustomer.end(), UINT32_MAX);
     for (std::uint32_t c = 0; c + 1 < customerStart_.size(); ++c) {
-      for (std::uint32_t i = setStart_[customerStart_[c]];
-           i < setStart_[customerStart_[c + 1]]; ++i) {
-        if (lastCustomer[dense[i]] == c) continue;
-        lastCustomer[dense[i]] = c;
-        add(dense[i], c);
+      for (std::uint32_t s = customerStart_[c]; s < customerStart_[c + 1];
+           ++s) {
+        for (std::uint32_t i = setStart_[s]; i < setStart_[s + 1]; ++i) {
+          if (lastCustomer[dense[i]] == c) continue;
+          lastCustomer[dense[i]] = c;
+          add(dense[i], c, s);
+        }
       }
     }
   };
-  forEachPosting([&](std::uint32_t d, std::uint32_t) { ++counts[d + 1]; });
+  forEachPosting(
+      [&](std::uint32_t d, std::uint32_t, std::uint32_t) { ++counts[d + 1]; });
   for (std::size_t d = 1; d < counts.size(); ++d) counts[d] += counts[d - 1];
   postingStart_ = counts;
   postings_.assign(counts.back(), 0);
-  forEachPosting(
-      [&](std::uint32_t d, std::uint32_t c) { postings_[counts[d]++] = c; });
+  firstSets_.assign(counts.back(), 0);
+  forEachPosting([&](std::uint32_t d, std::uint32_t c, std::uint32_t set) {
+    firstSets_[counts[d]] = set;
+    postings_[counts[d]++] = c;
+  });
 }
 
 double SequenceIndex::repeatRate(int window) const {
@@ -125,27 +146,30 @@ double SequenceIndex::repeatRate(int window) const {
   return sets == 0 ? 0.0 : static_cast<double>(repeated) / sets;
 }
 
-std::vector<std::uint32_t> SequenceIndex::customersWithAll(
-    const std::vector<int>& context) const {
+void SequenceIndex::holdersOf(const std::vector<int>& context,
+                              std::vector<Holder>* holders) const {
+  holders->clear();
   std::vector<std::pair<std::uint32_t, std::size_t>> lists;  // (size, dense)
   for (int item : context) {
     auto at =
         std::lower_bound(distinctItems_.begin(), distinctItems_.end(), item);
-    if (at == distinctItems_.end() || *at != item) return {};
+    if (at == distinctItems_.end() || *at != item) return;
     const std::size_t d = static_cast<std::size_t>(at - distinctItems_.begin());
     lists.emplace_back(postingStart_[d + 1] - postingStart_[d], d);
   }
-  if (lists.empty()) return {};
+  if (lists.empty()) return;
   std::sort(lists.begin(), lists.end());  // rarest first
-  const std::uint32_t* base = postings_.data();
-  std::vector<std::uint32_t> result(base + postingStart_[lists[0].second],
-                                    base + postingStart_[lists[0].second + 1]);
-  for (std::size_t k = 1; k < lists.size() && !result.empty(); ++k) {
-    const std::size_t d = lists[k].second;
-    result =
-        intersect(result, base + postingStart_[d], base + postingStart_[d + 1]);
+  const std::size_t rarest = lists[0].second;
+  for (std::uint32_t k = postingStart_[rarest]; k < postingStart_[rarest + 1];
+       ++k) {
+    holders->push_back({postings_[k], firstSets_[k] + 1});
   }
-  return result;
+  for (std::size_t k = 1; k < lists.size() && !holders->empty(); ++k) {
+    const std::size_t d = lists[k].second;
+    keepHolders(holders, postings_.data() + postingStart_[d],
+                postings_.data() + postingStart_[d + 1],
+                firstSets_.data() + postingStart_[d]);
+  }
 }
 
 std::vector<int> SequenceIndex::knownItems(
@@ -162,45 +186,39 @@ std::vector<int> SequenceIndex::knownItems(
   return known;
 }
 
-std::uint32_t SequenceIndex::setAfter(std::uint32_t c,
-                                      const std::vector<int>& context,
-                                      std::vector<bool>* seen) const {
-  seen->assign(context.size(), false);
-  std::size_t missing = context.size();
-  std::uint32_t s = customerStart_[c];
-  const std::uint32_t end = customerStart_[c + 1];
-  for (; s < end && missing > 0; ++s) {
-    for (std::uint32_t i = setStart_[s]; i < setStart_[s + 1]; ++i) {
-      auto at = std::lower_bound(context.begin(), context.end(), items_[i]);
-      if (at == context.end() || *at != items_[i]) continue;
-      const std::size_t k = static_cast<std::size_t>(at - context.begin());
-      if (!(*seen)[k]) {
-        (*seen)[k] = true;
-        --missing;
-      }
-    }
+SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
+  thread_local Scratch scratch;
+  if (scratch.weights.size() < items) {
+    scratch.weights.resize(items, 0.0);
+    scratch.subsetWeights.resize(items, 0.0);
+    scratch.countedBy.resize(items, 0);
   }
-  return missing > 0 ? end : s;
+  return scratch;
 }
 
-void SequenceIndex::addFollowers(const std::vector<int>& context,
-                                 const std::vector<std::uint32_t>& customers,
-                                 double decay, std::vector<double>* weights,
+std::uint32_t SequenceIndex::Scratch::nextMark() {
+  if (lastMark == UINT32_MAX) {
+    std::fill(countedBy.begin(), countedBy.end(), 0);
+    lastMark = 0;
+  }
+  return ++lastMark;
+}
+
+void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
+                                 double decay, Scratch* scratch,
                                  std::vector<int>* touched) const {
-  std::vector<bool> seen;
-  std::vector<std::size_t> counted;  // dense items already counted for c
-  for (std::uint32_t c : customers) {
-    const std::uint32_t s = setAfter(c, context, &seen);
-    const std::uint32_t end = customerStart_[c + 1];
-    counted.clear();
+  std::vector<std::uint32_t>& countedBy = scratch->countedBy;
+  std::vector<double>* weights = &scratch->subsetWeights;
+  for (const Holder& holder : holders) {
+    const std::uint32_t mark = scratch->nextMark();
+    const std::uint32_t s = holder.after;
+    const std::uint32_t end = customerStart_[holder.customer + 1];
     for (std::uint32_t t = s; t < end; ++t) {
       const double weight = 1.0 / (1.0 + decay * (t - s));
       for (std::uint32_t i = setStart_[t]; i < setStart_[t + 1]; ++i) {
         const std::size_t d = dense_[i];
-        if (std::find(counted.begin(), counted.end(), d) != counted.end()) {
-          continue;
-        }
-        counted.push_back(d);
+        if (countedBy[d] == mark) continue;
+        countedBy[d] = mark;
         if ((*weights)[d] == 0) touched->push_back(static_cast<int>(d));
         (*weights)[d] += weight;
       }
@@ -217,40 +235,63 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   const std::vector<int>& known = result.context;
   if (known.empty()) return result;
 
-  std::vector<double> weights(distinctItems_.size(), 0.0);
-  std::vector<double> subsetWeights(distinctItems_.size(), 0.0);
+  Scratch& scratch = Scratch::forItems(distinctItems_.size());
+  std::vector<double>& weights = scratch.weights;
+  std::vector<double>& subsetWeights = scratch.subsetWeights;
   std::vector<int> touched;
   std::vector<int> subsetTouched;
+  // Leaves the thread's arrays zero, also when an allocation fails.
+  struct Clean {
+    Scratch& scratch;
+    const std::vector<int>& touched;
+    const std::vector<int>& subsetTouched;
+    ~Clean() {
+      for (int d : touched) scratch.weights[static_cast<std::size_t>(d)] = 0;
+      for (int d : subsetTouched) {
+        scratch.subsetWeights[static_cast<std::size_t>(d)] = 0;
+      }
+    }
+  } clean{scratch, touched, subsetTouched};
+  std::vector<Holder> holders;
   for (int dropped = 0;
        dropped <= maxDropped && dropped < static_cast<int>(known.size());
        ++dropped) {
-    forEachSubset(
-        known, known.size() - static_cast<std::size_t>(dropped),
-        [&](const std::vector<int>& subset) {
-          std::vector<std::uint32_t> customers = customersWithAll(subset);
-          if (customers.empty()) return;
-          ++result.contexts;
-          result.contextCustomers += static_cast<long>(customers.size());
-          subsetTouched.clear();
-          addFollowers(subset, customers, decay, &subsetWeights,
-                       &subsetTouched);
-          const double share =
-              1.0 / (static_cast<double>(customers.size()) + smoothing);
-          for (int d : subsetTouched) {
-            const std::size_t at = static_cast<std::size_t>(d);
-            if (weights[at] == 0) touched.push_back(d);
-            weights[at] += subsetWeights[at] * share;
-            subsetWeights[at] = 0;
-          }
-        });
+    forEachSubset(known, known.size() - static_cast<std::size_t>(dropped),
+                  [&](const std::vector<int>& subset) {
+                    holdersOf(subset, &holders);
+                    if (holders.empty()) return;
+                    ++result.contexts;
+                    result.contextCustomers +=
+                        static_cast<long>(holders.size());
+                    subsetTouched.clear();
+                    addFollowers(holders, decay, &scratch, &subsetTouched);
+                    const double share =
+                        1.0 / (static_cast<double>(holders.size()) + smoothing);
+                    for (int d : subsetTouched) {
+                      const std::size_t at = static_cast<std::size_t>(d);
+                      if (weights[at] == 0) touched.push_back(d);
+                      weights[at] += subsetWeights[at] * share;
+                      subsetWeights[at] = 0;
+                    }
+                    subsetTouched.clear();
+                  });
     result.dropped = dropped;
     if (result.contextCustomers >= minCustomers) break;
   }
-  std::sort(touched.begin(), touched.end());
-  for (int d : touched) {
-    result.followers.emplace_back(
-        distinctItems_[static_cast<std::size_t>(d)],
-        weights[static_cast<std::size_t>(d)] / result.contexts);
+  // Ascending dense order is ascending item order: when many items were
+  // touched, reading them off the array beats sorting them.
+  result.followers.reserve(touched.size());
+  auto add = [&](std::size_t d) {
+    result.followers.emplace_back(distinctItems_[d],
+                                  weights[d] / result.contexts);
+  };
+  if (touched.size() * 8 > distinctItems_.size()) {
+    for (std::size_t d = 0; d < distinctItems_.size(); ++d) {
+      if (weights[d] != 0) add(d);
+    }
+  } else {
+    std::sort(touched.begin(), touched.end());
+    for (int d : touched) add(static_cast<std::size_t>(d));
   }
   return result;
 }
@@ -265,38 +306,38 @@ FollowerCounts SequenceIndex::similarCounts(const std::vector<int>& context,
   std::vector<int> touched;
   std::vector<bool> counted(customerCount(), false);
   std::vector<std::uint32_t> countedList;
-  std::vector<bool> seen;
+  std::vector<Holder> holders;
   for (int round = std::min(std::max(0, firstRound), n - 1);
        round < n && touched.empty(); ++round) {
     for (std::uint32_t c : countedList) counted[c] = false;
     countedList.clear();
     result.contexts = 0;
     for (int keep = n; keep >= n - round; --keep) {
-      forEachSubset(
-          known, static_cast<std::size_t>(keep),
-          [&](const std::vector<int>& subset) {
-            const std::vector<std::uint32_t> customers =
-                customersWithAll(subset);
-            if (customers.empty()) return;
-            ++result.contexts;
-            const double share = static_cast<double>(keep) / n /
-                                 static_cast<double>(customers.size());
-            for (std::uint32_t c : customers) {
-              if (counted[c]) continue;
-              const std::uint32_t from = setAfter(c, subset, &seen);
-              const std::uint32_t end = customerStart_[c + 1];
-              if (from >= end) continue;
-              counted[c] = true;
-              countedList.push_back(c);
-              for (std::uint32_t i = setStart_[from]; i < setStart_[end]; ++i) {
-                const std::size_t d = dense_[i];
-                if (weights[d] == 0) {
-                  touched.push_back(static_cast<int>(d));
-                }
-                weights[d] += share;
-              }
-            }
-          });
+      forEachSubset(known, static_cast<std::size_t>(keep),
+                    [&](const std::vector<int>& subset) {
+                      holdersOf(subset, &holders);
+                      if (holders.empty()) return;
+                      ++result.contexts;
+                      const double share = static_cast<double>(keep) / n /
+                                           static_cast<double>(holders.size());
+                      for (const Holder& holder : holders) {
+                        const std::uint32_t c = holder.customer;
+                        if (counted[c]) continue;
+                        const std::uint32_t from = holder.after;
+                        const std::uint32_t end = customerStart_[c + 1];
+                        if (from >= end) continue;
+                        counted[c] = true;
+                        countedList.push_back(c);
+                        for (std::uint32_t i = setStart_[from];
+                             i < setStart_[end]; ++i) {
+                          const std::size_t d = dense_[i];
+                          if (weights[d] == 0) {
+                            touched.push_back(static_cast<int>(d));
+                          }
+                          weights[d] += share;
+                        }
+                      }
+                    });
     }
     result.dropped = round;
     result.contextCustomers = static_cast<long>(countedList.size());

@@ -7,7 +7,7 @@
 // items that come soon after them.
 //
 // The index owns its arrays and is immutable once built; reading it from
-// several threads is safe.
+// several threads is safe (each thread has its own scratch arrays).
 #ifndef SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 #define SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 
@@ -96,22 +96,37 @@ class SequenceIndex {
   FollowerCounts similarCounts(const std::vector<int>& context,
                                int firstRound) const;
 
+  // A customer holding a whole context, and the item set after the one by
+  // which it has held every item of it.
+  struct Holder {
+    std::uint32_t customer;
+    std::uint32_t after;
+  };
+
  private:
   void buildPostings();
-  // Adds what followed `context` in each customer of `customers`.
-  void addFollowers(const std::vector<int>& context,
-                    const std::vector<std::uint32_t>& customers, double decay,
-                    std::vector<double>* weights,
-                    std::vector<int>* touched) const;
+  // Arrays by dense item for followersOf, one set per thread (so that a
+  // call neither allocates nor clears them), zero between calls.
+  struct Scratch {
+    // The thread's arrays, grown to at least `items` entries.
+    static Scratch& forItems(std::size_t items);
+    // A mark no entry of countedBy holds yet.
+    std::uint32_t nextMark();
+    std::vector<double> weights;
+    std::vector<double> subsetWeights;
+    std::vector<std::uint32_t> countedBy;  // the holder that counted last
+    std::uint32_t lastMark = 0;
+  };
+  // Adds to scratch->subsetWeights what followed in each holder's sequence
+  // after its `after` set, each distinct item once per holder.
+  void addFollowers(const std::vector<Holder>& holders, double decay,
+                    Scratch* scratch, std::vector<int>* touched) const;
   // The context items this index knows, ascending and distinct.
   std::vector<int> knownItems(const std::vector<int>& context) const;
-  // The item set after the one by which customer c has held every item of
-  // context (ascending), or the customer's end when it never has.
-  std::uint32_t setAfter(std::uint32_t c, const std::vector<int>& context,
-                         std::vector<bool>* seen) const;
-  // Customers containing every item of context, ascending.
-  std::vector<std::uint32_t> customersWithAll(
-      const std::vector<int>& context) const;
+  // Sets *holders to the customers containing every item of context,
+  // ascending.
+  void holdersOf(const std::vector<int>& context,
+                 std::vector<Holder>* holders) const;
 
   std::vector<int> items_;
   std::vector<std::uint32_t> setStart_{0};
@@ -121,6 +136,8 @@ class SequenceIndex {
   std::vector<int> distinctItems_;  // dense number -> item, ascending
   std::vector<std::uint32_t> postingStart_;
   std::vector<std::uint32_t> postings_;  // customers per dense item
+  // Per posting: the customer's first item set holding the item.
+  std::vector<std::uint32_t> firstSets_;
 };
 
 }  // namespace recommend
