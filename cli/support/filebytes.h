@@ -1,8 +1,8 @@
 // FileBytes: the whole content of a regular file in memory, for the model
 // loader. The file is mapped and its pages brought in with one call where the
-// system allows it: reading it into a buffer of our own cost a fresh page for
-// every 4 KiB, zeroed and then copied over, a tenth of loading a large model.
-// Where mapping fails the file is read into an allocated buffer instead.
+// system allows it: reading it into a buffer of our own cost a page fault
+// for every 4 KiB, a zeroed page and a copy. Where mapping fails the file is
+// read into an allocated buffer instead.
 //
 // The loader's own writes go to a temporary file renamed over the target
 // (atomicfile.h), so a model is never shortened in place while mapped.

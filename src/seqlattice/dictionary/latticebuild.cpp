@@ -77,8 +77,8 @@ class SubPatternBatch {
 
  private:
   // A counter and a pair as one 128-bit number that orders as (counter
-  // address, item, code): the sort then compares single numbers, where a
-  // comparison field by field took twice as long.
+  // address, item, code), so that the sort compares single numbers rather
+  // than field by field.
   class Link {
    public:
     Link(SequenceCounter* counter, std::pair<int, int> pair)

@@ -64,9 +64,9 @@ long SequenceCounter::readObject(std::fstream& in) {
   int pairs = 0;
   RecordIO::readValue(in, &pairs);
   if (pairs < 0) RecordIO::raise(RecordIO::kPairCountFailure);
-  // The pairs are read a run at a time rather than one by one: a call into
-  // the stream buffer per pair was a good part of a load. The run's size
-  // caps what a corrupt count can make the reader hold.
+  // The pairs are read a run at a time rather than with a call into the
+  // stream buffer each. The run's size caps what a corrupt count can make
+  // the reader hold.
   constexpr int kRun = 256;
   int run[kRun][2];
   int inRun = 0;
