@@ -14,6 +14,7 @@
 #include "seqlattice/support/seqexceptions.h"
 #include "support/atomicfile.h"
 #include "support/clierror.h"
+#include "support/filebytes.h"
 #include "support/memorybuffer.h"
 #include "support/modelcheck.h"
 
@@ -151,21 +152,16 @@ void loadBinary(const std::string& path, std::fstream& file,
       std::string(mark, kTrailerMarkSize) != kTrailerMark) {
     notAModel(path, "bad trailer length");
   }
-  std::unique_ptr<char[]> data(new (std::nothrow) char[bytes]);
-  if (data == nullptr) damaged(path, "too large to load");
-  file.seekg(0);
-  if (!file.read(data.get(), size)) {
-    failInput(path + ": cannot read: " + std::strerror(errno));
-  }
+  const FileBytes data(path, file, bytes);
   const std::uint32_t checksum = decodeTrailer(
-      std::string(data.get() + recordSize, trailerSize), path, model);
+      std::string(data.data() + recordSize, trailerSize), path, model);
   Crc32 crc;
-  crc.add(data.get(), recordSize);
+  crc.add(data.data(), recordSize);
   if (crc.value() != checksum) damaged(path, "checksum mismatch");
 
   // The stream holds the whole file, as a file stream would: a damaged
   // record reads on into the trailer and fails as it would there.
-  MemoryBuffer whole(data.get(), bytes);
+  MemoryBuffer whole(data.data(), bytes);
   std::fstream in;
   // The reader takes an fstream; its stream buffer is swapped for the one
   // over memory (the base class's setter, which fstream's getter hides).

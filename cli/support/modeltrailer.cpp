@@ -7,6 +7,10 @@
 #include <utility>
 #include <vector>
 
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 #include "support/clierror.h"
 #include "support/modelfile.h"
 
@@ -252,12 +256,11 @@ const std::array<std::array<std::uint32_t, 256>, 8>& crcTables() {
   return kTables;
 }
 
-}  // namespace
-
-void Crc32::add(const char* data, std::size_t n) {
+// The table loop over bytes, for short inputs, tails and processors
+// without carry-less multiplication.
+std::uint32_t crcBySlices(std::uint32_t crc, const unsigned char* p,
+                          std::size_t n) {
   const auto& kTables = crcTables();
-  const auto* p = reinterpret_cast<const unsigned char*>(data);
-  std::uint32_t crc = crc_;
   for (; n >= 8; n -= 8, p += 8) {
     const std::uint32_t low = crc ^ (static_cast<std::uint32_t>(p[0]) |
                                      static_cast<std::uint32_t>(p[1]) << 8 |
@@ -269,7 +272,84 @@ void Crc32::add(const char* data, std::size_t n) {
           kTables[0][p[7]];
   }
   for (; n > 0; --n, ++p) crc = kTables[0][(crc ^ *p) & 0xFF] ^ (crc >> 8);
-  crc_ = crc;
+  return crc;
+}
+
+#if defined(__x86_64__)
+
+__m128i load(const unsigned char* at) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+}
+
+// The lane x times the constants' pair, folded onto the data `onto`.
+__attribute__((target("pclmul"))) inline __m128i fold(__m128i x,
+                                                      __m128i constants,
+                                                      __m128i onto) {
+  const __m128i low = _mm_clmulepi64_si128(x, constants, 0x00);
+  const __m128i high = _mm_clmulepi64_si128(x, constants, 0x11);
+  return _mm_xor_si128(_mm_xor_si128(low, high), onto);
+}
+
+// Folding with carry-less multiplication (four 16-byte lanes folded 64 bytes
+// a step, then into one lane, then reduced to 32 bits by Barrett's method):
+// several times the table loop's speed, which made the checksum a tenth of
+// loading a model. The constants are powers of x modulo the CRC polynomial,
+// bit-reflected as the CRC is. Takes n >= 64, a multiple of 16.
+__attribute__((target("pclmul,sse4.1"))) std::uint32_t crcByFolding(
+    std::uint32_t crc, const unsigned char* p, std::size_t n) {
+  const __m128i kFold64 = _mm_set_epi64x(0x1c6e41596, 0x154442bd4);
+  const __m128i kFold16 = _mm_set_epi64x(0x0ccaa009e, 0x1751997d0);
+  const __m128i kFold96 = _mm_set_epi64x(0, 0x163cd6124);
+  const __m128i kBarrett = _mm_set_epi64x(0x1f7011641, 0x1db710641);
+  const __m128i kLow32 = _mm_set_epi32(0, 0, 0, -1);
+  __m128i x0 = _mm_xor_si128(load(p), _mm_cvtsi32_si128(static_cast<int>(crc)));
+  __m128i x1 = load(p + 16);
+  __m128i x2 = load(p + 32);
+  __m128i x3 = load(p + 48);
+  p += 64;
+  n -= 64;
+  for (; n >= 64; n -= 64, p += 64) {
+    x0 = fold(x0, kFold64, load(p));
+    x1 = fold(x1, kFold64, load(p + 16));
+    x2 = fold(x2, kFold64, load(p + 32));
+    x3 = fold(x3, kFold64, load(p + 48));
+  }
+  __m128i x = fold(x0, kFold16, x1);
+  x = fold(x, kFold16, x2);
+  x = fold(x, kFold16, x3);
+  for (; n >= 16; n -= 16, p += 16) x = fold(x, kFold16, load(p));
+  // 128 bits to 64, then 64 to 32.
+  x = _mm_xor_si128(_mm_clmulepi64_si128(x, kFold16, 0x10),
+                    _mm_srli_si128(x, 8));
+  x = _mm_xor_si128(
+      _mm_clmulepi64_si128(_mm_and_si128(x, kLow32), kFold96, 0x00),
+      _mm_srli_si128(x, 4));
+  __m128i t = _mm_clmulepi64_si128(_mm_and_si128(x, kLow32), kBarrett, 0x10);
+  t = _mm_clmulepi64_si128(_mm_and_si128(t, kLow32), kBarrett, 0x00);
+  return static_cast<std::uint32_t>(_mm_extract_epi32(_mm_xor_si128(x, t), 1));
+}
+
+bool canFold() {
+  static const bool kCan =
+      __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("sse4.1");
+  return kCan;
+}
+
+#endif
+
+}  // namespace
+
+void Crc32::add(const char* data, std::size_t n) {
+  const auto* p = reinterpret_cast<const unsigned char*>(data);
+#if defined(__x86_64__)
+  if (n >= 64 && canFold()) {
+    const std::size_t folded = n & ~static_cast<std::size_t>(15);
+    crc_ = crcByFolding(crc_, p, folded);
+    p += folded;
+    n -= folded;
+  }
+#endif
+  crc_ = crcBySlices(crc_, p, n);
 }
 
 std::uint32_t crc32(const std::string& bytes) {

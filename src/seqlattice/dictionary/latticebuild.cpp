@@ -1,8 +1,8 @@
 // The lattice build: every stored pattern learns the (item, position code)
 // pairs that extend it to a stored pattern one level up.
 #include <algorithm>
+#include <cstdint>
 #include <deque>
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -53,7 +53,7 @@ class SubPatternBatch {
     below_.getAll(keys_.data(), n_, found_.data());
     for (int i = 0; i < n_; ++i) {
       if (found_[i] != nullptr && found_[i]->value != nullptr) {
-        links_.push_back(Link{found_[i]->value, pairs_[i]});
+        links_.emplace_back(found_[i]->value, pairs_[i]);
       }
     }
     n_ = 0;
@@ -62,27 +62,50 @@ class SubPatternBatch {
   // Adds every link kept so far to its counter.
   void link() {
     flush();
-    std::sort(links_.begin(), links_.end(), [](const Link& a, const Link& b) {
-      if (a.counter != b.counter) {
-        return std::less<SequenceCounter*>()(a.counter, b.counter);
-      }
-      return a.pair < b.pair;
-    });
+    std::sort(links_.begin(), links_.end());
     for (const Link& l : links_) {
-      SequenceCounter::AdjacencySet* set = l.counter->getAdjacentItems();
+      SequenceCounter* counter = l.counter();
+      SequenceCounter::AdjacencySet* set = counter->getAdjacentItems();
       if (set != nullptr) {
-        set->emplace_hint(set->end(), l.pair);
+        set->emplace_hint(set->end(), l.pair());
       } else {
-        l.counter->addAdjacentItem(l.pair.first, l.pair.second);
+        counter->addAdjacentItem(l.pair().first, l.pair().second);
       }
     }
     links_.clear();
   }
 
  private:
-  struct Link {
-    SequenceCounter* counter;
-    std::pair<int, int> pair;
+  // A counter and a pair as one 128-bit number that orders as (counter
+  // address, item, code), so that the sort compares single numbers rather
+  // than field by field.
+  class Link {
+   public:
+    Link(SequenceCounter* counter, std::pair<int, int> pair)
+        : key_(static_cast<unsigned __int128>(
+                   reinterpret_cast<std::uintptr_t>(counter))
+                   << 64 |
+               static_cast<unsigned __int128>(orderedBits(pair.first)) << 32 |
+               orderedBits(pair.second)) {}
+    SequenceCounter* counter() const {
+      return reinterpret_cast<SequenceCounter*>(
+          static_cast<std::uintptr_t>(key_ >> 64));
+    }
+    std::pair<int, int> pair() const {
+      return {fromOrderedBits(static_cast<std::uint32_t>(key_ >> 32)),
+              fromOrderedBits(static_cast<std::uint32_t>(key_))};
+    }
+    bool operator<(const Link& other) const { return key_ < other.key_; }
+
+   private:
+    // Flipping the sign bit orders ints as unsigned numbers.
+    static std::uint32_t orderedBits(int v) {
+      return static_cast<std::uint32_t>(v) ^ 0x80000000u;
+    }
+    static int fromOrderedBits(std::uint32_t bits) {
+      return static_cast<int>(bits ^ 0x80000000u);
+    }
+    unsigned __int128 key_;
   };
 
   static constexpr int kBatch = 64;

@@ -33,7 +33,9 @@ template <typename ReadEntry>
 long readEntries(HashtableSQPair& table, int entries, ReadEntry readEntry) {
   long read = 0;
   for (int i = 0; i < entries; ++i) {
-    auto key = std::make_unique<NTSequence>();
+    // An empty pattern without the scratch array of the default
+    // constructor: the record gives the key its own array anyway.
+    auto key = std::make_unique<NTSequence>(static_cast<int**>(nullptr), 0);
     auto counter = std::make_unique<SequenceCounter>(0, 0, nullptr);
     // A negative hash code (a one-item pattern of a negative item) is no
     // failure: the table places it in range like every other code.

@@ -64,10 +64,26 @@ long SequenceCounter::readObject(std::fstream& in) {
   int pairs = 0;
   RecordIO::readValue(in, &pairs);
   if (pairs < 0) RecordIO::raise(RecordIO::kPairCountFailure);
-  setAdjacentItems(newPairSet(pairs, [&in](int(&pair)[2]) {
-    RecordIO::readRaw(in, pair, sizeof pair);
-    // More pairs than the stream holds.
-    if (in.fail()) RecordIO::raise(RecordIO::kPairCountFailure);
+  // The pairs are read a run at a time rather than with a call into the
+  // stream buffer each. The run's size caps what a corrupt count can make
+  // the reader hold.
+  constexpr int kRun = 256;
+  int run[kRun][2];
+  int inRun = 0;
+  int nextInRun = 0;
+  int unread = pairs;
+  setAdjacentItems(newPairSet(pairs, [&](int(&pair)[2]) {
+    if (nextInRun == inRun) {
+      inRun = unread < kRun ? unread : kRun;
+      nextInRun = 0;
+      unread -= inRun;
+      RecordIO::readRaw(in, run, sizeof run[0] * inRun);
+      // More pairs than the stream holds.
+      if (in.fail()) RecordIO::raise(RecordIO::kPairCountFailure);
+    }
+    pair[0] = run[nextInRun][0];
+    pair[1] = run[nextInRun][1];
+    ++nextInRun;
   }));
   long read = 19 + 8L * pairs + 4;
 

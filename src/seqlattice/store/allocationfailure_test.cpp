@@ -67,10 +67,9 @@ TEST(AllocationFailureTest, ReplacedAdjacencySetIsReleased) {
 }
 
 // A failed insertion leaves the table as it was and the objects with the
-// caller.
+// caller. A new table's first insertion takes the first block of nodes.
 TEST(AllocationFailureTest, FailedNodeAllocationStoresNothing) {
   HashtableSQPair table(11);
-  table.put(test::makeItem(1), nullptr);
   NTSequence* key = test::makeItem(2);
   SequenceCounter* value = new SequenceCounter(0, 1, nullptr);
   {
@@ -78,9 +77,16 @@ TEST(AllocationFailureTest, FailedNodeAllocationStoresNothing) {
     EXPECT_THROW(table.put(key, value), std::bad_alloc);
     EXPECT_THROW(table.putOverwrite(key, value), std::bad_alloc);
   }
-  EXPECT_EQ(table.getCount(), 1);
+  EXPECT_EQ(table.getCount(), 0);
   EXPECT_FALSE(table.containsKey(key));
   EXPECT_TRUE(table.put(key, value));
+  EXPECT_EQ(table.getCount(), 1);
+  // Later insertions take their nodes from that block.
+  NTSequence* next = test::makeItem(3);
+  {
+    test::FailingAllocations failing(0);
+    EXPECT_TRUE(table.put(next, nullptr));
+  }
   EXPECT_EQ(table.getCount(), 2);
 }
 
@@ -99,17 +105,37 @@ TEST(AllocationFailureTest, FailedGrowthKeepsTheOldBuckets) {
   EXPECT_EQ(table.getNRehashes(), 0);
   EXPECT_EQ(table.getCount(), 3);
   EXPECT_EQ(test::keysInOrder(table), before);
+  EXPECT_FALSE(table.containsKey(key));
 
-  // Growth succeeds, the node does not: the table has grown, holds the same
-  // pairs, and the key is still the caller's.
+  // The growth's bucket array is the one allocation the insertion needs.
   {
     test::FailingAllocations failing(1);
-    EXPECT_THROW(table.put(key, nullptr), std::bad_alloc);
+    EXPECT_TRUE(table.put(key, nullptr));
   }
   EXPECT_EQ(table.getCapacity(), 9);
-  EXPECT_EQ(table.getCount(), 3);
-  EXPECT_FALSE(table.containsKey(key));
-  delete key;
+  EXPECT_EQ(table.getCount(), 4);
+  EXPECT_TRUE(table.containsKey(key));
+}
+
+// Nodes come in blocks, not one allocation each, and removed pairs' nodes
+// are reused.
+TEST(AllocationFailureTest, NodesComeFromBlocksAndAreReused) {
+  HashtableSQPair table(1000);
+  table.put(test::makeItem(0), nullptr);
+  const long before = test::liveBlocks();
+  for (int item = 1; item <= 20; ++item)
+    table.put(test::makeItem(item), nullptr);
+  // One block for each key (object and item array), none for the nodes.
+  EXPECT_EQ(test::liveBlocks() - before, 40);
+  NTSequence* probe = test::makeItem(5);
+  table.remove(probe);
+  // The removed key went, its node stays for the next insertion.
+  EXPECT_EQ(test::liveBlocks() - before, 40);
+  {
+    test::FailingAllocations failing(0);
+    EXPECT_TRUE(table.put(probe, nullptr));
+  }
+  EXPECT_EQ(table.getCount(), 21);
 }
 
 }  // namespace

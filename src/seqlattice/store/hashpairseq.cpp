@@ -1,9 +1,11 @@
 #include "seqlattice/store/hashpairseq.h"
 
 #include <iostream>
+#include <new>
 #include <stdexcept>
 
 #include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/store/internal/nodepool.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -56,12 +58,20 @@ HashtableSQPair::HashtableSQPair(int capacity)
       count(0),
       threshold(0),
       loadFactor(0.75f),
-      nRehashes(0) {
+      nRehashes(0),
+      nodes(nullptr) {
   threshold = thresholdFor(capacity, loadFactor);
+  try {
+    nodes = new store_internal::NodePool();
+  } catch (...) {
+    delete[] buckets;
+    throw;
+  }
 }
 
 HashtableSQPair::~HashtableSQPair() {
   clear();
+  delete nodes;
   delete[] buckets;
 }
 
@@ -86,7 +96,8 @@ void HashtableSQPair::insertAbsent(NTSequence* key, SequenceCounter* value,
     rehash();
     b = bucketOf(key->getHashCode(), capacity);
   }
-  listHeadInsert(buckets[b], ISQCPair{key, value});
+  buckets[b] = new (nodes->take())
+      SQCPairNode{ISQCPair{key, value}, buckets[b], key->getHashCode()};
   ++count;
 }
 
@@ -175,12 +186,28 @@ void HashtableSQPair::remove(const NTSequence* key) {
   const int b = bucketOf(key->getHashCode(), capacity);
   SQCPairNode* node = findInBucket(key, b);
   if (node == nullptr) return;
-  listRemove(buckets[b], node);
+  // As listRemove does it: the head's pair moves into the freed place.
+  SQCPairNode*& head = buckets[b];
+  deletePair(node->pair);
+  if (node != head) {
+    node->pair = head->pair;
+    node->hashCode = head->hashCode;
+  }
+  SQCPairNode* old = head;
+  head = old->next;
+  nodes->give(old);
   --count;
 }
 
 void HashtableSQPair::clear() {
-  for (int b = 0; b < capacity; ++b) listClear(buckets[b]);
+  for (int b = 0; b < capacity; ++b) {
+    for (SQCPairNode* node = buckets[b]; node != nullptr; node = node->next) {
+      deletePair(node->pair);
+    }
+    buckets[b] = nullptr;
+  }
+  // The nodes go with their blocks.
+  nodes->release();
   count = 0;
 }
 

@@ -35,6 +35,10 @@ class NTSequence;
 class SequenceCounter;
 class HashtableSQPair;
 
+namespace store_internal {
+class NodePool;
+}
+
 // A stored pair: the pattern and its counter.
 struct ISQCPair {
   NTSequence* key;
@@ -186,6 +190,8 @@ class HashtableSQPair {
   int threshold;
   float loadFactor;
   int nRehashes;
+  // The chain nodes, carved from blocks rather than allocated one by one.
+  store_internal::NodePool* nodes;
 };
 
 // Chain helpers. A chain is given by its head pointer, null when empty.
