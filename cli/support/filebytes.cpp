@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,6 +20,14 @@ namespace {
 void* mapWhole(const std::string& path, std::size_t size) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return nullptr;
+  // The path may name another, shorter file by now (replaced while we
+  // opened it): touching pages past its end would kill the process.
+  struct stat info;
+  if (::fstat(fd, &info) != 0 ||
+      static_cast<std::size_t>(info.st_size) < size) {
+    ::close(fd);
+    return nullptr;
+  }
   void* mapped =
       ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
   ::close(fd);
