@@ -201,6 +201,27 @@ inline const u32* firstAbove(const u32* begin, const u32* end, u32 key) {
   return begin + (*begin <= key ? 1 : 0);
 }
 
+// Calls visit(a, b) for each entry a of p and b of x of the same customer,
+// ascending, until visit returns false.
+template <class Visit>
+void forEachSharedCustomer(const Projection& p, const Projection& x,
+                           const Visit& visit) {
+  u32 a = 0, b = 0;
+  while (a < p.n && b < x.n) {
+    if (p.cust[a] < x.cust[b]) {
+      a = gallop(p.cust, a, p.n, x.cust[b]);
+      continue;
+    }
+    if (p.cust[a] > x.cust[b]) {
+      b = gallop(x.cust, b, x.n, p.cust[a]);
+      continue;
+    }
+    if (!visit(a, b)) return;
+    ++a;
+    ++b;
+  }
+}
+
 // Joins two one-item projections into the projection of a two-item pattern:
 // root's item followed by x in a later set, or both in one set.
 void joinRoots(const Projection& root, const Projection& x, bool sameSet,
@@ -209,16 +230,7 @@ void joinRoots(const Projection& root, const Projection& x, bool sameSet,
   cust.clear();
   start.clear();
   pos.clear();
-  u32 a = 0, b = 0;
-  while (a < root.n && b < x.n) {
-    if (root.cust[a] < x.cust[b]) {
-      a = gallop(root.cust, a, root.n, x.cust[b]);
-      continue;
-    }
-    if (root.cust[a] > x.cust[b]) {
-      b = gallop(x.cust, b, x.n, root.cust[a]);
-      continue;
-    }
+  forEachSharedCustomer(root, x, [&](u32 a, u32 b) {
     const u32* p = root.pos + root.start[a];
     const u32* pEnd = root.pos + root.start[a + 1];
     const u32* q = x.pos + x.start[b];
@@ -233,9 +245,8 @@ void joinRoots(const Projection& root, const Projection& x, bool sameSet,
       cust.push_back(root.cust[a]);
       start.push_back(static_cast<u32>(before));
     }
-    ++a;
-    ++b;
-  }
+    return true;
+  });
   start.push_back(static_cast<u32>(pos.size()));
 }
 
@@ -273,7 +284,15 @@ class Worker {
                               db.longestCustomer) +
         2;
     levels_.resize(depth);
+    for (std::size_t c = 0; c + 1 < db.lastStart.size(); ++c) {
+      longestList_ = std::max<std::size_t>(
+          longestList_, db.lastStart[c + 1] - db.lastStart[c]);
+    }
   }
+
+  // The one-item patterns' projections, which the joins below read; set
+  // before any pattern of two items or more is expanded.
+  void useRoots(const ProjectionStore* roots) { roots_ = roots; }
 
   // Patterns are appended to *out; when `full` is given it is called each
   // time out holds kChunkInts or more, to pass the chunk on.
@@ -303,10 +322,20 @@ class Worker {
     if (static_cast<int>(depth) >= maxItems_ || (nS == 0 && nI == 0)) {
       return level.extensions;
     }
-    count(proj, last, sCand, nS, iCand, nI);
-    collect(sCand, nS, s_, false, level.sFrequent, level);
-    findFirstCustomers(proj, level);
-    collect(iCand, nI, i_, true, level.iFrequent, level);
+    const bool joins = preferJoins(proj, nS + nI);
+    if (joins && descend && proj.n <= kLanes && !db_.multiItemSets) {
+      expandNarrow(proj, sCand, nS);
+      return level.extensions;
+    }
+    if (joins) {
+      countByJoins(proj, sCand, nS, false, level.sFrequent, level);
+      countByJoins(proj, iCand, nI, true, level.iFrequent, level);
+    } else {
+      count(proj, last, sCand, nS, iCand, nI);
+      collect(sCand, nS, s_, false, level.sFrequent, level);
+      findFirstCustomers(proj, level);
+      collect(iCand, nI, i_, true, level.iFrequent, level);
+    }
     for (const Extension& x : level.extensions) {
       push(x.item, x.sameSet);
       emit(x.support, x.firstCustomer);
@@ -316,7 +345,11 @@ class Worker {
         static_cast<int>(depth) + 1 >= maxItems_) {
       return level.extensions;
     }
-    build(proj, last, level);
+    if (joins) {
+      buildByJoins(proj, level);
+    } else {
+      build(proj, last, level);
+    }
     const std::vector<u32>& sf = level.sFrequent;
     const std::vector<u32>& fi = level.iFrequent;
     for (u32 k = 0; k < level.extensions.size(); ++k) {
@@ -397,6 +430,32 @@ class Worker {
     std::vector<u32> sFrequent, iFrequent;
     ProjectionStore store;
     std::vector<std::pair<u32, u32>> sizes;
+    // Below a narrow node: per frequent extension its customers (a bit per
+    // lane) and, lane by lane, the transaction where it ends.
+    std::vector<std::uint64_t> masks;
+    std::vector<u32> ends;
+  };
+
+  // A subtree of at most kLanes customers, in a database whose transactions
+  // hold one item each (so a customer's place in a pattern is one
+  // transaction), is searched lane by lane: one lane per customer of the
+  // subtree's root, and per candidate item of the root and lane where the
+  // item's occurrences are and the last of them. A node is then a set of
+  // lanes (one word) and an end transaction per lane, and counting an item
+  // compares its last occurrences with the ends, without reading the
+  // customers again: long, narrow patterns, deep in a sparse database, cost
+  // a few operations per candidate rather than per item of the customers.
+  // Taken where joins would be (few candidates, long lists): elsewhere the
+  // setup, a join per candidate, costs more than the subtree saves.
+  static constexpr u32 kLanes = 64;
+  struct Narrow {
+    std::vector<u32> item;  // candidate index -> item code
+    std::vector<u32> cust;  // lane -> work customer
+    // Per candidate index i and lane a, at i * kLanes + a: the item's
+    // occurrences in the customer and the last one (0 when none: no end
+    // lies before transaction 0).
+    std::vector<const u32*> from, to;
+    std::vector<u32> last;
   };
 
   void push(u32 item, bool sameSet) {
@@ -562,6 +621,178 @@ class Worker {
     }
   }
 
+  // Sets up the lanes of the subtree below the pattern whose projection is
+  // proj (one join per candidate) and searches it.
+  void expandNarrow(const Projection& proj, const u32* sCand, std::size_t nS) {
+    narrow_.item.assign(sCand, sCand + nS);
+    narrow_.cust.assign(proj.cust, proj.cust + proj.n);
+    narrow_.from.assign(nS * kLanes, nullptr);
+    narrow_.to.assign(nS * kLanes, nullptr);
+    narrow_.last.assign(nS * kLanes, 0);
+    for (std::size_t i = 0; i < nS; ++i) {
+      const Projection rx = roots_->view(sCand[i]);
+      forEachSharedCustomer(proj, rx, [&](u32 a, u32 b) {
+        std::size_t at = i * kLanes + a;
+        narrow_.from[at] = rx.pos + rx.start[b];
+        narrow_.to[at] = rx.pos + rx.start[b + 1];
+        narrow_.last[at] = narrow_.to[at][-1];
+        return true;
+      });
+    }
+    u32 ends[kLanes] = {};
+    for (u32 a = 0; a < proj.n; ++a) ends[a] = proj.pos[proj.start[a]];
+    std::uint64_t lanes =
+        proj.n == kLanes ? ~std::uint64_t{0} : (std::uint64_t{1} << proj.n) - 1;
+    std::vector<u32>& all = levels_[pattern_.size()].iFrequent;
+    all.resize(nS);
+    for (u32 i = 0; i < nS; ++i) all[i] = i;
+    expandLanes(lanes, ends, all.data(), nS);
+  }
+
+  // The narrow form of expand: the pattern's customers are the lanes set in
+  // `lanes`, each ending at ends[lane]; cand are candidate indexes,
+  // ascending.
+  void expandLanes(std::uint64_t lanes, const u32* ends, const u32* cand,
+                   std::size_t nCand) {
+    std::size_t depth = pattern_.size();
+    if (static_cast<int>(depth) >= maxItems_ || nCand == 0) return;
+    Level& level = levels_[depth];
+    level.sFrequent.clear();
+    level.masks.clear();
+    for (std::size_t k = 0; k < nCand; ++k) {
+      const u32* last = narrow_.last.data() + cand[k] * kLanes;
+      std::uint64_t hit = 0;
+      for (u32 a = 0; a < kLanes; ++a) {
+        hit |= static_cast<std::uint64_t>(last[a] > ends[a]) << a;
+      }
+      hit &= lanes;
+      if (static_cast<u32>(__builtin_popcountll(hit)) < minCount_) continue;
+      level.sFrequent.push_back(cand[k]);
+      level.masks.push_back(hit);
+    }
+    for (std::size_t k = 0; k < level.sFrequent.size(); ++k) {
+      push(narrow_.item[level.sFrequent[k]], false);
+      emit(static_cast<u32>(__builtin_popcountll(level.masks[k])),
+           narrow_.cust[__builtin_ctzll(level.masks[k])]);
+      pop();
+    }
+    if (level.sFrequent.empty() || static_cast<int>(depth) + 1 >= maxItems_) {
+      return;
+    }
+    level.ends.resize(level.sFrequent.size() * kLanes);
+    for (std::size_t k = 0; k < level.sFrequent.size(); ++k) {
+      std::size_t base = level.sFrequent[k] * kLanes;
+      u32* childEnds = level.ends.data() + k * kLanes;
+      for (std::uint64_t m = level.masks[k]; m != 0; m &= m - 1) {
+        u32 a = static_cast<u32>(__builtin_ctzll(m));
+        childEnds[a] =
+            *firstAbove(narrow_.from[base + a], narrow_.to[base + a], ends[a]);
+      }
+    }
+    for (std::size_t k = 0; k < level.sFrequent.size(); ++k) {
+      push(narrow_.item[level.sFrequent[k]], false);
+      expandLanes(level.masks[k], level.ends.data() + k * kLanes,
+                  level.sFrequent.data(), level.sFrequent.size());
+      pop();
+    }
+  }
+
+  // Whether counting and building by joins (below) is cheaper at this node
+  // than reading the customers' last-occurrence lists: so when few
+  // candidates meet long lists, as deep in a sparse database, where a
+  // handful of customers with hundreds of distinct items would otherwise
+  // be read in full at every node. The lists' whole lengths stand for what
+  // the count reads of them.
+  bool preferJoins(const Projection& proj, std::size_t candidates) const {
+    if (roots_ == nullptr || candidates * kJoinCost >= longestList_) {
+      return false;
+    }
+    const std::size_t limit = candidates * kJoinCost * proj.n;
+    const u32* ls = db_.lastStart.data();
+    std::size_t listed = 0;
+    for (u32 e = 0; e < proj.n && listed < limit; ++e) {
+      listed += ls[proj.cust[e] + 1] - ls[proj.cust[e]];
+    }
+    return listed >= limit;
+  }
+
+  // Calls visit(a, t) for each transaction t of the projection's entry a
+  // where the pattern extended by x (joining the last set when sameSet) can
+  // end, reading x's one-item projection: the vertical form of the count
+  // and build below. Before each customer holding x, give_up(left) with
+  // left the customers both may still share says whether to stop.
+  template <class GiveUp, class Visit>
+  void forEachChildPosition(const Projection& proj, u32 x, bool sameSet,
+                            const GiveUp& give_up, const Visit& visit) const {
+    const Projection rx = roots_->view(x);
+    const bool allPositions = db_.multiItemSets;
+    forEachSharedCustomer(proj, rx, [&](u32 a, u32 b) {
+      if (give_up(std::min(proj.n - a, rx.n - b))) return false;
+      const u32* p = proj.pos + proj.start[a];
+      const u32* q = rx.pos + rx.start[b];
+      const u32* qEnd = rx.pos + rx.start[b + 1];
+      if (sameSet) {
+        const u32* pEnd = proj.pos + proj.start[a + 1];
+        while (p < pEnd && q < qEnd) {
+          if (*p < *q) {
+            ++p;
+          } else if (*q < *p) {
+            ++q;
+          } else {
+            visit(a, *p);
+            ++p;
+            ++q;
+          }
+        }
+      } else if (qEnd[-1] > *p) {
+        q = firstAbove(q, qEnd, *p);
+        if (!allPositions) qEnd = q + 1;
+        for (; q < qEnd; ++q) visit(a, *q);
+      }
+      return true;
+    });
+  }
+
+  // Counts each candidate with one join, dropping it as soon as the
+  // customers left cannot make it frequent, and takes the frequent ones
+  // into the level.
+  void countByJoins(const Projection& proj, const u32* cand, std::size_t n,
+                    bool sameSet, std::vector<u32>& frequent, Level& level) {
+    for (std::size_t k = 0; k < n; ++k) {
+      Extension x{cand[k], sameSet, 0, 0, 0};
+      u32 lastEntry = UINT32_MAX;
+      forEachChildPosition(
+          proj, x.item, sameSet,
+          [&](u32 left) { return x.support + left < minCount_; },
+          [&](u32 a, u32) {
+            ++x.occurrences;
+            if (a == lastEntry) return;
+            lastEntry = a;
+            if (x.support++ == 0) x.firstCustomer = proj.cust[a];
+          });
+      if (x.support < minCount_) continue;
+      frequent.push_back(x.item);
+      level.extensions.push_back(x);
+    }
+  }
+
+  // Lays out and fills the projections of the node's frequent extensions,
+  // each with one join.
+  void buildByJoins(const Projection& proj, Level& level) {
+    level.sizes.clear();
+    for (const Extension& x : level.extensions) {
+      level.sizes.emplace_back(x.support, x.occurrences);
+    }
+    level.store.layout(level.sizes);
+    for (u32 k = 0; k < level.extensions.size(); ++k) {
+      const Extension& x = level.extensions[k];
+      forEachChildPosition(
+          proj, x.item, x.sameSet, [](u32) { return false; },
+          [&](u32 a, u32 t) { level.store.append(k, proj.cust[a], t); });
+    }
+    level.store.finish();
+  }
+
   // Calls visit(child, customer, from, to) for each customer of the
   // projection and each sequence child item occurring after the customer's
   // first transaction, with [from, to) the transactions holding it there,
@@ -588,7 +819,14 @@ class Worker {
     }
   }
 
+  // A join costs about this many list entries read per candidate and
+  // customer.
+  static constexpr std::size_t kJoinCost = 4;
+
   const internal::WorkDatabase& db_;
+  const ProjectionStore* roots_ = nullptr;
+  std::size_t longestList_ = 0;  // most last-occurrence entries of a customer
+  Narrow narrow_;
   u32 minCount_;
   int maxItems_;
   std::chrono::steady_clock::time_point deadline_;
@@ -699,6 +937,7 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
 
   ProjectionStore roots;
   buildRoots(work, roots);
+  for (Worker& w : workers) w.useRoots(&roots);
   std::vector<u32> all(f);
   for (u32 x = 0; x < f; ++x) all[x] = x;
   // Frequent extensions of each item, split into sequence and item set ones.

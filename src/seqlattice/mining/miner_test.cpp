@@ -97,20 +97,31 @@ Result bruteForce(const std::vector<test::Customer>& customers, long minCount,
   return result;
 }
 
+// The size of the random databases below.
+struct Shape {
+  int maxSetSize;
+  int minCustomers = 1, maxCustomers = 12;
+  int maxTransactions = 6;
+  int maxAlphabet = 6;
+  long minCount = 1, maxCount = 4;
+  unsigned seeds = 400;
+};
+
 // Customers as the database holds them: sets ascending, duplicate-free.
 std::vector<test::Customer> randomCustomers(std::mt19937& random,
-                                            int maxSetSize) {
+                                            const Shape& shape) {
   auto pick = [&random](int lo, int hi) {
     return std::uniform_int_distribution<int>(lo, hi)(random);
   };
-  int alphabet = pick(2, 6);
+  int alphabet = pick(2, shape.maxAlphabet);
   int offset = pick(0, 1) == 0 ? 0 : -3;
-  std::vector<test::Customer> customers(static_cast<std::size_t>(pick(1, 12)));
+  std::vector<test::Customer> customers(
+      static_cast<std::size_t>(pick(shape.minCustomers, shape.maxCustomers)));
   for (test::Customer& c : customers) {
-    int transactions = pick(0, 6);
+    int transactions = pick(0, shape.maxTransactions);
     for (int t = 0; t < transactions; ++t) {
       std::set<int> set;
-      int size = pick(1, maxSetSize);
+      int size = pick(1, shape.maxSetSize);
       for (int k = 0; k < size; ++k) set.insert(pick(0, alphabet - 1) + offset);
       c.emplace_back(set.begin(), set.end());
     }
@@ -127,16 +138,17 @@ Result mine(const std::vector<test::Customer>& customers,
   return sink.result;
 }
 
-// Mines 400 random databases with item sets of up to maxSetSize items and
-// compares every pattern, count and first customer with the brute force.
-// Returns the number of patterns compared.
-long compareWithBruteForce(int maxSetSize) {
+// Mines random databases of the shape and compares every pattern, count and
+// first customer with the brute force. Returns the number of patterns
+// compared.
+long compareWithBruteForce(const Shape& shape) {
   long patterns = 0;
-  for (unsigned seed = 1; seed <= 400; ++seed) {
+  for (unsigned seed = 1; seed <= shape.seeds; ++seed) {
     std::mt19937 random(seed);
-    std::vector<test::Customer> customers = randomCustomers(random, maxSetSize);
+    std::vector<test::Customer> customers = randomCustomers(random, shape);
     MinerOptions options;
-    long minCount = std::uniform_int_distribution<long>(1, 4)(random);
+    long minCount = std::uniform_int_distribution<long>(shape.minCount,
+                                                        shape.maxCount)(random);
     options.minSupport = MinSupport::count(minCount);
     options.maxItems = std::uniform_int_distribution<int>(1, 7)(random);
     options.threads = std::uniform_int_distribution<int>(1, 3)(random);
@@ -152,11 +164,22 @@ long compareWithBruteForce(int maxSetSize) {
 }
 
 TEST(SequenceMinerTest, MatchesBruteForceWithMultiItemTransactions) {
-  EXPECT_GT(compareWithBruteForce(3), 10000);
+  EXPECT_GT(compareWithBruteForce(Shape{3}), 10000);
 }
 
 TEST(SequenceMinerTest, MatchesBruteForceWithSingleItemTransactions) {
-  EXPECT_GT(compareWithBruteForce(1), 1000);
+  EXPECT_GT(compareWithBruteForce(Shape{1}), 1000);
+}
+
+// More customers than the lanes of a narrow subtree (64), so that the
+// search reads the customers' lists near the root and switches to lanes
+// or joins further down; long customers over a wide alphabet, so that few
+// candidates meet long lists.
+TEST(SequenceMinerTest, MatchesBruteForceOnWiderDatabases) {
+  Shape single{1, 65, 130, 8, 12, 2, 8, 150};
+  EXPECT_GT(compareWithBruteForce(single), 10000);
+  Shape sets{3, 65, 100, 4, 10, 2, 8, 150};
+  EXPECT_GT(compareWithBruteForce(sets), 10000);
 }
 
 TEST(SequenceMinerTest, CountsEachCustomerOnceAndReportsFirstCustomer) {
