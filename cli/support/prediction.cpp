@@ -159,6 +159,11 @@ recommend::RecommendOptions recommendOptions(const PredictSettings& settings) {
       {{"auto", recommend::SequenceEvidence::kAuto},
        {"followers", recommend::SequenceEvidence::kFollowers},
        {"similar", recommend::SequenceEvidence::kSimilar}});
+  options.ruleCombination = namedChoice<recommend::RuleCombination>(
+      "rules", settings.rules,
+      {{"auto", recommend::RuleCombination::kAuto},
+       {"best", recommend::RuleCombination::kBest},
+       {"any", recommend::RuleCombination::kAnyOf}});
   if (settings.newOnly && settings.repeatOnly) {
     failUsage("new-only and repeat-only exclude each other");
   }

@@ -30,6 +30,7 @@ struct PredictSettings : SEQUENCE_NAMESPACE_800::recommend::RecommendOptions {
   bool repeatOnly = false;         // only items the customer has
   bool explain = false;            // add the evidence behind each item
   std::string sequenceEvidence = "auto";  // auto, followers or similar
+  std::string rules = "auto";             // auto, best or any
   std::string customer;                   // predictLog: only this customer
 };
 

@@ -30,8 +30,19 @@ void addRecommendOptions(CLI::App* command, PredictSettings* settings) {
                     "Use only patterns ending in the last order");
   command
       ->add_option("--prior", o.priorStrength,
-                   "Customers' worth of popularity added to each confidence")
-      ->check(CLI::NonNegativeNumber)
+                   "Customers' worth of popularity added to each confidence "
+                   "(default: estimated from the scatter of the model's "
+                   "two-item rules around the items' popularity, at least "
+                   "2)")
+      ->check(CLI::NonNegativeNumber);
+  command
+      ->add_option("--rules", settings->rules,
+                   "How the patterns that propose the same item make its "
+                   "score: best (the best one's), any (the chance that some "
+                   "one's item follows, as if they were independent) or auto "
+                   "(any when the model's customers have 20 orders or more "
+                   "on average)")
+      ->check(CLI::IsMember({"auto", "best", "any"}))
       ->capture_default_str();
   command
       ->add_option("--earlier-weight", o.earlierSetWeight,

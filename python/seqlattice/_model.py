@@ -236,7 +236,7 @@ class Model:
                 last_set_only: bool = False, rank: str = "recommend",
                 new_only: bool = False, repeat_only: bool = False,
                 explain: bool = False, only_customer: Any = None,
-                prior: float = 2.0, earlier_weight: Optional[float] = None,
+                prior: Optional[float] = None, earlier_weight: Optional[float] = None,
                 sequence_weight: Optional[float] = None, context_sets: int = 8,
                 context_customers: int = 100, max_dropped: int = 4,
                 decay: Optional[float] = None, customer: str = "customer",
@@ -285,7 +285,8 @@ class Model:
         settings.new_only = bool(new_only)
         settings.repeat_only = bool(repeat_only)
         settings.explain = bool(explain)
-        settings.prior = _check_float("prior", prior, 0.0, float("inf"))
+        settings.prior = -1.0 if prior is None else _check_float(
+            "prior", prior, 0.0, float("inf"))
         settings.earlier_weight = -1.0 if earlier_weight is None else \
             _check_float("earlier_weight", earlier_weight, 0.0, 1.0)
         settings.sequence_weight = -1.0 if sequence_weight is None else \

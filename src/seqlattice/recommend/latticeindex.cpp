@@ -72,6 +72,15 @@ void LatticeIndex::compile(Node& node) {
   node.compiled = true;
 }
 
+const std::vector<LatticeIndex::Follower>& LatticeIndex::followersOf(
+    const NTSequence& pattern) {
+  static const std::vector<Follower> kNone;
+  Node* node = nodeOf(pattern);
+  if (node == nullptr) return kNone;
+  compile(*node);
+  return node->followers;
+}
+
 int LatticeIndex::targetSet(const Occurrences& at, int position, int j) const {
   // Position 0 puts the item into the set where the pattern's first set is
   // matched (j), which must hold it; position 1 makes a new set before it,

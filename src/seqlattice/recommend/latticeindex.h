@@ -64,6 +64,11 @@ class LatticeIndex {
   // SeqExceptions::DictionaryFailure when the dictionary runs out of memory.
   void match(const Sequence& history, int skipLast, std::vector<Match>* out);
 
+  // The items that follow a stored pattern in a new item set, in ascending
+  // item order; empty when the pattern is not stored. Throws
+  // SeqExceptions::DictionaryFailure as match() does.
+  const std::vector<Follower>& followersOf(const NTSequence& pattern);
+
   // Nodes made so far (one per pattern met), for memory figures.
   std::size_t nodeCount() const { return nodes_.size(); }
 

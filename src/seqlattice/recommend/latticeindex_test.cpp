@@ -154,6 +154,37 @@ TEST(LatticeIndexTest, HandMadeModelGivesTheWalksPatternsInItsOrder) {
   EXPECT_EQ(index.nodeCount(), 8u);
 }
 
+TEST(LatticeIndexTest, FollowersOfAStoredPatternAndOfAMissingOne) {
+  // (1) is followed by 2 in 3 customers and by 4 in all 5; (1)(2) by 3 in 2.
+  std::vector<test::Customer> customers;
+  for (int i = 0; i < 2; ++i) customers.push_back({{1}, {2}, {3}, {4}});
+  customers.push_back({{1}, {2}, {4}});
+  for (int i = 0; i < 2; ++i) customers.push_back({{1}, {4}});
+  SequenceDictionary dict(4);
+  mine(customers, 2, 3, dict);
+  recommend::LatticeIndex index(dict);
+
+  int one[2] = {1, 1};
+  const std::vector<recommend::LatticeIndex::Follower>& ofOne =
+      index.followersOf(NTSequence(one));
+  ASSERT_EQ(ofOne.size(), 3u);
+  EXPECT_EQ(ofOne[0].item, 2);
+  EXPECT_EQ(ofOne[0].count, 3);
+  EXPECT_DOUBLE_EQ(ofOne[0].popularity, 3.0 / 5);
+  EXPECT_EQ(ofOne[1].item, 3);
+  EXPECT_EQ(ofOne[1].count, 2);
+  EXPECT_EQ(ofOne[2].item, 4);
+  EXPECT_EQ(ofOne[2].count, 5);
+  EXPECT_DOUBLE_EQ(ofOne[2].popularity, 1.0);
+
+  int nine[2] = {1, 9};
+  EXPECT_TRUE(index.followersOf(NTSequence(nine)).empty());
+  // Asked twice, the node is made once.
+  const std::size_t nodes = index.nodeCount();
+  EXPECT_EQ(&index.followersOf(NTSequence(one)), &ofOne);
+  EXPECT_EQ(index.nodeCount(), nodes);
+}
+
 TEST(LatticeIndexTest, UnknownItemsAndEmptyPassesMatchNothing) {
   SequenceDictionary dict(4);
   mine({{{1}, {2}, {3}}, {{1}, {2}, {3}}}, 2, 3, dict);

@@ -67,7 +67,8 @@ bool ranksBefore(const Recommendation& a, const Recommendation& b) {
 struct Candidate {
   Recommendation rec;
   const NTSequence* pattern = nullptr;  // the best lattice rule's antecedent
-  double lattice = 0;
+  double lattice = 0;                   // the best rule's score
+  double anyOf = 0;  // 1 - product of (1 - score) over the rules
   double sequences = 0;
 };
 
@@ -97,11 +98,43 @@ Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
     automaticDecay_ = longSequences ? kLongSequenceDecay : 0.0;
     automaticEarlierWeight_ = longSequences ? kLongSequenceEarlierWeight
                                             : kShortSequenceEarlierWeight;
+    if (longSequences) automaticCombination_ = RuleCombination::kAnyOf;
     if (index_->meanLength() >= kVeryLongSequence) {
       automaticSequenceWeight_ = 1.0;
       automaticEvidence_ = SequenceEvidence::kSimilar;
     }
   }
+}
+
+double Recommender::estimatedPrior() {
+  if (estimatedPrior_ >= 0) return estimatedPrior_;
+  // Method of moments of a beta-binomial: each rule (x)(y) has a true
+  // confidence drawn around p(y) with variance p(1 - p) / (a + 1); its
+  // observed ratio adds binomial noise p(1 - p) / count(x).
+  double excess = 0;
+  double spread = 0;
+  const HashtableSQPair* level1 = dict_.getLevel(1);
+  if (level1 != nullptr) {
+    for (const ISQCPair& entry : *level1) {
+      if (entry.value == nullptr) continue;
+      const double n = entry.value->getCount();
+      if (n < 2) continue;
+      for (const LatticeIndex::Follower& f : lattice_.followersOf(*entry.key)) {
+        const double p = f.popularity;
+        const double r = f.count / n;
+        excess += (r - p) * (r - p) - p * (1 - p) / n;
+        spread += p * (1 - p) * (1 - 1 / n);
+      }
+    }
+  }
+  // Only the pairs above the minimum support are stored, which inflates
+  // their scatter; below kMinPrior the estimate says little. No scatter
+  // beyond the noise: the rules say nothing popularity does not.
+  estimatedPrior_ = spread <= 0 ? kMinPrior
+                    : excess <= 0
+                        ? kMaxPrior
+                        : std::clamp(spread / excess - 1, kMinPrior, kMaxPrior);
+  return estimatedPrior_;
 }
 
 double Recommender::popularity(int item) const {
@@ -146,7 +179,8 @@ std::vector<Recommendation> Recommender::recommend(
   if (options.ranking == Ranking::kConfidence) {
     return byConfidence(history, options);
   }
-  const double prior = std::max(0.0, options.priorStrength);
+  const double prior =
+      options.priorStrength < 0 ? estimatedPrior() : options.priorStrength;
   std::unordered_map<int, Candidate> candidates;
 
   const int length = history.Length();
@@ -176,6 +210,7 @@ std::vector<Recommendation> Recommender::recommend(
         const double score =
             weight * (f.count + prior * f.popularity) / (patternCount + prior);
         Candidate& c = candidates[f.item];
+        c.anyOf = 1.0 - (1.0 - c.anyOf) * (1.0 - score);
         if (score <= c.lattice) continue;
         c.lattice = score;
         c.pattern = m.pattern;
@@ -217,12 +252,18 @@ std::vector<Recommendation> Recommender::recommend(
     mode = repeatRate_ < kRareRepeats ? HistoryItems::kNewOnly
                                       : HistoryItems::kAll;
   }
+  const RuleCombination combination =
+      options.ruleCombination == RuleCombination::kAuto
+          ? automaticCombination_
+          : options.ruleCombination;
   const std::vector<int> historyItems = itemsFrom(history, 0);
   std::vector<Candidate*> best;
   best.reserve(candidates.size());
   for (auto& [item, c] : candidates) {
     if (!admitted(mode, historyItems, item)) continue;
-    const double fromLattice = (1.0 - sequenceWeight) * c.lattice;
+    const double fromLattice =
+        (1.0 - sequenceWeight) *
+        (combination == RuleCombination::kAnyOf ? c.anyOf : c.lattice);
     const double fromSequences = sequenceWeight * c.sequences;
     c.rec.item = item;
     c.rec.score = fromLattice + fromSequences;

@@ -9,8 +9,10 @@
 //    earlierSetWeight^k times as much and never proposes an item of the last
 //    k item sets (the library's passes). The confidence of each rule is
 //    smoothed towards the item's popularity with priorStrength pseudo
-//    customers, so that a rule seen in 2 customers cannot beat one seen in
-//    2,000 on a lucky ratio;
+//    customers (by default estimated from the model's data), so that a
+//    rule seen in 2 customers cannot beat one seen in 2,000 on a lucky
+//    ratio; an item's rules give its best rule's score or the chance that
+//    any of them comes true (RuleCombination);
 //  - the model's sequence index, when the model carries one: the customers
 //    whose sequences contain the whole recent context (however rare) and what
 //    they acquired soon after it, smoothed the same way; in very long
@@ -64,6 +66,15 @@ enum class SequenceEvidence {
   kSimilar,    // SequenceIndex::similarCounts from kSimilarFirstRound
 };
 
+// How the lattice rules that propose the same item make its lattice score.
+enum class RuleCombination {
+  kAuto,   // kAnyOf when the model's customers hold kLongSequence item sets
+           // or more on average, else kBest
+  kBest,   // the score of the best rule
+  kAnyOf,  // 1 - the product of (1 - score) over the rules: the chance that
+           // some rule's item follows, were the rules independent
+};
+
 // Below this share of item sets repeating one of the five before them (most
 // item sets bring only new items), the automatic choice leaves the history's
 // items out.
@@ -85,6 +96,12 @@ constexpr double kVeryLongSequence = 50;
 // The first round of SequenceIndex::similarCounts: sub-contexts leaving out
 // up to two items compete with the whole context from the start.
 constexpr int kSimilarFirstRound = 2;
+// The range of Recommender::estimatedPrior: where the two-item rules scatter
+// around the items' popularity more than counting noise explains (or
+// nearly so), the estimate falls below kMinPrior, the strength measured
+// best on such data (docs/recommender.md).
+constexpr double kMinPrior = 2;
+constexpr double kMaxPrior = 100;
 
 struct RecommendOptions {
   int top = 5;  // largest number of items returned; <= 0 returns none
@@ -93,8 +110,11 @@ struct RecommendOptions {
   // Lattice matches only on the last item set (for kConfidence, the flag of
   // GetFutureItems).
   bool lastSetOnly = false;
-  // Pseudo customers of popularity added to every confidence.
-  double priorStrength = 2.0;
+  // Pseudo customers of popularity added to every confidence (and to the
+  // customers of each context of the sequence index). Negative: estimated
+  // from the model's data (Recommender::estimatedPrior).
+  double priorStrength = -1;
+  RuleCombination ruleCombination = RuleCombination::kAuto;
   // Weight of a match anchored one item set earlier than the previous pass.
   // Negative: chosen from the model's data, 0.5 when its customers hold
   // kLongSequence item sets or more on average, else 0.3.
@@ -164,6 +184,13 @@ class Recommender {
   // 1.0 (keep history items) without an index.
   double repeatRate() const { return repeatRate_; }
 
+  // The prior strength a negative RecommendOptions::priorStrength stands
+  // for: a method-of-moments estimate from the lattice's two-item rules
+  // (x)(y), whose confidences scatter around p(y) by counting noise plus
+  // p(y)(1 - p(y)) / (prior + 1), clamped to [kMinPrior, kMaxPrior].
+  // Computed on first use.
+  double estimatedPrior();
+
  private:
   std::vector<Recommendation> byConfidence(const Sequence& history,
                                            const RecommendOptions& options);
@@ -177,9 +204,11 @@ class Recommender {
   double repeatRate_ = 1.0;
   LatticeIndex lattice_;
   std::vector<LatticeIndex::Match> matches_;  // scratch of one pass
+  double estimatedPrior_ = -1;
   double automaticDecay_ = 0.0;
   double automaticEarlierWeight_ = kShortSequenceEarlierWeight;
   double automaticSequenceWeight_ = 0.5;
+  RuleCombination automaticCombination_ = RuleCombination::kBest;
   SequenceEvidence automaticEvidence_ = SequenceEvidence::kFollowers;
 };
 

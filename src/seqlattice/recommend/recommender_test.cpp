@@ -42,6 +42,15 @@ inline Sequence historyOf(const std::vector<int>& items) {
   return history;
 }
 
+// Mines every pattern of up to maxItems items of db into *dict.
+inline void mineAll(const mining::SequenceDatabase& db, int maxItems,
+                    SequenceDictionary* dict) {
+  mining::MinerOptions options;
+  options.maxItems = maxItems;
+  options.threads = 1;
+  mining::mineIntoDictionary(db, options, *dict);
+}
+
 inline std::vector<int> itemsOf(
     const std::vector<recommend::Recommendation>& list) {
   std::vector<int> items;
@@ -56,10 +65,7 @@ namespace {
 class RecommenderTest : public testing::Test {
  protected:
   RecommenderTest() : db(test::recommenderDatabase()), index(db) {
-    mining::MinerOptions options;
-    options.maxItems = 3;
-    options.threads = 1;
-    mining::mineIntoDictionary(db, options, dict);
+    test::mineAll(db, 3, &dict);
     latticeOnly.sequenceWeight = 0;
     latticeOnly.earlierSetWeight = 0.5;
     latticeOnly.popularFallback = false;
@@ -222,11 +228,8 @@ TEST(VeryLongSequences, TheSimilarCustomersAloneGiveTheScore) {
   }
   const mining::SequenceDatabase db = test::makeDatabase(customers);
   recommend::SequenceIndex index(db);
-  mining::MinerOptions mining;
-  mining.maxItems = 1;
-  mining.threads = 1;
   SequenceDictionary dict{2};
-  mining::mineIntoDictionary(db, mining, dict);
+  test::mineAll(db, 1, &dict);
   recommend::Recommender recommender(dict, &index);
   recommend::RecommendOptions options;
   options.top = 3;
@@ -247,6 +250,92 @@ TEST(VeryLongSequences, TheSimilarCustomersAloneGiveTheScore) {
   got = recommender.recommend(test::historyOf({1}), options);
   ASSERT_EQ(test::itemsOf(got), (std::vector<int>{57, 56, 55}));
   EXPECT_DOUBLE_EQ(got[0].score, 0.5 * 2 / 4);
+}
+
+TEST_F(RecommenderTest, AnyOfTheRulesCombinesEveryRuleOfAnItem) {
+  // History (b)(a). x has three rules: (b)(a) 2/2 -> (2 + 2 * 2/22) / 4,
+  // (a) 2/20 -> (2 + 2 * 2/22) / 22 and, one item set earlier at half
+  // weight, (b) 2/2 -> (2 + 2 * 2/22) / 4 / 2; y one: (a) 18/20. The best
+  // rule keeps y first, any of the rules gives 1 - the product of the
+  // misses and still does here.
+  recommend::Recommender recommender(dict, nullptr);
+  latticeOnly.priorStrength = 2;
+  latticeOnly.ruleCombination = recommend::RuleCombination::kAnyOf;
+  auto got = recommender.recommend(test::historyOf({kB, kA}), latticeOnly);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kY, kX}));
+  const double x = 2 + 2 * 2.0 / 22;
+  EXPECT_NEAR(got[0].score, (18 + 2 * 18.0 / 22) / 22, 1e-12);
+  EXPECT_NEAR(got[1].score, 1 - (1 - x / 4) * (1 - x / 22) * (1 - x / 4 / 2),
+              1e-12);
+  // The explanation is still the best rule's.
+  EXPECT_EQ(got[1].pattern, (std::vector<std::vector<int>>{{kB}, {kA}}));
+}
+
+TEST_F(RecommenderTest, TheEstimatedPriorStaysAtTheFloorWhenRulesScatter) {
+  // The two-item rules (a)(y) 18/20, (a)(x) 2/20, (b)(a) 2/2, (b)(x) 2/2
+  // scatter around popularity far more than counting noise explains:
+  // spread / excess - 1 = 0.3025 / 0.7473 - 1 < 0, so the floor.
+  recommend::Recommender recommender(dict, nullptr);
+  EXPECT_DOUBLE_EQ(recommender.estimatedPrior(), recommend::kMinPrior);
+}
+
+TEST(EstimatedPrior, MethodOfMomentsOfTheTwoItemRules) {
+  // a is followed by y in 8 of its 12 customers and by x in 4, b the other
+  // way round; p(y) = p(x) = 1/2. Each of the four rules has
+  // (r - p)^2 - p(1 - p)/n = 1/36 - 1/48 = 1/144 and p(1 - p)(1 - 1/n) =
+  // 11/48: the prior is 11/48 * 144 - 1 = 32 customers. The default
+  // options use it: the context {a} smoothed by 32, (8 + 32/2) / (12 + 32).
+  std::vector<test::Customer> customers;
+  for (int i = 0; i < 8; ++i) customers.push_back({{kA}, {kY}});
+  for (int i = 0; i < 4; ++i) customers.push_back({{kA}, {kX}});
+  for (int i = 0; i < 4; ++i) customers.push_back({{kB}, {kY}});
+  for (int i = 0; i < 8; ++i) customers.push_back({{kB}, {kX}});
+  const mining::SequenceDatabase db = test::makeDatabase(customers);
+  SequenceDictionary dict{4};
+  test::mineAll(db, 2, &dict);
+  recommend::Recommender recommender(dict, nullptr);
+  EXPECT_NEAR(recommender.estimatedPrior(), 32.0, 1e-9);
+  recommend::RecommendOptions options;
+  options.sequenceWeight = 0;
+  options.popularFallback = false;
+  auto got = recommender.recommend(test::historyOf({kA}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kY, kX}));
+  EXPECT_NEAR(got[0].score, (8 + 32 * 0.5) / (12 + 32), 1e-12);
+}
+
+TEST(LongSequences, AnyOfTheRulesByDefault) {
+  // Three customers of 20 item sets: (1)(2)(10)..(27), (1)(2)(30)..(47),
+  // (100)..(119). History (1)(2): every later item of the first two has
+  // the rules (2) 1/2, (1)(2) 1/2 and, one item set earlier at the long
+  // sequences' weight 0.5, (1) 1/2, each (1 + 2 * 1/3) / (2 + 2). Ties go
+  // to the higher item code.
+  std::vector<test::Customer> customers(3);
+  customers[0] = {{1}, {2}};
+  customers[1] = {{1}, {2}};
+  for (int item = 10; item < 28; ++item) {
+    customers[0].push_back({item});
+    customers[1].push_back({item + 20});
+  }
+  for (int item = 100; item < 120; ++item) customers[2].push_back({item});
+  recommend::RecommendOptions options;
+  options.top = 1;
+  options.sequenceWeight = 0;
+  options.priorStrength = 2;
+  options.popularFallback = false;
+  const mining::SequenceDatabase db = test::makeDatabase(customers);
+  SequenceDictionary dict{4};
+  test::mineAll(db, 3, &dict);
+  const recommend::SequenceIndex index(db);
+  recommend::Recommender recommender(dict, &index);
+  const double rule = (1 + 2.0 / 3) / 4;
+  auto got = recommender.recommend(test::historyOf({1, 2}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{47}));
+  EXPECT_NEAR(got[0].score, 1 - (1 - rule) * (1 - rule) * (1 - rule / 2),
+              1e-12);
+  options.ruleCombination = recommend::RuleCombination::kBest;
+  got = recommender.recommend(test::historyOf({1, 2}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{47}));
+  EXPECT_NEAR(got[0].score, rule, 1e-12);
 }
 
 TEST_F(RecommenderTest, ZeroItemsWanted) {
