@@ -332,6 +332,7 @@ mining::MiningSummary minePatternFile(
   writeOutput(path, [&](std::ostream& out) {
     PatternStream stream(out, format, log.items);
     summary = mining::SequenceMiner(minerOptions).mine(log.database, stream);
+    stream.finish();
   });
   model->mining.complete = summary.complete;
   return summary;
