@@ -42,8 +42,9 @@ constexpr long kEntriesForThreads = 20000;
 long writeLevels(HashtableSQPair* const* levels, int nLevels,
                  std::fstream& out) {
   long entries = 0;
-  for (int k = 0; k < nLevels; ++k)
+  for (int k = 0; k < nLevels; ++k) {
     entries += tableToSave(levels[k]).getCount();
+  }
   if (entries < kEntriesForThreads) {
     long written = 0;
     for (int k = 0; k < nLevels; ++k) {
