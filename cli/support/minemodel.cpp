@@ -47,17 +47,20 @@ constexpr double kFinishSecondsPerPattern = 4e-6;
 
 // Progress of the search, at most twice a second: the patterns found so far
 // and how fast they come. Under a time limit (seconds, 0: none) it stops the
-// search once the time spent and the time finishing would take reach it.
-std::function<bool(long)> searchProgress(Progress& progress, double timeLimit) {
+// search once the time spent and the time finishing would take (seconds per
+// pattern found) reach it.
+std::function<bool(long)> searchProgress(Progress& progress, double timeLimit,
+                                         double finishSecondsPerPattern) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   auto shown = std::make_shared<Clock::time_point>(start);
-  return [&progress, start, shown, timeLimit](long patterns) {
+  return [&progress, start, shown, timeLimit,
+          finishSecondsPerPattern](long patterns) {
     const Clock::time_point now = Clock::now();
     const double seconds = std::chrono::duration<double>(now - start).count();
     const bool goOn =
         timeLimit <= 0 ||
-        seconds + static_cast<double>(patterns) * kFinishSecondsPerPattern <
+        seconds + static_cast<double>(patterns) * finishSecondsPerPattern <
             timeLimit;
     if (now - *shown < std::chrono::milliseconds(500)) return goOn;
     *shown = now;
@@ -243,7 +246,8 @@ mining::MinerOptions prepareMining(
         std::chrono::duration_cast<std::chrono::steady_clock::duration>(
             std::chrono::duration<double>(settings.timeLimit));
   }
-  minerOptions.progress = searchProgress(progress, settings.timeLimit);
+  minerOptions.progress =
+      searchProgress(progress, settings.timeLimit, kFinishSecondsPerPattern);
   return minerOptions;
 }
 
@@ -328,10 +332,13 @@ mining::MiningSummary minePatternFile(
   Progress progress(settings.progress);
   mining::MinerOptions minerOptions = prepareMining(
       log, settings, inputName, inputFormat, progress, model, supportText);
+  // A line written is finished: the search may use the whole time limit.
+  minerOptions.progress = searchProgress(progress, settings.timeLimit, 0);
   mining::MiningSummary summary;
   writeOutput(path, [&](std::ostream& out) {
     PatternStream stream(out, format, log.items);
     summary = mining::SequenceMiner(minerOptions).mine(log.database, stream);
+    stream.finish();
   });
   model->mining.complete = summary.complete;
   return summary;

@@ -11,15 +11,22 @@
 //   json   {"sequence":[["a"],["b","c"]],"freq":7}
 //          (text labels as JSON strings, numeric labels as numbers)
 //
+// Deep searches give tens of millions of lines, so a line costs no
+// allocation: the items' texts are made once each and kept in a table
+// indexed by code, counts are written two digits at a time, and lines
+// gather in a buffer handed to the stream a megabyte at a time (finish()
+// hands over the rest).
+//
 // The sink is called from one thread (the miner's calling thread). The
 // stream and the labels stay the caller's and must outlive the sink; write
-// errors are the stream's state, which the caller checks.
+// errors are the stream's state, which the caller checks after finish().
 #ifndef SEQLATTICE_CLI_SUPPORT_PATTERNSTREAM_H_
 #define SEQLATTICE_CLI_SUPPORT_PATTERNSTREAM_H_
 
 #include <ostream>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "seqlattice/input/itemlabels.h"
 #include "seqlattice/mining/miner.h"
@@ -40,15 +47,23 @@ class PatternStream : public SEQUENCE_NAMESPACE_800::mining::PatternSink {
   void addPattern(int** sets, int nSets, long count,
                   long firstCustomer) override;
 
+  // Writes the lines still buffered; call once the search has ended.
+  void finish();
+
  private:
   // The item as it stands in a line: its code (spmf) or its JSON label.
   const std::string& itemText(int item);
+  std::string makeItemText(int item) const;
+  void append(const std::string& text) { buffer_.append(text); }
 
   std::ostream& out_;
   PatternFormat format_;
   const SEQUENCE_NAMESPACE_800::input::ItemLabels& labels_;
-  std::unordered_map<int, std::string> itemTexts_;
-  std::string line_;
+  // Texts of the codes 0 .. kDenseItems-1 by code ("" until first needed),
+  // of other codes by lookup.
+  std::vector<std::string> denseTexts_;
+  std::unordered_map<int, std::string> otherTexts_;
+  std::string buffer_;
 };
 
 }  // namespace seqlattice_cli

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include "seqlattice/dictionary/internal/paralleltasks.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/store/hashpairseq.h"
@@ -118,20 +120,27 @@ class SubPatternBatch {
   std::vector<Link> links_;
 };
 
-// Gives every counter of `level` a new empty adjacency set, then adds to each
-// stored pattern of `below` the pair that leads from it to a pattern of
-// `level`: for every item of a pattern P, the sub-pattern without it learns
-// (item, 2s+1) when the item was alone in set s of P, (item, 2s) otherwise.
-// Every counter of `level` is renewed before its own level is linked to, so
-// the order of the additions within a level does not matter.
-void linkToLevelBelow(HashtableSQPair& level, const HashtableSQPair& below) {
-  SubPatternBatch batch(below);
-  for (HashtableSQPair::iterator it = level.begin(); it != level.end();) {
-    const ISQCPair entry = *it++;
+// Gives every counter of `level` a new empty adjacency set.
+void renewAdjacencySets(HashtableSQPair& level) {
+  for (HashtableSQPair::iterator it = level.begin(); it != level.end(); ++it) {
+    const ISQCPair entry = *it;
     if (entry.value != nullptr) {
       entry.value->setAdjacentItems(new SequenceCounter::AdjacencySet());
     }
-    NTSequence* pattern = entry.key;
+  }
+}
+
+// Adds to each stored pattern of `below` the pair that leads from it to a
+// pattern of `level`: for every item of a pattern P, the sub-pattern without
+// it learns (item, 2s+1) when the item was alone in set s of P, (item, 2s)
+// otherwise. Only the adjacency sets of `below` change, so the levels can be
+// linked at the same time once every set is renewed.
+void linkToLevelBelow(const HashtableSQPair& level,
+                      const HashtableSQPair& below) {
+  SubPatternBatch batch(below);
+  for (HashtableSQPair::const_iterator it = level.begin(); it != level.end();
+       ++it) {
+    NTSequence* pattern = (*it).key;
     int pos = 0;
     for (int s = 0; s < pattern->getNSets(); ++s) {
       for (int j = 0; j < pattern->getSizeOfSet(s); ++j) {
@@ -143,11 +152,15 @@ void linkToLevelBelow(HashtableSQPair& level, const HashtableSQPair& below) {
   batch.link();
 }
 
+// Below this many patterns a build takes less than starting a thread.
+constexpr long kPatternsForThreads = 20000;
+
 }  // namespace
 
 // Levels above the first empty one are not visited: in a pruned dictionary
-// levels fill from the bottom. Because the levels are done in ascending
-// order, a counter's set is always renewed before the level above adds to it.
+// levels fill from the bottom. Every counter's set is renewed before any level
+// is linked, since linking level k adds to the sets of level k-1; the levels
+// are then linked on as many threads as the machine has, the largest first.
 KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
   try {
     const int largest = LargestSequence();
@@ -157,13 +170,26 @@ KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
     if (root->value != nullptr) {
       root->value->setAdjacentItems(new SequenceCounter::AdjacencySet());
     }
+    std::vector<std::pair<long, int>> levels;  // (items to look up, level)
+    long patterns = 0;
     for (int k = 1; k <= largest; ++k) {
-      HashtableSQPair* level = getLevel(k);
-      HashtableSQPair* below = getLevel(k - 1);
-      if (level != nullptr && below != nullptr) {
-        linkToLevelBelow(*level, *below);
+      if (getLevel(k) != nullptr && getLevel(k - 1) != nullptr) {
+        levels.emplace_back(static_cast<long>(getLevel(k)->getCount()) * k, k);
+        patterns += getLevel(k)->getCount();
       }
     }
+    std::sort(levels.rbegin(), levels.rend());
+    const unsigned threads =
+        patterns < kPatternsForThreads
+            ? 1
+            : std::max(1u, std::thread::hardware_concurrency());
+    dictionary_internal::runTasks(levels.size(), threads, [&](std::size_t i) {
+      renewAdjacencySets(*getLevel(levels[i].second));
+    });
+    dictionary_internal::runTasks(levels.size(), threads, [&](std::size_t i) {
+      const int k = levels[i].second;
+      linkToLevelBelow(*getLevel(k), *getLevel(k - 1));
+    });
   } catch (...) {
     // Whatever was linked so far stays; the lattice does not count as built.
     return KvCommon_850::KvStatus(KvCommon_850::kStatusFailure, false);

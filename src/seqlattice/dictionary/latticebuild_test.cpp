@@ -149,6 +149,31 @@ TEST(LatticeBuildTest, MissingLevelZeroEntryFailsTheBuild) {
   EXPECT_FALSE(d.isLatticeBuilt());
 }
 
+// Enough patterns for the levels to be linked on several threads: every
+// item alone and followed by every item.
+TEST(LatticeBuildTest, ALargeDictionaryLinksEveryLevel) {
+  constexpr int kItems = 150;
+  SequenceDictionary d(4);
+  for (int i = 1; i <= kItems; ++i) {
+    test::addPattern(d, {{i}}, 3);
+    for (int j = 1; j <= kItems; ++j) test::addPattern(d, {{i}, {j}}, 2);
+  }
+  ASSERT_TRUE(d.buildLattice().IsOK());
+  test::Adjacency fromRoot;
+  test::Adjacency fromSeven;
+  for (int j = 1; j <= kItems; ++j) {
+    fromRoot.insert({j, 1});
+    fromSeven.insert({j, 1});
+    fromSeven.insert({j, 3});
+  }
+  EXPECT_EQ(test::adjacencyOf(d, {}), fromRoot);
+  EXPECT_EQ(test::adjacencyOf(d, {{7}}), fromSeven);
+  EXPECT_EQ(test::counterOf(d, {{kItems}})->getNAdjacent(), 2 * kItems);
+  ASSERT_NE(test::counterOf(d, {{3}, {9}})->getAdjacentItems(), nullptr);
+  EXPECT_EQ(test::counterOf(d, {{3}, {9}})->getNAdjacent(), 0);
+  EXPECT_TRUE(d.isLatticeBuilt());
+}
+
 }  // namespace
 
 }  // namespace SEQUENCE_NAMESPACE_800

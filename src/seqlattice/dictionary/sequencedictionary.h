@@ -119,7 +119,8 @@ class SequenceDictionary : public SequenceSemiLattice {
   // Lattice build (latticebuild.cpp). Links every stored pattern of levels 0 ..
   // LargestSequence()-1 to its one-item extensions, replacing the adjacency
   // sets it finds. OK, or KvStatus(kStatusFailure, false) when anything failed
-  // (lattice not marked built).
+  // (lattice not marked built). A large dictionary is linked on threads of
+  // the build's own, a level each; the call returns when they are done.
   KvCommon_850::KvStatus buildLattice();
 
   // Lattice queries (interface slots 1, 8 and 9; latticequeries.cpp): the

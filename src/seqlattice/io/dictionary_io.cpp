@@ -2,9 +2,16 @@
 // tables, then the four doubles. The binary record holds every level; the XML
 // element only levels 0 to LargestSequence(). A load rebuilds the levels from
 // the settings it reads and adds the saved entries to them.
+#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <numeric>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
 
+#include "seqlattice/dictionary/internal/paralleltasks.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/io/internal/record_io.h"
 #include "seqlattice/store/hashpairseq.h"
@@ -25,6 +32,52 @@ const HashtableSQPair& tableToSave(HashtableSQPair* table) {
   return table != nullptr ? *table : kNoTable;
 }
 
+// Below this many entries a save takes less than starting a thread.
+constexpr long kEntriesForThreads = 20000;
+
+// Writes the level tables' records to out in level order. A large dictionary's
+// records are first made in memory, on threads of their own, a level each
+// (the record's writer takes a file stream, so each thread's stream is given
+// a buffer in memory instead of a file). Returns the bytes the records hold.
+long writeLevels(HashtableSQPair* const* levels, int nLevels,
+                 std::fstream& out) {
+  long entries = 0;
+  for (int k = 0; k < nLevels; ++k) {
+    entries += tableToSave(levels[k]).getCount();
+  }
+  if (entries < kEntriesForThreads) {
+    long written = 0;
+    for (int k = 0; k < nLevels; ++k) {
+      written += tableToSave(levels[k]).writeObject(out);
+    }
+    return written;
+  }
+  std::vector<int> order(static_cast<std::size_t>(nLevels));
+  std::iota(order.begin(), order.end(), 0);
+  std::sort(order.begin(), order.end(), [&](int a, int b) {
+    return tableToSave(levels[a]).getCount() >
+           tableToSave(levels[b]).getCount();
+  });
+  std::vector<std::stringbuf> records(order.size());
+  std::vector<long> written(order.size(), 0);
+  dictionary_internal::runTasks(
+      order.size(), std::max(1u, std::thread::hardware_concurrency()),
+      [&](std::size_t i) {
+        const int k = order[i];
+        std::fstream record;
+        static_cast<std::ios&>(record).rdbuf(&records[k]);
+        written[k] = tableToSave(levels[k]).writeObject(record);
+      });
+  long total = 0;
+  for (int k = 0; k < nLevels; ++k) {
+    const std::string bytes = records[k].str();
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    records[k] = std::stringbuf();
+    total += written[k];
+  }
+  return total;
+}
+
 }  // namespace
 
 long SequenceDictionary::writeObject(std::fstream& out) const {
@@ -37,10 +90,7 @@ long SequenceDictionary::writeObject(std::fstream& out) const {
     writer.finish();
   }
   settings.writeObject(out);
-  long written = 3;
-  for (int k = 0; k < nLevels; ++k) {
-    written += tableToSave(levels[k]).writeObject(out);
-  }
+  const long written = 3 + writeLevels(levels, nLevels, out);
   RecordIO::BinaryWriter writer(out);
   const double values[] = {minSupport, slidingWindow, minGap, maxGap};
   writer.bytes(values, sizeof values);

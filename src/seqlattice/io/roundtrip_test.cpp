@@ -179,6 +179,44 @@ TEST(RoundTripTest, ASecondLoadGivesTheSameDictionaryAgain) {
   test::expectLoadedAs(once, twice, once.getNLevels());
 }
 
+// A dictionary large enough for its levels to be saved on several threads:
+// the record is still the level records one after another, in level order,
+// and loads back as it was.
+TEST(RoundTripTest, ALargeDictionaryIsSavedLevelByLevel) {
+  constexpr int kItems = 150;
+  auto saved = std::make_unique<SequenceDictionary>(test::smallSettings(4));
+  for (int i = 1; i <= kItems; ++i) {
+    test::addPattern(*saved, {{i}}, 3 + i);
+    for (int j = 1; j <= kItems; ++j) {
+      test::addPattern(*saved, {{i}, {j}}, 2, i, j);
+    }
+  }
+  test::addPattern(*saved, {{1}, {2}, {3}}, 2);
+  ASSERT_TRUE(saved->buildLattice().IsOK());
+  const test::Written whole = test::writeBinary(*saved);
+  std::size_t levelBytes = 0;
+  for (int k = 0; k < saved->getNLevels(); ++k) {
+    levelBytes += test::writeBinary(*saved->getLevel(k)).bytes.size();
+  }
+  std::size_t at = whole.bytes.size() - 32 - levelBytes;
+  // The count leaves the settings record out.
+  long count = 3 + 32;
+  for (int k = 0; k < saved->getNLevels(); ++k) {
+    const test::Written level = test::writeBinary(*saved->getLevel(k));
+    EXPECT_EQ(whole.bytes.compare(at, level.bytes.size(), level.bytes), 0) << k;
+    at += level.bytes.size();
+    count += level.count;
+  }
+  EXPECT_EQ(whole.count, count);
+  test::ScratchFile file;
+  file.write(whole.bytes);
+  SequenceDictionary loaded;
+  ASSERT_EQ(test::loadBinary(file, loaded), test::Outcome::kLoaded);
+  test::expectLoadedAs(*saved, loaded, saved->getNLevels());
+  EXPECT_EQ(test::counterOf(loaded, {{150}})->getCount(), 153);
+  EXPECT_EQ(test::counterOf(loaded, {{1}, {2}})->getNAdjacent(), 1);
+}
+
 }  // namespace
 
 }  // namespace SEQUENCE_NAMESPACE_800
