@@ -1,6 +1,7 @@
 #include "seqlattice/input/csvreader.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -203,7 +204,8 @@ TEST(CsvReaderTest, MissingFileNamesThePath) {
 }
 
 TEST(CsvReaderTest, ReadsAFile) {
-  std::string path = ::testing::TempDir() + "csvreader_test_orders.csv";
+  std::string path = ::testing::TempDir() + std::to_string(getpid()) +
+                     "_csvreader_test_orders.csv";
   {
     std::ofstream out(path);
     out << "customer,time,item\nc,1,a\n";

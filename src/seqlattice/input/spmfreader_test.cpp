@@ -1,6 +1,7 @@
 #include "seqlattice/input/spmfreader.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
@@ -87,7 +88,8 @@ TEST(SpmfReaderTest, MalformedLinesNameFileAndLine) {
 }
 
 TEST(SpmfReaderTest, ReadsAFileAndNamesItInErrors) {
-  std::string path = testing::TempDir() + "spmfreader_test.txt";
+  std::string path =
+      testing::TempDir() + std::to_string(getpid()) + "_spmfreader_test.txt";
   {
     std::ofstream out(path);
     out << "1 2 -1 3 -1 -2\n2 -1 -2\n3 -1 x\n";

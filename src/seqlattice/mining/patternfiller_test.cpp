@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
@@ -20,7 +21,8 @@ namespace {
 
 // The saved binary record and XML element of dictionary.
 std::string savedBytes(const SequenceDictionary& dictionary) {
-  std::string path = testing::TempDir() + "patternfiller_test.bin";
+  std::string path =
+      testing::TempDir() + std::to_string(getpid()) + "_patternfiller_test.bin";
   {
     std::fstream out(path, std::ios::out | std::ios::binary | std::ios::trunc);
     dictionary.writeObject(out);

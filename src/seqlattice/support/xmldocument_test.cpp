@@ -1,6 +1,7 @@
 #include "seqlattice/support/xmldocument.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
@@ -170,7 +171,8 @@ TEST(XMLDocumentTest, AParserReadsTheEscapedValuesBack) {
     root->AddChild(KvXML_850::XMLElement::Create("E"))
         ->AddAttribute("v", value);
   }
-  const std::string path = testing::TempDir() + "xmldocument_test.xml";
+  const std::string path =
+      testing::TempDir() + std::to_string(getpid()) + "_xmldocument_test.xml";
   {
     std::ofstream out(path);
     ASSERT_TRUE(KvXML_850::WriteTree(out, docType.get(), root.get(), true));

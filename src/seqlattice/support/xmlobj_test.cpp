@@ -1,6 +1,7 @@
 #include "seqlattice/support/xmlobj.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cmath>
@@ -256,7 +257,8 @@ TEST(XMLObjTest, NestedObjectsReadBackAtEveryDepth) {
 }
 
 TEST(XMLObjTest, ReadsThroughAFileStream) {
-  const std::string path = testing::TempDir() + "xmlobj_test.xml";
+  const std::string path =
+      testing::TempDir() + std::to_string(getpid()) + "_xmlobj_test.xml";
   KvXML_850::XMLObj obj("StatsBucket", 5);
   {
     std::ofstream out(path);
