@@ -138,6 +138,12 @@ struct Range {
   u32 begin, end;
 };
 
+// The least and the greatest of ascending candidate items: a transaction's
+// items, ascending too, are read only between them (none when low > high).
+struct Candidates {
+  u32 low, high;
+};
+
 class Worker {
  public:
   Worker(const TimedDatabase& db, const MinerOptions& options, long minCount,
@@ -177,9 +183,9 @@ class Worker {
     pattern_.assign(1, x);
     newSet_.assign(1, 1);
     Level& level = levels_[1];
-    count(root_, 1, x, all_.data(), db_.itemCount(), true, nullptr, 0, level);
+    count(root_, 1, all_.data(), db_.itemCount(), nullptr, 0, level);
     level.sFrequent.clear();
-    collect(s_, level.sFrequent);
+    collect(s_, all_.data(), db_.itemCount(), level.sFrequent);
     return level.sFrequent;
   }
 
@@ -190,21 +196,20 @@ class Worker {
     newSet_.assign(1, 1);
     emit(root_, 1);
     const u32 f = db_.itemCount();
-    expand(root_, 1, x, all_.data(), f, true, all_.data() + x + 1, f - x - 1);
+    expand(root_, 1, all_.data(), f, all_.data() + x + 1, f - x - 1);
   }
 
  private:
+  // Per item whether it is a candidate and how many customers gave it; the
+  // counts are read back through the candidates, so counting stores
+  // nothing else.
   struct Counters {
-    std::vector<u32> flag, count, touched;
+    std::vector<u32> flag, count;
     std::vector<std::uint64_t> stamp;
     void hit(u32 x, std::uint64_t now) {
       if (stamp[x] == now) return;
       stamp[x] = now;
-      add(x);
-    }
-    // Counts x for a customer that cannot give it again.
-    void add(u32 x) {
-      if (count[x]++ == 0) touched.push_back(x);
+      ++count[x];
     }
   };
   struct Level {
@@ -349,101 +354,108 @@ class Worker {
   }
 
   // Counts, per customer once, the candidates that extend the node's pattern
-  // (`sets` item sets, last item `last`) as a new set (sCand, all items when
-  // sAll) and into its last set (iCand); leaves the ranges in level.
-  void count(const Node& node, int sets, u32 last, const u32* sCand,
-             std::size_t nS, bool sAll, const u32* iCand, std::size_t nI,
-             Level& level) {
+  // (`sets` item sets) as a new set (sCand) and into its last set (iCand),
+  // both ascending; leaves the ranges in level.
+  void count(const Node& node, int sets, const u32* sCand, std::size_t nS,
+             const u32* iCand, std::size_t nI, Level& level) {
     prepareRanges(node, sets, nS > 0, nI > 0 && time_.window > 0, level);
-    if (!sAll) {
-      for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
-    }
+    for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
     for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 1;
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
+    const u32* lt = db_.lastTransaction.data();
+    const u32* li = db_.lastItem.data();
+    // Locals, so that the stores into the counts need no reloads.
+    u32* counts = s_.count.data();
+    const u32* flags = s_.flag.data();
+    const Candidates joining =
+        nI > 0 ? Candidates{iCand[0], iCand[nI - 1]} : Candidates{1, 0};
     for (u32 e = 0; e < node.size(); ++e) {
       const u32 c = node.cust[e];
       ++now_;
       if (nS > 0 && openEnded_) {
         // Every range runs to the customer's end: the items from the
-        // earliest start on are a prefix of the last-occurrence list.
+        // earliest start on are a prefix of the last-occurrence list, which
+        // holds each of the customer's items once.
         const u32 from = level.sRange[level.ready[node.start[e]]].begin;
-        const u32* lt = db_.lastTransaction.data();
-        const u32* li = db_.lastItem.data();
         for (u32 k = db_.lastStart[c], end = db_.lastStart[c + 1];
              k < end && lt[k] >= from; ++k) {
-          // The list holds each of the customer's items once.
-          if (sAll || s_.flag[li[k]]) s_.add(li[k]);
+          counts[li[k]] += flags[li[k]];
         }
       } else if (nS > 0) {
         mergedRanges(node, e, level.sRange);
         for (const Range& r : ranges_) {
           for (u32 k = ts[r.begin]; k < ts[r.end]; ++k) {
-            if (sAll || s_.flag[items[k]]) s_.hit(items[k], now_);
+            if (flags[items[k]]) s_.hit(items[k], now_);
           }
         }
       }
       if (nI == 0) continue;
       if (time_.window == 0) {
         for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-          scanAbove(node.states[k].l, node.states[k].l + 1, last);
+          scanJoining(node.states[k].l, node.states[k].l + 1, joining);
         }
       } else {
         mergedRanges(node, e, level.iRange);
-        for (const Range& r : ranges_) scanAbove(r.begin, r.end, last);
+        for (const Range& r : ranges_) scanJoining(r.begin, r.end, joining);
       }
     }
-    if (!sAll) {
-      for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 0;
-    }
+    for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 0;
     for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 0;
   }
 
-  void scanAbove(u32 from, u32 to, u32 last) {
+  // Counts the candidates joining the last set in transactions [from, to).
+  void scanJoining(u32 from, u32 to, Candidates joining) {
+    for (u32 tr = from; tr < to; ++tr) {
+      forEachJoining(tr, joining, [this](u32 x) {
+        if (i_.flag[x]) i_.hit(x, now_);
+      });
+    }
+  }
+
+  // Calls each(x) for the items x of transaction tr within joining.
+  template <class Each>
+  void forEachJoining(u32 tr, Candidates joining, const Each& each) const {
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    for (u32 tr = from; tr < to; ++tr) {
-      const u32* b = items + ts[tr + 1];
-      const u32* a = firstAbove(items + ts[tr], b, last);
-      for (; a < b; ++a) {
-        if (i_.flag[*a]) i_.hit(*a, now_);
-      }
+    const u32* b = items + ts[tr + 1];
+    for (const u32* a = firstAbove(items + ts[tr], b, joining.low - 1);
+         a < b && *a <= joining.high; ++a) {
+      each(*a);
     }
   }
 
-  // The frequent counted items, ascending; resets the counters.
-  void collect(Counters& counters, std::vector<u32>& frequent) {
-    for (u32 x : counters.touched) {
-      if (counters.count[x] >= minCount_) frequent.push_back(x);
-      counters.count[x] = 0;
+  // The frequent candidates, ascending; resets their counts.
+  void collect(Counters& counters, const u32* cand, std::size_t n,
+               std::vector<u32>& frequent) {
+    for (std::size_t k = 0; k < n; ++k) {
+      if (counters.count[cand[k]] >= minCount_) frequent.push_back(cand[k]);
+      counters.count[cand[k]] = 0;
     }
-    counters.touched.clear();
-    std::sort(frequent.begin(), frequent.end());
   }
 
-  // Expands the node of the current pattern (depth items, `sets` sets, last
-  // item `last`): counts, then builds, emits and expands each frequent
-  // extension in turn.
-  void expand(const Node& node, int sets, u32 last, const u32* sCand,
-              std::size_t nS, bool sAll, const u32* iCand, std::size_t nI) {
+  // Expands the node of the current pattern (depth items, `sets` sets):
+  // counts, then builds, emits and expands each frequent extension in turn.
+  // The candidates joining the last set (iCand) are above its last item.
+  void expand(const Node& node, int sets, const u32* sCand, std::size_t nS,
+              const u32* iCand, std::size_t nI) {
     const std::size_t depth = pattern_.size();
     if (static_cast<int>(depth) >= maxItems_) return;
     Level& level = levels_[depth];
     level.sFrequent.clear();
     level.iFrequent.clear();
-    count(node, sets, last, sCand, nS, sAll, iCand, nI, level);
-    collect(s_, level.sFrequent);
-    collect(i_, level.iFrequent);
-    buildItemChildren(node, sets, last, level);
+    count(node, sets, sCand, nS, iCand, nI, level);
+    collect(s_, sCand, nS, level.sFrequent);
+    collect(i_, iCand, nI, level.iFrequent);
+    buildItemChildren(node, sets, level);
     buildSequenceChildren(node, level);
     for (std::size_t k = 0; k < level.iFrequent.size(); ++k) {
       const u32 x = level.iFrequent[k];
       const Node& child = level.iChildren[k];
       push(x, false);
       emit(child, sets);
-      expand(child, sets, x, level.sFrequent.data(), level.sFrequent.size(),
-             false, level.iFrequent.data() + k + 1,
-             level.iFrequent.size() - k - 1);
+      expand(child, sets, level.sFrequent.data(), level.sFrequent.size(),
+             level.iFrequent.data() + k + 1, level.iFrequent.size() - k - 1);
       pop();
     }
     for (std::size_t k = 0; k < level.sFrequent.size(); ++k) {
@@ -453,7 +465,7 @@ class Worker {
       emit(child, sets + 1);
       const std::vector<u32>& next =
           followers_ != nullptr ? (*followers_)[x] : level.sFrequent;
-      expand(child, sets + 1, x, next.data(), next.size(), false,
+      expand(child, sets + 1, next.data(), next.size(),
              level.sFrequent.data() + k + 1, level.sFrequent.size() - k - 1);
       pop();
     }
@@ -567,32 +579,25 @@ class Worker {
     front_.push_back(s);
   }
 
-  // The items above `last` joining the last set: from the set's own
+  // The frequent items joining the last set: from the set's own
   // transaction with window 0, else from the transactions of its range.
-  void buildItemChildren(const Node& node, int sets, u32 last, Level& level) {
-    const u32* items = db_.items.data();
-    const u32* ts = db_.transactionStart.data();
+  void buildItemChildren(const Node& node, int sets, Level& level) {
+    if (level.iFrequent.empty()) return;
+    const Candidates joining{level.iFrequent.front(), level.iFrequent.back()};
     buildChildren(node, level.iFrequent, level.iChildren, false, [&](u32 e) {
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
         const State& s = node.states[k];
         if (time_.window == 0) {
-          const u32* b = items + ts[s.l + 1];
-          for (const u32* a = firstAbove(items + ts[s.l], b, last); a < b;
-               ++a) {
-            offer(*a, s);
-          }
+          forEachJoining(s.l, joining, [&](u32 x) { offer(x, s); });
           continue;
         }
         const Range r = level.iRange[k];
         for (u32 tr = r.begin; tr < r.end; ++tr) {
-          const u32* b = items + ts[tr + 1];
-          for (const u32* a = firstAbove(items + ts[tr], b, last); a < b; ++a) {
-            State n = s;
-            n.l = std::min(s.l, tr);
-            n.u = std::max(s.u, tr);
-            if (sets == 1) n.first = n.l;
-            offer(*a, n);
-          }
+          State n = s;
+          n.l = std::min(s.l, tr);
+          n.u = std::max(s.u, tr);
+          if (sets == 1) n.first = n.l;
+          forEachJoining(tr, joining, [&](u32 x) { offer(x, n); });
         }
       }
     });
