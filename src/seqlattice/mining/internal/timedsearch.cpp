@@ -21,6 +21,9 @@ namespace {
 
 using u32 = std::uint32_t;
 constexpr u32 kNoSet = UINT32_MAX;
+// Items read in a scan that cost about as much as one customer's lookup in
+// a join (measured on public databases).
+constexpr std::size_t kJoinCost = 3;
 
 // The database as the search reads it: the frequent items, renumbered in
 // ascending order of their values, the transactions that keep some of them
@@ -31,7 +34,10 @@ struct TimedDatabase {
   std::vector<u32> customerId;
   std::vector<int> itemValue;
   std::vector<std::vector<u32>> occurrences;  // per item: transactions
-  std::vector<u32> customerOf;                // per transaction
+  // Per item the customers holding it, ascending, and where each one's
+  // transactions begin in occurrences (one more entry: the end).
+  std::vector<std::vector<u32>> holders, holderStart;
+  std::vector<u32> customerOf;  // per transaction
   // Per customer its distinct items by last occurrence, latest first, in
   // lastStart[c] .. lastStart[c + 1]: the items from transaction f on are
   // the prefix with lastTransaction >= f.
@@ -68,6 +74,8 @@ TimedDatabase buildTimedDatabase(const SequenceDatabase& db, long minCount) {
     work.itemValue.push_back(values[v]);
   }
   work.occurrences.resize(work.itemValue.size());
+  work.holders.resize(work.itemValue.size());
+  work.holderStart.resize(work.itemValue.size());
   std::vector<u32> lastSeen(work.itemValue.size(), kNoSet);
   for (std::size_t c = 0; c < db.customerCount(); ++c) {
     const std::size_t before = work.time.size();
@@ -78,6 +86,12 @@ TimedDatabase buildTimedDatabase(const SequenceDatabase& db, long minCount) {
         u32 x = dense[codeOf(*p)];
         if (x == kNoSet) continue;
         work.items.push_back(x);
+        const u32 customer = static_cast<u32>(work.customerStart.size() - 1);
+        if (work.holders[x].empty() || work.holders[x].back() != customer) {
+          work.holders[x].push_back(customer);
+          work.holderStart[x].push_back(
+              static_cast<u32>(work.occurrences[x].size()));
+        }
         work.occurrences[x].push_back(index);
       }
       if (work.items.size() == first) continue;
@@ -102,6 +116,9 @@ TimedDatabase buildTimedDatabase(const SequenceDatabase& db, long minCount) {
     }
     work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
   }
+  for (std::size_t x = 0; x < work.itemValue.size(); ++x) {
+    work.holderStart[x].push_back(static_cast<u32>(work.occurrences[x].size()));
+  }
   return work;
 }
 
@@ -125,6 +142,17 @@ struct Node {
   u32 size() const { return static_cast<u32>(cust.size()); }
 };
 
+// The first of the ascending [a, b) at least x, galloping from a: the
+// customers sought come in ascending order, mostly a few steps apart.
+const u32* firstAtLeast(const u32* a, const u32* b, u32 x) {
+  std::size_t step = 1;
+  while (step < static_cast<std::size_t>(b - a) && a[step - 1] < x) {
+    a += step;
+    step *= 2;
+  }
+  return std::lower_bound(a, std::min(a + step, b), x);
+}
+
 // The first item above x in the ascending items [a, b): transactions are
 // mostly short, where a plain walk beats a binary search.
 const u32* firstAbove(const u32* a, const u32* b, u32 x) {
@@ -133,9 +161,23 @@ const u32* firstAbove(const u32* a, const u32* b, u32 x) {
   return a;
 }
 
+// Sorts [begin, end) by less; the lists sorted here mostly come in order
+// already (the states are kept in order of their last set), where one
+// reading is all it takes.
+template <class It, class Less>
+void sortIfNeeded(It begin, It end, const Less& less) {
+  if (!std::is_sorted(begin, end, less)) std::sort(begin, end, less);
+}
+
 // A range of transaction indexes [begin, end).
 struct Range {
   u32 begin, end;
+};
+
+// The least and the greatest of ascending candidate items: a transaction's
+// items, ascending too, are read only between them (none when low > high).
+struct Candidates {
+  u32 low, high;
 };
 
 class Worker {
@@ -177,9 +219,8 @@ class Worker {
     pattern_.assign(1, x);
     newSet_.assign(1, 1);
     Level& level = levels_[1];
-    count(root_, 1, x, all_.data(), db_.itemCount(), true, nullptr, 0, level);
     level.sFrequent.clear();
-    collect(s_, level.sFrequent);
+    count(root_, 1, all_.data(), db_.itemCount(), nullptr, 0, level);
     return level.sFrequent;
   }
 
@@ -190,21 +231,20 @@ class Worker {
     newSet_.assign(1, 1);
     emit(root_, 1);
     const u32 f = db_.itemCount();
-    expand(root_, 1, x, all_.data(), f, true, all_.data() + x + 1, f - x - 1);
+    expand(root_, 1, all_.data(), f, all_.data() + x + 1, f - x - 1);
   }
 
  private:
+  // Per item whether it is a candidate and how many customers gave it; the
+  // counts are read back through the candidates, so counting stores
+  // nothing else.
   struct Counters {
-    std::vector<u32> flag, count, touched;
+    std::vector<u32> flag, count;
     std::vector<std::uint64_t> stamp;
     void hit(u32 x, std::uint64_t now) {
       if (stamp[x] == now) return;
       stamp[x] = now;
-      add(x);
-    }
-    // Counts x for a customer that cannot give it again.
-    void add(u32 x) {
-      if (count[x]++ == 0) touched.push_back(x);
+      ++count[x];
     }
   };
   struct Level {
@@ -218,6 +258,11 @@ class Worker {
     // set may begin, per customer in the node's order (open-ended search).
     std::vector<Range> sRange, iRange;
     std::vector<u32> ready;
+    // Per entry e of the node, joining[joiningStart[e] ..
+    // joiningStart[e + 1]): where another item of its last set may come
+    // from, merged.
+    std::vector<Range> joining;
+    std::vector<u32> joiningStart;
   };
 
   double t(u32 transaction) const { return db_.time[transaction]; }
@@ -309,8 +354,9 @@ class Worker {
     for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
       if (of[k].begin < of[k].end) ranges_.push_back(of[k]);
     }
-    std::sort(ranges_.begin(), ranges_.end(),
-              [](const Range& a, const Range& b) { return a.begin < b.begin; });
+    sortIfNeeded(
+        ranges_.begin(), ranges_.end(),
+        [](const Range& a, const Range& b) { return a.begin < b.begin; });
     std::size_t n = 0;
     for (const Range& r : ranges_) {
       if (n > 0 && r.begin <= ranges_[n - 1].end) {
@@ -341,109 +387,220 @@ class Worker {
       }
       if (sequence && openEnded_ && node.start[e + 1] - node.start[e] > 1) {
         const std::vector<Range>& r = level.sRange;
-        std::sort(level.ready.begin() + node.start[e],
-                  level.ready.begin() + node.start[e + 1],
-                  [&r](u32 a, u32 b) { return r[a].begin < r[b].begin; });
+        sortIfNeeded(level.ready.begin() + node.start[e],
+                     level.ready.begin() + node.start[e + 1],
+                     [&r](u32 a, u32 b) { return r[a].begin < r[b].begin; });
       }
     }
   }
 
-  // Counts, per customer once, the candidates that extend the node's pattern
-  // (`sets` item sets, last item `last`) as a new set (sCand, all items when
-  // sAll) and into its last set (iCand); leaves the ranges in level.
-  void count(const Node& node, int sets, u32 last, const u32* sCand,
-             std::size_t nS, bool sAll, const u32* iCand, std::size_t nI,
-             Level& level) {
+  // Finds, counting per customer once, the frequent candidates that extend
+  // the node's pattern (`sets` item sets) as a new set (sCand) and into its
+  // last set (iCand), both ascending, into level's sFrequent and iFrequent;
+  // leaves the ranges in level.
+  void count(const Node& node, int sets, const u32* sCand, std::size_t nS,
+             const u32* iCand, std::size_t nI, Level& level) {
     prepareRanges(node, sets, nS > 0, nI > 0 && time_.window > 0, level);
-    if (!sAll) {
-      for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
+    // Few candidates against many items to read: each candidate is looked
+    // up in the customers holding it instead.
+    if (nS > 0 && openEnded_ &&
+        itemsListed(node) > kJoinCost * nS * node.size()) {
+      for (std::size_t k = 0; k < nS; ++k) {
+        const bool frequent = holdsFrequently(
+            node, sCand[k], [&](u32 e, const u32*, const u32* tEnd) {
+              return tEnd[-1] >= level.sRange[level.ready[node.start[e]]].begin;
+            });
+        if (frequent) level.sFrequent.push_back(sCand[k]);
+      }
+      nS = 0;
     }
+    if (nI > 0 &&
+        mergeJoiningRanges(node, level) > kJoinCost * nI * node.size()) {
+      for (std::size_t k = 0; k < nI; ++k) {
+        const bool frequent = holdsFrequently(
+            node, iCand[k], [&](u32 e, const u32* t, const u32* tEnd) {
+              return intersects(
+                  t, tEnd, level.joining.data() + level.joiningStart[e],
+                  level.joining.data() + level.joiningStart[e + 1]);
+            });
+        if (frequent) level.iFrequent.push_back(iCand[k]);
+      }
+      nI = 0;
+    }
+    for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
     for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 1;
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
+    const u32* lt = db_.lastTransaction.data();
+    const u32* li = db_.lastItem.data();
+    // Locals, so that the stores into the counts need no reloads.
+    u32* counts = s_.count.data();
+    const u32* flags = s_.flag.data();
+    const Candidates joining =
+        nI > 0 ? Candidates{iCand[0], iCand[nI - 1]} : Candidates{1, 0};
     for (u32 e = 0; e < node.size(); ++e) {
       const u32 c = node.cust[e];
       ++now_;
       if (nS > 0 && openEnded_) {
         // Every range runs to the customer's end: the items from the
-        // earliest start on are a prefix of the last-occurrence list.
+        // earliest start on are a prefix of the last-occurrence list, which
+        // holds each of the customer's items once.
         const u32 from = level.sRange[level.ready[node.start[e]]].begin;
-        const u32* lt = db_.lastTransaction.data();
-        const u32* li = db_.lastItem.data();
         for (u32 k = db_.lastStart[c], end = db_.lastStart[c + 1];
              k < end && lt[k] >= from; ++k) {
-          // The list holds each of the customer's items once.
-          if (sAll || s_.flag[li[k]]) s_.add(li[k]);
+          counts[li[k]] += flags[li[k]];
         }
       } else if (nS > 0) {
         mergedRanges(node, e, level.sRange);
         for (const Range& r : ranges_) {
           for (u32 k = ts[r.begin]; k < ts[r.end]; ++k) {
-            if (sAll || s_.flag[items[k]]) s_.hit(items[k], now_);
+            if (flags[items[k]]) s_.hit(items[k], now_);
           }
         }
       }
       if (nI == 0) continue;
+      for (u32 k = level.joiningStart[e]; k < level.joiningStart[e + 1]; ++k) {
+        scanJoining(level.joining[k].begin, level.joining[k].end, joining);
+      }
+    }
+    for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 0;
+    for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 0;
+    collect(s_, sCand, nS, level.sFrequent);
+    collect(i_, iCand, nI, level.iFrequent);
+  }
+
+  // Fills level.joining with, per entry of node, the ranges where another
+  // item of the last set may come from, merged and ascending (the set's own
+  // transactions with window 0); returns how many items they hold.
+  std::size_t mergeJoiningRanges(const Node& node, Level& level) {
+    const u32* ts = db_.transactionStart.data();
+    level.joining.clear();
+    level.joiningStart.assign(1, 0);
+    std::size_t items = 0;
+    for (u32 e = 0; e < node.size(); ++e) {
       if (time_.window == 0) {
+        // The states come in order of their transaction.
         for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
-          scanAbove(node.states[k].l, node.states[k].l + 1, last);
+          const u32 l = node.states[k].l;
+          if (level.joining.size() == level.joiningStart.back() ||
+              level.joining.back().begin != l) {
+            level.joining.push_back(Range{l, l + 1});
+          }
         }
       } else {
         mergedRanges(node, e, level.iRange);
-        for (const Range& r : ranges_) scanAbove(r.begin, r.end, last);
+        level.joining.insert(level.joining.end(), ranges_.begin(),
+                             ranges_.end());
       }
+      for (u32 k = level.joiningStart.back(); k < level.joining.size(); ++k) {
+        items += ts[level.joining[k].end] - ts[level.joining[k].begin];
+      }
+      level.joiningStart.push_back(static_cast<u32>(level.joining.size()));
     }
-    if (!sAll) {
-      for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 0;
-    }
-    for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 0;
+    return items;
   }
 
-  void scanAbove(u32 from, u32 to, u32 last) {
+  // How many distinct items the lists of node's customers hold.
+  std::size_t itemsListed(const Node& node) const {
+    std::size_t listed = 0;
+    for (u32 e = 0; e < node.size(); ++e) {
+      listed += db_.lastStart[node.cust[e] + 1] - db_.lastStart[node.cust[e]];
+    }
+    return listed;
+  }
+
+  // Whether some of the ascending transactions [t, tEnd) lie in one of the
+  // ascending ranges [r, rEnd).
+  static bool intersects(const u32* t, const u32* tEnd, const Range* r,
+                         const Range* rEnd) {
+    while (t < tEnd && r < rEnd) {
+      if (*t < r->begin) {
+        ++t;
+      } else if (*t >= r->end) {
+        ++r;
+      } else {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  // Whether at least minCount entries e of node hold item x where
+  // extends(e, t, tEnd) says so, [t, tEnd) being the customer's
+  // transactions holding x; walks along the customers holding x and stops
+  // as soon as the answer is known.
+  template <class Extends>
+  bool holdsFrequently(const Node& node, u32 x, const Extends& extends) const {
+    const u32* holder = db_.holders[x].data();
+    const u32* holderEnd = holder + db_.holders[x].size();
+    const u32* start = db_.holderStart[x].data();
+    const u32* occurrences = db_.occurrences[x].data();
+    u32 support = 0;
+    for (u32 e = 0; e < node.size() && support < minCount_; ++e) {
+      const std::size_t left =
+          std::min<std::size_t>(node.size() - e, holderEnd - holder);
+      if (support + left < minCount_) return false;
+      holder = firstAtLeast(holder, holderEnd, node.cust[e]);
+      if (holder == holderEnd || *holder != node.cust[e]) continue;
+      const u32 h = static_cast<u32>(holder - db_.holders[x].data());
+      if (extends(e, occurrences + start[h], occurrences + start[h + 1])) {
+        ++support;
+      }
+      ++holder;
+    }
+    return support >= minCount_;
+  }
+
+  // Counts the candidates joining the last set in transactions [from, to).
+  void scanJoining(u32 from, u32 to, Candidates joining) {
+    for (u32 tr = from; tr < to; ++tr) {
+      forEachJoining(tr, joining, [this](u32 x) {
+        if (i_.flag[x]) i_.hit(x, now_);
+      });
+    }
+  }
+
+  // Calls each(x) for the items x of transaction tr within joining.
+  template <class Each>
+  void forEachJoining(u32 tr, Candidates joining, const Each& each) const {
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    for (u32 tr = from; tr < to; ++tr) {
-      const u32* b = items + ts[tr + 1];
-      const u32* a = firstAbove(items + ts[tr], b, last);
-      for (; a < b; ++a) {
-        if (i_.flag[*a]) i_.hit(*a, now_);
-      }
+    const u32* b = items + ts[tr + 1];
+    for (const u32* a = firstAbove(items + ts[tr], b, joining.low - 1);
+         a < b && *a <= joining.high; ++a) {
+      each(*a);
     }
   }
 
-  // The frequent counted items, ascending; resets the counters.
-  void collect(Counters& counters, std::vector<u32>& frequent) {
-    for (u32 x : counters.touched) {
-      if (counters.count[x] >= minCount_) frequent.push_back(x);
-      counters.count[x] = 0;
+  // The frequent candidates, ascending; resets their counts.
+  void collect(Counters& counters, const u32* cand, std::size_t n,
+               std::vector<u32>& frequent) {
+    for (std::size_t k = 0; k < n; ++k) {
+      if (counters.count[cand[k]] >= minCount_) frequent.push_back(cand[k]);
+      counters.count[cand[k]] = 0;
     }
-    counters.touched.clear();
-    std::sort(frequent.begin(), frequent.end());
   }
 
-  // Expands the node of the current pattern (depth items, `sets` sets, last
-  // item `last`): counts, then builds, emits and expands each frequent
-  // extension in turn.
-  void expand(const Node& node, int sets, u32 last, const u32* sCand,
-              std::size_t nS, bool sAll, const u32* iCand, std::size_t nI) {
+  // Expands the node of the current pattern (depth items, `sets` sets):
+  // counts, then builds, emits and expands each frequent extension in turn.
+  // The candidates joining the last set (iCand) are above its last item.
+  void expand(const Node& node, int sets, const u32* sCand, std::size_t nS,
+              const u32* iCand, std::size_t nI) {
     const std::size_t depth = pattern_.size();
     if (static_cast<int>(depth) >= maxItems_) return;
     Level& level = levels_[depth];
     level.sFrequent.clear();
     level.iFrequent.clear();
-    count(node, sets, last, sCand, nS, sAll, iCand, nI, level);
-    collect(s_, level.sFrequent);
-    collect(i_, level.iFrequent);
-    buildItemChildren(node, sets, last, level);
+    count(node, sets, sCand, nS, iCand, nI, level);
+    buildItemChildren(node, sets, level);
     buildSequenceChildren(node, level);
     for (std::size_t k = 0; k < level.iFrequent.size(); ++k) {
       const u32 x = level.iFrequent[k];
       const Node& child = level.iChildren[k];
       push(x, false);
       emit(child, sets);
-      expand(child, sets, x, level.sFrequent.data(), level.sFrequent.size(),
-             false, level.iFrequent.data() + k + 1,
-             level.iFrequent.size() - k - 1);
+      expand(child, sets, level.sFrequent.data(), level.sFrequent.size(),
+             level.iFrequent.data() + k + 1, level.iFrequent.size() - k - 1);
       pop();
     }
     for (std::size_t k = 0; k < level.sFrequent.size(); ++k) {
@@ -453,7 +610,7 @@ class Worker {
       emit(child, sets + 1);
       const std::vector<u32>& next =
           followers_ != nullptr ? (*followers_)[x] : level.sFrequent;
-      expand(child, sets + 1, x, next.data(), next.size(), false,
+      expand(child, sets + 1, next.data(), next.size(),
              level.sFrequent.data() + k + 1, level.sFrequent.size() - k - 1);
       pop();
     }
@@ -567,32 +724,25 @@ class Worker {
     front_.push_back(s);
   }
 
-  // The items above `last` joining the last set: from the set's own
+  // The frequent items joining the last set: from the set's own
   // transaction with window 0, else from the transactions of its range.
-  void buildItemChildren(const Node& node, int sets, u32 last, Level& level) {
-    const u32* items = db_.items.data();
-    const u32* ts = db_.transactionStart.data();
+  void buildItemChildren(const Node& node, int sets, Level& level) {
+    if (level.iFrequent.empty()) return;
+    const Candidates joining{level.iFrequent.front(), level.iFrequent.back()};
     buildChildren(node, level.iFrequent, level.iChildren, false, [&](u32 e) {
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
         const State& s = node.states[k];
         if (time_.window == 0) {
-          const u32* b = items + ts[s.l + 1];
-          for (const u32* a = firstAbove(items + ts[s.l], b, last); a < b;
-               ++a) {
-            offer(*a, s);
-          }
+          forEachJoining(s.l, joining, [&](u32 x) { offer(x, s); });
           continue;
         }
         const Range r = level.iRange[k];
         for (u32 tr = r.begin; tr < r.end; ++tr) {
-          const u32* b = items + ts[tr + 1];
-          for (const u32* a = firstAbove(items + ts[tr], b, last); a < b; ++a) {
-            State n = s;
-            n.l = std::min(s.l, tr);
-            n.u = std::max(s.u, tr);
-            if (sets == 1) n.first = n.l;
-            offer(*a, n);
-          }
+          State n = s;
+          n.l = std::min(s.l, tr);
+          n.u = std::max(s.u, tr);
+          if (sets == 1) n.first = n.l;
+          forEachJoining(tr, joining, [&](u32 x) { offer(x, n); });
         }
       }
     });
@@ -620,13 +770,14 @@ class Worker {
   // Appends to states those of fresh that no other beats, in order of
   // (l, u).
   void appendUnbeaten(std::vector<State>& fresh, std::vector<State>& states) {
-    std::sort(fresh.begin(), fresh.end(), [](const State& a, const State& b) {
-      if (a.l != b.l) return a.l < b.l;
-      if (a.u != b.u) return a.u < b.u;
-      if (a.lPrev != b.lPrev) return a.lPrev > b.lPrev;
-      if (a.first != b.first) return a.first > b.first;
-      return a.uPrev < b.uPrev;
-    });
+    sortIfNeeded(fresh.begin(), fresh.end(),
+                 [](const State& a, const State& b) {
+                   if (a.l != b.l) return a.l < b.l;
+                   if (a.u != b.u) return a.u < b.u;
+                   if (a.lPrev != b.lPrev) return a.lPrev > b.lPrev;
+                   if (a.first != b.first) return a.first > b.first;
+                   return a.uPrev < b.uPrev;
+                 });
     std::size_t sameEnds = states.size();
     for (const State& s : fresh) {
       if (sameEnds < states.size() &&

@@ -13,6 +13,10 @@
 // A node's frequent extensions are counted first, per customer once; then
 // all its children are built in one pass over its occurrences, each new
 // occurrence handed to the child of its item, before any child is expanded.
+// The counting reads each customer's items where a new set or another item
+// of the last set may come from, or, where few candidates meet many such
+// items, looks each candidate up in the customers holding it and stops as
+// soon as it is known to be frequent or not.
 //
 // Extending a pattern only at its end never makes it more frequent under the
 // constraints, so pruning by support stays exact. The candidates of a node's
