@@ -47,6 +47,29 @@ void forEachSubset(const std::vector<int>& context, std::size_t keep,
   } while (std::prev_permutation(chosen.begin(), chosen.end()));
 }
 
+// Calls visit(holders) for every way of keeping `keep` of n context items
+// that some customer holds, in the order forEachSubset gives them, with the
+// customers holding the kept items. narrow(i, from, to) sets *to to the
+// customers of `from` (all customers when null) that hold item i. Subsets
+// sharing their first items share the intersections of those items, and a
+// prefix no customer holds is not extended.
+template <typename Narrow, typename Visit>
+void forEachHeldSubset(std::size_t n, std::size_t keep, Narrow narrow,
+                       Visit visit) {
+  std::vector<std::vector<SequenceIndex::Holder>> levels(keep + 1);
+  auto descend = [&](auto& self, std::size_t start, std::size_t depth) -> void {
+    if (depth == keep) {
+      visit(levels[depth]);
+      return;
+    }
+    for (std::size_t i = start; i + (keep - depth) <= n; ++i) {
+      narrow(i, depth == 0 ? nullptr : &levels[depth], &levels[depth + 1]);
+      if (!levels[depth + 1].empty()) self(self, i + 1, depth + 1);
+    }
+  };
+  descend(descend, 0, 0);
+}
+
 }  // namespace
 
 SequenceIndex::SequenceIndex(const mining::SequenceDatabase& db) {
@@ -226,10 +249,31 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
   }
 }
 
+void SequenceIndex::subContextFollowers(const std::vector<int>& subContext,
+                                        double decay, Scratch* scratch,
+                                        std::vector<Holder>* holders,
+                                        std::vector<int>* touched,
+                                        FollowerMemo::Entry* entry) const {
+  holdersOf(subContext, holders);
+  entry->holders = static_cast<long>(holders->size());
+  entry->followers.clear();
+  if (holders->empty()) return;
+  touched->clear();
+  addFollowers(*holders, decay, scratch, touched);
+  entry->followers.reserve(touched->size());
+  for (int d : *touched) {
+    const std::size_t at = static_cast<std::size_t>(d);
+    entry->followers.emplace_back(static_cast<std::uint32_t>(d),
+                                  scratch->subsetWeights[at]);
+    scratch->subsetWeights[at] = 0;
+  }
+  touched->clear();
+}
+
 FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
                                           int minCustomers, int maxDropped,
-                                          double decay,
-                                          double smoothing) const {
+                                          double decay, double smoothing,
+                                          FollowerMemo* memo) const {
   FollowerCounts result;
   result.context = knownItems(context);
   const std::vector<int>& known = result.context;
@@ -237,7 +281,6 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
 
   Scratch& scratch = Scratch::forItems(distinctItems_.size());
   std::vector<double>& weights = scratch.weights;
-  std::vector<double>& subsetWeights = scratch.subsetWeights;
   std::vector<int> touched;
   std::vector<int> subsetTouched;
   // Leaves the thread's arrays zero, also when an allocation fails.
@@ -253,28 +296,34 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
     }
   } clean{scratch, touched, subsetTouched};
   std::vector<Holder> holders;
+  FollowerMemo::Entry walked;
   for (int dropped = 0;
        dropped <= maxDropped && dropped < static_cast<int>(known.size());
        ++dropped) {
-    forEachSubset(known, known.size() - static_cast<std::size_t>(dropped),
-                  [&](const std::vector<int>& subset) {
-                    holdersOf(subset, &holders);
-                    if (holders.empty()) return;
-                    ++result.contexts;
-                    result.contextCustomers +=
-                        static_cast<long>(holders.size());
-                    subsetTouched.clear();
-                    addFollowers(holders, decay, &scratch, &subsetTouched);
-                    const double share =
-                        1.0 / (static_cast<double>(holders.size()) + smoothing);
-                    for (int d : subsetTouched) {
-                      const std::size_t at = static_cast<std::size_t>(d);
-                      if (weights[at] == 0) touched.push_back(d);
-                      weights[at] += subsetWeights[at] * share;
-                      subsetWeights[at] = 0;
-                    }
-                    subsetTouched.clear();
-                  });
+    forEachSubset(
+        known, known.size() - static_cast<std::size_t>(dropped),
+        [&](const std::vector<int>& subset) {
+          const FollowerMemo::Entry* entry =
+              memo != nullptr ? memo->find(this, decay, subset) : nullptr;
+          if (entry == nullptr) {
+            subContextFollowers(subset, decay, &scratch, &holders,
+                                &subsetTouched, &walked);
+            entry = &walked;
+          }
+          if (entry->holders > 0) {
+            ++result.contexts;
+            result.contextCustomers += entry->holders;
+            const double share =
+                1.0 / (static_cast<double>(entry->holders) + smoothing);
+            for (const auto& [d, w] : entry->followers) {
+              if (weights[d] == 0) touched.push_back(static_cast<int>(d));
+              weights[d] += w * share;
+            }
+          }
+          if (entry == &walked && memo != nullptr) {
+            memo->remember(this, decay, subset, std::move(walked));
+          }
+        });
     result.dropped = dropped;
     if (result.contextCustomers >= minCustomers) break;
   }
@@ -306,38 +355,56 @@ FollowerCounts SequenceIndex::similarCounts(const std::vector<int>& context,
   std::vector<int> touched;
   std::vector<bool> counted(customerCount(), false);
   std::vector<std::uint32_t> countedList;
-  std::vector<Holder> holders;
+  std::vector<std::size_t> dense;  // of the known items
+  for (int item : known) {
+    dense.push_back(static_cast<std::size_t>(
+        std::lower_bound(distinctItems_.begin(), distinctItems_.end(), item) -
+        distinctItems_.begin()));
+  }
+  auto narrow = [&](std::size_t i, const std::vector<Holder>* from,
+                    std::vector<Holder>* to) {
+    const std::uint32_t begin = postingStart_[dense[i]];
+    const std::uint32_t end = postingStart_[dense[i] + 1];
+    to->clear();
+    if (from == nullptr) {
+      for (std::uint32_t k = begin; k < end; ++k) {
+        to->push_back({postings_[k], firstSets_[k] + 1});
+      }
+      return;
+    }
+    *to = *from;
+    keepHolders(to, postings_.data() + begin, postings_.data() + end,
+                firstSets_.data() + begin);
+  };
   for (int round = std::min(std::max(0, firstRound), n - 1);
        round < n && touched.empty(); ++round) {
     for (std::uint32_t c : countedList) counted[c] = false;
     countedList.clear();
     result.contexts = 0;
     for (int keep = n; keep >= n - round; --keep) {
-      forEachSubset(known, static_cast<std::size_t>(keep),
-                    [&](const std::vector<int>& subset) {
-                      holdersOf(subset, &holders);
-                      if (holders.empty()) return;
-                      ++result.contexts;
-                      const double share = static_cast<double>(keep) / n /
-                                           static_cast<double>(holders.size());
-                      for (const Holder& holder : holders) {
-                        const std::uint32_t c = holder.customer;
-                        if (counted[c]) continue;
-                        const std::uint32_t from = holder.after;
-                        const std::uint32_t end = customerStart_[c + 1];
-                        if (from >= end) continue;
-                        counted[c] = true;
-                        countedList.push_back(c);
-                        for (std::uint32_t i = setStart_[from];
-                             i < setStart_[end]; ++i) {
-                          const std::size_t d = dense_[i];
-                          if (weights[d] == 0) {
-                            touched.push_back(static_cast<int>(d));
-                          }
-                          weights[d] += share;
-                        }
-                      }
-                    });
+      forEachHeldSubset(
+          known.size(), static_cast<std::size_t>(keep), narrow,
+          [&](const std::vector<Holder>& holders) {
+            ++result.contexts;
+            const double share = static_cast<double>(keep) / n /
+                                 static_cast<double>(holders.size());
+            for (const Holder& holder : holders) {
+              const std::uint32_t c = holder.customer;
+              if (counted[c]) continue;
+              const std::uint32_t from = holder.after;
+              const std::uint32_t end = customerStart_[c + 1];
+              if (from >= end) continue;
+              counted[c] = true;
+              countedList.push_back(c);
+              for (std::uint32_t i = setStart_[from]; i < setStart_[end]; ++i) {
+                const std::size_t d = dense_[i];
+                if (weights[d] == 0) {
+                  touched.push_back(static_cast<int>(d));
+                }
+                weights[d] += share;
+              }
+            }
+          });
     }
     result.dropped = round;
     result.contextCustomers = static_cast<long>(countedList.size());
