@@ -47,29 +47,6 @@ void forEachSubset(const std::vector<int>& context, std::size_t keep,
   } while (std::prev_permutation(chosen.begin(), chosen.end()));
 }
 
-// Calls visit(holders) for every way of keeping `keep` of n context items
-// that some customer holds, in the order forEachSubset gives them, with the
-// customers holding the kept items. narrow(i, from, to) sets *to to the
-// customers of `from` (all customers when null) that hold item i. Subsets
-// sharing their first items share the intersections of those items, and a
-// prefix no customer holds is not extended.
-template <typename Narrow, typename Visit>
-void forEachHeldSubset(std::size_t n, std::size_t keep, Narrow narrow,
-                       Visit visit) {
-  std::vector<std::vector<SequenceIndex::Holder>> levels(keep + 1);
-  auto descend = [&](auto& self, std::size_t start, std::size_t depth) -> void {
-    if (depth == keep) {
-      visit(levels[depth]);
-      return;
-    }
-    for (std::size_t i = start; i + (keep - depth) <= n; ++i) {
-      narrow(i, depth == 0 ? nullptr : &levels[depth], &levels[depth + 1]);
-      if (!levels[depth + 1].empty()) self(self, i + 1, depth + 1);
-    }
-  };
-  descend(descend, 0, 0);
-}
-
 }  // namespace
 
 SequenceIndex::SequenceIndex(const mining::SequenceDatabase& db) {
@@ -355,56 +332,38 @@ FollowerCounts SequenceIndex::similarCounts(const std::vector<int>& context,
   std::vector<int> touched;
   std::vector<bool> counted(customerCount(), false);
   std::vector<std::uint32_t> countedList;
-  std::vector<std::size_t> dense;  // of the known items
-  for (int item : known) {
-    dense.push_back(static_cast<std::size_t>(
-        std::lower_bound(distinctItems_.begin(), distinctItems_.end(), item) -
-        distinctItems_.begin()));
-  }
-  auto narrow = [&](std::size_t i, const std::vector<Holder>* from,
-                    std::vector<Holder>* to) {
-    const std::uint32_t begin = postingStart_[dense[i]];
-    const std::uint32_t end = postingStart_[dense[i] + 1];
-    to->clear();
-    if (from == nullptr) {
-      for (std::uint32_t k = begin; k < end; ++k) {
-        to->push_back({postings_[k], firstSets_[k] + 1});
-      }
-      return;
-    }
-    *to = *from;
-    keepHolders(to, postings_.data() + begin, postings_.data() + end,
-                firstSets_.data() + begin);
-  };
+  std::vector<Holder> holders;
   for (int round = std::min(std::max(0, firstRound), n - 1);
        round < n && touched.empty(); ++round) {
     for (std::uint32_t c : countedList) counted[c] = false;
     countedList.clear();
     result.contexts = 0;
     for (int keep = n; keep >= n - round; --keep) {
-      forEachHeldSubset(
-          known.size(), static_cast<std::size_t>(keep), narrow,
-          [&](const std::vector<Holder>& holders) {
-            ++result.contexts;
-            const double share = static_cast<double>(keep) / n /
-                                 static_cast<double>(holders.size());
-            for (const Holder& holder : holders) {
-              const std::uint32_t c = holder.customer;
-              if (counted[c]) continue;
-              const std::uint32_t from = holder.after;
-              const std::uint32_t end = customerStart_[c + 1];
-              if (from >= end) continue;
-              counted[c] = true;
-              countedList.push_back(c);
-              for (std::uint32_t i = setStart_[from]; i < setStart_[end]; ++i) {
-                const std::size_t d = dense_[i];
-                if (weights[d] == 0) {
-                  touched.push_back(static_cast<int>(d));
-                }
-                weights[d] += share;
-              }
-            }
-          });
+      forEachSubset(known, static_cast<std::size_t>(keep),
+                    [&](const std::vector<int>& subset) {
+                      holdersOf(subset, &holders);
+                      if (holders.empty()) return;
+                      ++result.contexts;
+                      const double share = static_cast<double>(keep) / n /
+                                           static_cast<double>(holders.size());
+                      for (const Holder& holder : holders) {
+                        const std::uint32_t c = holder.customer;
+                        if (counted[c]) continue;
+                        const std::uint32_t from = holder.after;
+                        const std::uint32_t end = customerStart_[c + 1];
+                        if (from >= end) continue;
+                        counted[c] = true;
+                        countedList.push_back(c);
+                        for (std::uint32_t i = setStart_[from];
+                             i < setStart_[end]; ++i) {
+                          const std::size_t d = dense_[i];
+                          if (weights[d] == 0) {
+                            touched.push_back(static_cast<int>(d));
+                          }
+                          weights[d] += share;
+                        }
+                      }
+                    });
     }
     result.dropped = round;
     result.contextCustomers = static_cast<long>(countedList.size());
