@@ -7,7 +7,8 @@
 // items that come soon after them.
 //
 // The index owns its arrays and is immutable once built; reading it from
-// several threads is safe (each thread has its own scratch arrays).
+// several threads is safe (each thread has its own scratch arrays). A
+// FollowerMemo given to followersOf is the caller's: one per thread.
 #ifndef SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 #define SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 
