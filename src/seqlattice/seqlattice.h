@@ -43,6 +43,7 @@
 #include "seqlattice/mining/sequencedatabase.h"
 
 // recommendations
+#include "seqlattice/recommend/followermemo.h"
 #include "seqlattice/recommend/latticeindex.h"
 #include "seqlattice/recommend/recommender.h"
 #include "seqlattice/recommend/sequenceindex.h"

@@ -4,10 +4,10 @@
 #include <climits>
 #include <stdexcept>
 #include <string>
-#include <unordered_map>
 #include <utility>
 
 #include "seqlattice/pattern/ntsequence.h"
+#include "seqlattice/recommend/internal/itemtable.h"
 #include "seqlattice/rules/seqconsequentdescript.h"
 #include "seqlattice/sequence/timeditemset.h"
 #include "seqlattice/store/hashpairseq.h"
@@ -74,8 +74,16 @@ struct Candidate {
 
 }  // namespace
 
+struct Recommender::Scratch {
+  ItemTable<Candidate> candidates;
+  FollowerMemo followerMemo;
+};
+
 Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
-    : dict_(dict), index_(index), lattice_(dict) {
+    : dict_(dict),
+      index_(index),
+      lattice_(dict),
+      scratch_(std::make_unique<Scratch>()) {
   const SequenceCounter* level0 = dict.getLevel0Descriptor();
   n_ = level0 != nullptr ? level0->getCount() : 0;
   const HashtableSQPair* level1 = dict.getLevel(1);
@@ -105,6 +113,8 @@ Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
     }
   }
 }
+
+Recommender::~Recommender() = default;
 
 double Recommender::estimatedPrior() {
   if (estimatedPrior_ >= 0) return estimatedPrior_;
@@ -181,7 +191,8 @@ std::vector<Recommendation> Recommender::recommend(
   }
   const double prior =
       options.priorStrength < 0 ? estimatedPrior() : options.priorStrength;
-  std::unordered_map<int, Candidate> candidates;
+  ItemTable<Candidate>& candidates = scratch_->candidates;
+  candidates.newRound();
 
   const int length = history.Length();
   const double sequenceWeight =
@@ -238,7 +249,8 @@ std::vector<Recommendation> Recommender::recommend(
             ? index_->similarCounts(context, kSimilarFirstRound)
             : index_->followersOf(
                   context, options.minContextCustomers, options.maxDropped,
-                  options.decay < 0 ? automaticDecay_ : options.decay, prior);
+                  options.decay < 0 ? automaticDecay_ : options.decay, prior,
+                  &scratch_->followerMemo);
     for (const auto& [item, w] : followers.followers) {
       Candidate& c = candidates[item];
       c.sequences = w;

@@ -27,11 +27,15 @@
 // the caller's and must outlive it, unchanged). It finds the lattice's
 // evidence through a LatticeIndex, which turns each stored pattern it meets
 // into a node once per Recommender (the memory grows with the patterns
-// matched, at most with the dictionary's). Not thread-safe: the dictionary's
-// lookups rewrite its scratch key, and the nodes are added as they are met.
+// matched, at most with the dictionary's), and keeps its per-call tables
+// between calls (they grow with the items proposed, at most with the
+// model's items). Not thread-safe, one Recommender per thread: the
+// dictionary's lookups rewrite its scratch key, the nodes are added as they
+// are met, and every call rewrites the per-call tables.
 #ifndef SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 #define SEQLATTICE_RECOMMEND_RECOMMENDER_H_
 
+#include <memory>
 #include <vector>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
@@ -173,6 +177,7 @@ class Recommender {
   // index may be null (a model without one); dict must have its lattice
   // built. Reads the popularity of every item once.
   Recommender(SequenceDictionary& dict, const SequenceIndex* index);
+  ~Recommender();
 
   // The best options.top items for the history, best first. Throws
   // SeqExceptions::DictionaryFailure when the dictionary runs out of memory
@@ -196,6 +201,10 @@ class Recommender {
                                            const RecommendOptions& options);
   double popularity(int item) const;
 
+  // Per-call tables kept between calls, so that a call does not allocate
+  // them (recommender.cpp).
+  struct Scratch;
+
   SequenceDictionary& dict_;
   const SequenceIndex* index_;
   double n_ = 0;
@@ -204,6 +213,7 @@ class Recommender {
   double repeatRate_ = 1.0;
   LatticeIndex lattice_;
   std::vector<LatticeIndex::Match> matches_;  // scratch of one pass
+  std::unique_ptr<Scratch> scratch_;
   double estimatedPrior_ = -1;
   double automaticDecay_ = 0.0;
   double automaticEarlierWeight_ = kShortSequenceEarlierWeight;

@@ -226,10 +226,31 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
   }
 }
 
+void SequenceIndex::subContextFollowers(const std::vector<int>& subContext,
+                                        double decay, Scratch* scratch,
+                                        std::vector<Holder>* holders,
+                                        std::vector<int>* touched,
+                                        FollowerMemo::Entry* entry) const {
+  holdersOf(subContext, holders);
+  entry->holders = static_cast<long>(holders->size());
+  entry->followers.clear();
+  if (holders->empty()) return;
+  touched->clear();
+  addFollowers(*holders, decay, scratch, touched);
+  entry->followers.reserve(touched->size());
+  for (int d : *touched) {
+    const std::size_t at = static_cast<std::size_t>(d);
+    entry->followers.emplace_back(static_cast<std::uint32_t>(d),
+                                  scratch->subsetWeights[at]);
+    scratch->subsetWeights[at] = 0;
+  }
+  touched->clear();
+}
+
 FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
                                           int minCustomers, int maxDropped,
-                                          double decay,
-                                          double smoothing) const {
+                                          double decay, double smoothing,
+                                          FollowerMemo* memo) const {
   FollowerCounts result;
   result.context = knownItems(context);
   const std::vector<int>& known = result.context;
@@ -237,7 +258,6 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
 
   Scratch& scratch = Scratch::forItems(distinctItems_.size());
   std::vector<double>& weights = scratch.weights;
-  std::vector<double>& subsetWeights = scratch.subsetWeights;
   std::vector<int> touched;
   std::vector<int> subsetTouched;
   // Leaves the thread's arrays zero, also when an allocation fails.
@@ -253,28 +273,34 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
     }
   } clean{scratch, touched, subsetTouched};
   std::vector<Holder> holders;
+  FollowerMemo::Entry walked;
   for (int dropped = 0;
        dropped <= maxDropped && dropped < static_cast<int>(known.size());
        ++dropped) {
-    forEachSubset(known, known.size() - static_cast<std::size_t>(dropped),
-                  [&](const std::vector<int>& subset) {
-                    holdersOf(subset, &holders);
-                    if (holders.empty()) return;
-                    ++result.contexts;
-                    result.contextCustomers +=
-                        static_cast<long>(holders.size());
-                    subsetTouched.clear();
-                    addFollowers(holders, decay, &scratch, &subsetTouched);
-                    const double share =
-                        1.0 / (static_cast<double>(holders.size()) + smoothing);
-                    for (int d : subsetTouched) {
-                      const std::size_t at = static_cast<std::size_t>(d);
-                      if (weights[at] == 0) touched.push_back(d);
-                      weights[at] += subsetWeights[at] * share;
-                      subsetWeights[at] = 0;
-                    }
-                    subsetTouched.clear();
-                  });
+    forEachSubset(
+        known, known.size() - static_cast<std::size_t>(dropped),
+        [&](const std::vector<int>& subset) {
+          const FollowerMemo::Entry* entry =
+              memo != nullptr ? memo->find(this, decay, subset) : nullptr;
+          if (entry == nullptr) {
+            subContextFollowers(subset, decay, &scratch, &holders,
+                                &subsetTouched, &walked);
+            entry = &walked;
+          }
+          if (entry->holders > 0) {
+            ++result.contexts;
+            result.contextCustomers += entry->holders;
+            const double share =
+                1.0 / (static_cast<double>(entry->holders) + smoothing);
+            for (const auto& [d, w] : entry->followers) {
+              if (weights[d] == 0) touched.push_back(static_cast<int>(d));
+              weights[d] += w * share;
+            }
+          }
+          if (entry == &walked && memo != nullptr) {
+            memo->remember(this, decay, subset, std::move(walked));
+          }
+        });
     result.dropped = dropped;
     if (result.contextCustomers >= minCustomers) break;
   }

@@ -7,7 +7,8 @@
 // items that come soon after them.
 //
 // The index owns its arrays and is immutable once built; reading it from
-// several threads is safe (each thread has its own scratch arrays).
+// several threads is safe (each thread has its own scratch arrays). A
+// FollowerMemo given to followersOf is the caller's: one per thread.
 #ifndef SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 #define SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "seqlattice/mining/sequencedatabase.h"
+#include "seqlattice/recommend/followermemo.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace recommend {
@@ -78,10 +80,12 @@ class SequenceIndex {
   // indexed sequences. When fewer than minCustomers customers contain the
   // whole context, items are left out, one more per round and every choice
   // of them tried, for at most maxDropped rounds; the shares of every
-  // sub-context of every round run are averaged.
+  // sub-context of every round run are averaged. With a memo, the
+  // sub-contexts' figures are taken from it when it has them and left in it
+  // when it has not (the answer is the same either way).
   FollowerCounts followersOf(const std::vector<int>& context, int minCustomers,
-                             int maxDropped, double decay,
-                             double smoothing) const;
+                             int maxDropped, double decay, double smoothing,
+                             FollowerMemo* memo = nullptr) const;
 
   // What followed `context` in the customers whose sequences are most alike
   // it, counted the way compact prediction trees count: in round r, every
@@ -121,6 +125,12 @@ class SequenceIndex {
   // after its `after` set, each distinct item once per holder.
   void addFollowers(const std::vector<Holder>& holders, double decay,
                     Scratch* scratch, std::vector<int>* touched) const;
+  // Sets *entry to the customers holding subContext and the summed weights
+  // of what followed them, in the order addFollowers met the items.
+  void subContextFollowers(const std::vector<int>& subContext, double decay,
+                           Scratch* scratch, std::vector<Holder>* holders,
+                           std::vector<int>* touched,
+                           FollowerMemo::Entry* entry) const;
   // The context items this index knows, ascending and distinct.
   std::vector<int> knownItems(const std::vector<int>& context) const;
   // Sets *holders to the customers containing every item of context,

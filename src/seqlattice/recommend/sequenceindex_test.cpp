@@ -1,5 +1,6 @@
 #include "seqlattice/recommend/sequenceindex.h"
 
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -101,6 +102,38 @@ TEST(SequenceIndex, SimilarCountsTakeEachCustomerOnceAtItsLargestContext) {
   expectCounts(index.similarCounts({2, 1}, 1), 1, 3, 2, {{8, 0.25}, {9, 1.0}});
   // A first round past the context's size starts at its last one.
   EXPECT_EQ(index.similarCounts({1}, 2).dropped, 0);
+}
+
+TEST(SequenceIndex, AMemoGivesTheFiguresOfAFreshWalk) {
+  // Random sequences over a few items, so that sub-contexts recur; every
+  // answer, taken from the memo or not, equals the one without a memo to
+  // the last bit.
+  std::mt19937 random(11);
+  std::uniform_int_distribution<int> item(1, 6);
+  std::uniform_int_distribution<int> length(1, 7);
+  std::vector<test::Customer> customers(40);
+  for (test::Customer& customer : customers) {
+    for (int s = length(random); s > 0; --s) customer.push_back({item(random)});
+  }
+  recommend::SequenceIndex index(test::makeDatabase(customers));
+  recommend::FollowerMemo memo;
+  for (int call = 0; call < 60; ++call) {
+    std::vector<int> context;
+    for (int k = length(random) % 4 + 1; k > 0; --k) {
+      context.push_back(item(random));
+    }
+    const double decay = call < 40 ? 0.3 : 0.0;  // then another decay
+    const recommend::FollowerCounts fresh =
+        index.followersOf(context, 5, 2, decay, 2.0);
+    const recommend::FollowerCounts memoised =
+        index.followersOf(context, 5, 2, decay, 2.0, &memo);
+    EXPECT_EQ(memoised.contexts, fresh.contexts);
+    EXPECT_EQ(memoised.contextCustomers, fresh.contextCustomers);
+    EXPECT_EQ(memoised.dropped, fresh.dropped);
+    EXPECT_EQ(memoised.context, fresh.context);
+    EXPECT_EQ(memoised.followers, fresh.followers);
+  }
+  EXPECT_GT(memo.entries(), 0u);
 }
 
 TEST(SequenceIndex, RepeatRate) {
