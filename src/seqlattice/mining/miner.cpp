@@ -29,9 +29,12 @@
 //                   without descending; they are the only candidates of
 //                   the deeper patterns that begin with the item
 //   3 items and up  a task per frequent two-item pattern, most frequent
-//                   first: Worker::expandPair joins the two roots'
-//                   projections (joinRoots), then Worker::expand goes depth
-//                   first: count -> collect -> emit -> build -> recurse
+//                   first, the largest split further (planSearch: their
+//                   children become tasks, with their projections) so that
+//                   the cores end together: Worker::expandNode joins a
+//                   pair's projection from the roots (joinRoots), then
+//                   Worker::expand goes depth first: count -> collect ->
+//                   emit -> build -> recurse
 //   memory          the customer loops fetch a customer's lists some
 //                   customers ahead (prefetchCustomer), and build reads the
 //                   children's transactions from the occurrence lists, so a
@@ -259,6 +262,53 @@ struct Extension {
   u32 firstCustomer;  // work index
 };
 
+// A projection in vectors of its own.
+struct OwnedProjection {
+  std::vector<u32> cust, start, pos;
+  Projection view() const {
+    return Projection{cust.data(), start.data(), pos.data(),
+                      static_cast<u32>(cust.size())};
+  }
+  std::size_t words() const { return cust.size() + start.size() + pos.size(); }
+};
+
+// A pattern at which a search task starts: its items (sameSet[k]: item k
+// joins the set of item k - 1; sameSet[0] is unused), the candidates of its
+// extensions, as the search would pass them down to it, and, below the
+// two-item patterns, its projection until its task has run.
+struct SearchNode {
+  std::vector<u32> items;
+  std::vector<char> sameSet;
+  std::vector<u32> s, i;  // sequence and item set candidates, ascending
+  u32 support = 0;
+  OwnedProjection projection;
+};
+
+// The nodes below `node` that the search would visit next, in its order,
+// given node's frequent extensions.
+std::vector<SearchNode> childNodes(const SearchNode& node,
+                                   const std::vector<Extension>& extensions) {
+  std::vector<u32> sf, fi;
+  for (const Extension& x : extensions) {
+    (x.sameSet ? fi : sf).push_back(x.item);
+  }
+  std::vector<SearchNode> children(extensions.size());
+  for (std::size_t k = 0; k < extensions.size(); ++k) {
+    const Extension& x = extensions[k];
+    SearchNode& child = children[k];
+    child.items = node.items;
+    child.items.push_back(x.item);
+    child.sameSet = node.sameSet;
+    child.sameSet.push_back(x.sameSet);
+    child.s = sf;
+    const std::vector<u32>& iSource = x.sameSet ? fi : sf;
+    child.i.assign(std::upper_bound(iSource.begin(), iSource.end(), x.item),
+                   iSource.end());
+    child.support = x.support;
+  }
+  return children;
+}
+
 // One worker's scratch state: per-item counters (indexed by code), one store
 // per pattern size for the children of the node being expanded, and the
 // pattern on the current search path.
@@ -290,6 +340,9 @@ class Worker {
     }
   }
 
+  // How far expand goes below the extensions it finds.
+  enum Descend { kNo, kBuild, kYes };
+
   // The one-item patterns' projections, which the joins below read; set
   // before any pattern of two items or more is expanded.
   void useRoots(const ProjectionStore* roots) { roots_ = roots; }
@@ -307,12 +360,13 @@ class Worker {
   }
   // Counts the extensions of the current pattern (whose projection is proj
   // and whose last item is last) among the candidates, reports the frequent
-  // ones and, when `descend`, expands them in turn. Returns the frequent
+  // ones and, when `descend` is kYes, expands them in turn (kBuild: builds
+  // their projections in the level's store and stops). Returns the frequent
   // extensions (valid until the next call at this depth).
   const std::vector<Extension>& expand(const Projection& proj, u32 last,
                                        const u32* sCand, std::size_t nS,
                                        const u32* iCand, std::size_t nI,
-                                       bool descend) {
+                                       Descend descend) {
     if (!db_.multiItemSets) nI = 0;
     std::size_t depth = pattern_.size();
     Level& level = levels_[depth];
@@ -323,7 +377,7 @@ class Worker {
       return level.extensions;
     }
     const bool joins = preferJoins(proj, nS + nI);
-    if (joins && descend && proj.n <= kLanes && !db_.multiItemSets) {
+    if (joins && descend == kYes && proj.n <= kLanes && !db_.multiItemSets) {
       expandNarrow(proj, sCand, nS);
       return level.extensions;
     }
@@ -341,7 +395,7 @@ class Worker {
       emit(x.support, x.firstCustomer);
       pop();
     }
-    if (level.extensions.empty() || !descend ||
+    if (level.extensions.empty() || descend == kNo ||
         static_cast<int>(depth) + 1 >= maxItems_) {
       return level.extensions;
     }
@@ -350,6 +404,7 @@ class Worker {
     } else {
       build(proj, last, level);
     }
+    if (descend == kBuild) return level.extensions;
     const std::vector<u32>& sf = level.sFrequent;
     const std::vector<u32>& fi = level.iFrequent;
     for (u32 k = 0; k < level.extensions.size(); ++k) {
@@ -360,26 +415,44 @@ class Worker {
           iSource.begin());
       push(x.item, x.sameSet);
       expand(level.store.view(k), x.item, sf.data(), sf.size(),
-             iSource.data() + after, iSource.size() - after, true);
+             iSource.data() + after, iSource.size() - after, kYes);
       pop();
     }
     return level.extensions;
   }
 
-  // Expands the two-item pattern of root's item followed by `item` (in the
-  // same set when sameSet), whose projection is the join of the two items'
-  // root projections, down to maxItems.
-  void expandPair(u32 root, const Projection& rootProjection, u32 item,
-                  const Projection& itemProjection, bool sameSet,
-                  const u32* sCand, std::size_t nS, const u32* iCand,
-                  std::size_t nI) {
-    joinRoots(rootProjection, itemProjection, sameSet, pairCust_, pairStart_,
-              pairPos_);
-    Projection proj{pairCust_.data(), pairStart_.data(), pairPos_.data(),
-                    static_cast<u32>(pairCust_.size())};
-    startPattern(root);
-    push(item, sameSet);
-    expand(proj, item, sCand, nS, iCand, nI, true);
+  // Counts the extensions of the node's pattern and emits them, then
+  // searches the subtree below each: the search resumed at the node, on
+  // whichever worker runs it. The node's projection is no longer needed
+  // after.
+  void expandNode(SearchNode& node) {
+    Projection proj = enterNode(node);
+    expand(proj, node.items.back(), node.s.data(), node.s.size(), node.i.data(),
+           node.i.size(), kYes);
+    node.projection = OwnedProjection();
+  }
+
+  // Counts the extensions of the node's pattern, appending their records to
+  // *records, and returns the nodes below it, each with its projection.
+  std::vector<SearchNode> splitNode(SearchNode& node,
+                                    std::vector<int>* records) {
+    Projection proj = enterNode(node);
+    setOutput(records);
+    std::vector<SearchNode> children = childNodes(
+        node, expand(proj, node.items.back(), node.s.data(), node.s.size(),
+                     node.i.data(), node.i.size(), kBuild));
+    const ProjectionStore& store = levels_[node.items.size()].store;
+    for (u32 k = 0; k < children.size(); ++k) {
+      keep(store.view(k), children[k].projection);
+    }
+    node.projection = OwnedProjection();
+    return children;
+  }
+
+  // Passes on pattern records found earlier, as emit would have.
+  void emitRecords(const std::vector<int>& records) {
+    out_->insert(out_->end(), records.begin(), records.end());
+    if (full_ && out_->size() >= internal::kChunkInts) full_();
   }
 
   // Appends the current pattern, found in `support` customers, to the output
@@ -457,6 +530,38 @@ class Worker {
     std::vector<const u32*> from, to;
     std::vector<u32> last;
   };
+
+  // Copies p into out; without multi-item transactions only each
+  // customer's first position, the only one a sequence extension reads.
+  void keep(const Projection& p, OwnedProjection& out) const {
+    out.cust.assign(p.cust, p.cust + p.n);
+    if (db_.multiItemSets) {
+      out.start.assign(p.start, p.start + p.n + 1);
+      out.pos.assign(p.pos, p.pos + p.start[p.n]);
+      return;
+    }
+    out.start.resize(p.n + 1);
+    out.pos.resize(p.n);
+    for (u32 e = 0; e < p.n; ++e) {
+      out.start[e] = e;
+      out.pos[e] = p.pos[p.start[e]];
+    }
+    out.start[p.n] = p.n;
+  }
+
+  // Puts the node's pattern on the search path and returns its projection:
+  // its own, or for a two-item pattern the join of its items' roots.
+  Projection enterNode(const SearchNode& node) {
+    const std::vector<u32>& items = node.items;
+    startPattern(items[0]);
+    for (std::size_t k = 1; k < items.size(); ++k) {
+      push(items[k], node.sameSet[k] != 0);
+    }
+    if (items.size() > 2) return node.projection.view();
+    joinRoots(roots_->view(items[0]), roots_->view(items[1]),
+              node.sameSet[1] != 0, path_.cust, path_.start, path_.pos);
+    return path_.view();
+  }
 
   void push(u32 item, bool sameSet) {
     pattern_.push_back(item);
@@ -838,8 +943,8 @@ class Worker {
   std::vector<char> newSet_;
   std::vector<int>* out_ = nullptr;
   std::function<void()> full_;
-  // The projection of the two-item pattern expandPair works on.
-  std::vector<u32> pairCust_, pairStart_, pairPos_;
+  // The projection of the two-item pattern a task starts at.
+  OwnedProjection path_;
 };
 
 // Rough upper bound of the search's own memory: the renumbered database
@@ -856,6 +961,84 @@ std::size_t estimateSearchBytes(const SequenceDatabase& db,
   std::size_t database = 3 * n * perItem + (t + 3 * c) * perItem;
   std::size_t roots = 3 * n * perItem;
   return 2 * database + roots + workers * 2 * roots;
+}
+
+// The tasks of the search below the two-item patterns, in the order of its
+// output. A node is a whole subtree, or, when it is split, its own
+// extensions (found while planning) followed by the tasks of its children:
+// the largest subtrees are split, so that no single task is left running on
+// one core while the others have run out of work.
+struct SearchPlan {
+  struct Task {
+    std::size_t node;
+    bool whole;  // the subtree, or only the split node's own extensions
+  };
+  std::vector<SearchNode> nodes;
+  std::vector<std::vector<int>> records;  // per split node, its extensions
+  std::vector<Task> tasks;
+};
+
+// Plans the tasks below `pairs` (in their order). The split nodes'
+// children keep their projections for their tasks; splitting stops once
+// those hold more than budgetWords.
+SearchPlan planSearch(std::vector<SearchNode> pairs, std::size_t customers,
+                      std::size_t budgetWords, int maxItems,
+                      std::vector<Worker>& workers) {
+  SearchPlan plan;
+  const std::size_t roots = pairs.size();
+  plan.nodes = std::move(pairs);
+  plan.records.resize(roots);
+  // A subtree of more than a worker's share of the customers may hold more
+  // work than the others together; the smaller ones are spread well enough
+  // by the task order, the largest first.
+  const std::size_t splitSupport =
+      workers.size() > 1 ? customers / workers.size() : SIZE_MAX;
+  auto splits = [&](const SearchNode& node) {
+    return node.support >= splitSupport &&
+           static_cast<int>(node.items.size()) + 1 < maxItems;
+  };
+  // The split nodes' children, found a level at a time, the nodes of a
+  // level spread over the workers.
+  std::vector<std::vector<std::size_t>> children(roots);
+  std::vector<char> split(roots, 0);
+  std::vector<std::size_t> level;
+  for (std::size_t n = 0; n < roots; ++n) {
+    if (splits(plan.nodes[n])) level.push_back(n);
+  }
+  std::size_t held = 0;
+  while (!level.empty() && held <= budgetWords) {
+    std::vector<std::vector<SearchNode>> found(level.size());
+    internal::runOrderedTasks(
+        level.size(), workers,
+        [&](Worker& w, std::size_t k) {
+          found[k] = w.splitNode(plan.nodes[level[k]], &plan.records[level[k]]);
+        },
+        [](std::vector<int>&) {});
+    std::vector<std::size_t> next;
+    for (std::size_t k = 0; k < level.size(); ++k) {
+      const std::size_t n = level[k];
+      split[n] = 1;
+      for (SearchNode& child : found[k]) {
+        const std::size_t c = plan.nodes.size();
+        held += child.projection.words();
+        if (splits(child)) next.push_back(c);
+        plan.nodes.push_back(std::move(child));
+        plan.records.emplace_back();
+        children[n].push_back(c);
+        children.emplace_back();
+        split.push_back(0);
+      }
+    }
+    level = std::move(next);
+  }
+  std::function<void(std::size_t)> add = [&](std::size_t n) {
+    plan.tasks.push_back(SearchPlan::Task{n, split[n] == 0});
+    if (split[n] != 0) {
+      for (std::size_t c : children[n]) add(c);
+    }
+  };
+  for (std::size_t n = 0; n < roots; ++n) add(n);
+  return plan;
 }
 
 }  // namespace
@@ -948,8 +1131,9 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
       [&](Worker& w, std::size_t k) {
         u32 r = static_cast<u32>(k);
         w.startPattern(r);
-        rootExtensions[r] = w.expand(roots.view(r), r, all.data(), f,
-                                     all.data() + r + 1, f - r - 1, false);
+        rootExtensions[r] =
+            w.expand(roots.view(r), r, all.data(), f, all.data() + r + 1,
+                     f - r - 1, Worker::kNo);
         for (const Extension& x : rootExtensions[r]) {
           (x.sameSet ? rootI[r] : rootS[r]).push_back(x.item);
         }
@@ -958,30 +1142,38 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
   if (options_.maxItems < 3) return;
 
   // One task per frequent two-item pattern, the most frequent first.
-  struct Task {
-    u32 root, item, support;
-    bool sameSet;
-  };
-  std::vector<Task> tasks;
+  std::vector<SearchNode> pairs;
   for (u32 r = 0; r < f; ++r) {
     for (const Extension& x : rootExtensions[r]) {
-      tasks.push_back(Task{r, x.item, x.support, x.sameSet});
+      SearchNode pair;
+      pair.items = {r, x.item};
+      pair.sameSet = {0, x.sameSet};
+      pair.s = rootS[r];
+      const std::vector<u32>& i = x.sameSet ? rootI[r] : rootS[r];
+      pair.i.assign(std::upper_bound(i.begin(), i.end(), x.item), i.end());
+      pair.support = x.support;
+      pairs.push_back(std::move(pair));
     }
   }
-  std::stable_sort(
-      tasks.begin(), tasks.end(),
-      [](const Task& a, const Task& b) { return a.support > b.support; });
+  std::stable_sort(pairs.begin(), pairs.end(),
+                   [](const SearchNode& a, const SearchNode& b) {
+                     return a.support > b.support;
+                   });
+  // The split nodes' projections may take about what the roots do (a
+  // position and two words per customer entry, at most three words per
+  // item occurrence).
+  SearchPlan plan =
+      planSearch(std::move(pairs), work.customerId.size(),
+                 3 * work.items.size(), options_.maxItems, workers);
   internal::runOrderedTasks(
-      tasks.size(), workers,
+      plan.tasks.size(), workers,
       [&](Worker& w, std::size_t k) {
-        const Task& t = tasks[k];
-        const std::vector<u32>& s = rootS[t.root];
-        const std::vector<u32>& i = t.sameSet ? rootI[t.root] : s;
-        std::size_t after = static_cast<std::size_t>(
-            std::upper_bound(i.begin(), i.end(), t.item) - i.begin());
-        w.expandPair(t.root, roots.view(t.root), t.item, roots.view(t.item),
-                     t.sameSet, s.data(), s.size(), i.data() + after,
-                     i.size() - after);
+        const SearchPlan::Task& t = plan.tasks[k];
+        if (t.whole) {
+          w.expandNode(plan.nodes[t.node]);
+        } else {
+          w.emitRecords(plan.records[t.node]);
+        }
       },
       emit);
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <map>
 #include <random>
 #include <set>
@@ -345,6 +346,26 @@ class OrderHashSink : public PatternSink {
   long calls = 0;
 };
 
+// Mines db on one thread and then on each count of `threads`, expecting
+// the sink to see the same patterns in the same order every time; returns
+// the one-thread summary.
+MiningSummary expectTheOrderOfOneThread(const SequenceDatabase& db,
+                                        MinerOptions options,
+                                        std::initializer_list<int> threads) {
+  options.threads = 1;
+  OrderHashSink one;
+  MiningSummary summary = SequenceMiner(options).mine(db, one);
+  EXPECT_EQ(one.calls, summary.patterns);
+  for (int n : threads) {
+    options.threads = n;
+    OrderHashSink many;
+    SequenceMiner(options).mine(db, many);
+    EXPECT_EQ(many.calls, one.calls) << n << " threads";
+    EXPECT_EQ(many.hash, one.hash) << n << " threads";
+  }
+  return summary;
+}
+
 // Every customer holds items 1..18 in one order, so every one of the 2^18 - 1
 // subsequences is frequent; the subtree of <1, 2> alone writes more than a
 // chunk of output, which must stream to the sink in the same order as with
@@ -357,17 +378,30 @@ TEST(SequenceMinerTest, LargeOutputsStreamInTheSameOrderOnAnyThreadCount) {
   MinerOptions options;
   options.minSupport = MinSupport::count(3);
   options.maxItems = 18;
-  options.threads = 1;
-  OrderHashSink one;
-  MiningSummary summary = SequenceMiner(options).mine(db, one);
+  MiningSummary summary = expectTheOrderOfOneThread(db, options, {2});
   EXPECT_EQ(summary.patterns, (1L << 18) - 1);
-  EXPECT_EQ(one.calls, (1L << 18) - 1);
   EXPECT_EQ(summary.longestPattern, 18);
-  options.threads = 2;
-  OrderHashSink two;
-  SequenceMiner(options).mine(db, two);
-  EXPECT_EQ(two.calls, one.calls);
-  EXPECT_EQ(two.hash, one.hash);
+}
+
+// Most customers share long patterns of item sets, so that the subtrees
+// held by more than a worker's share of the customers are split into tasks
+// of their own: the sink must see the same patterns in the same order as
+// with one thread.
+TEST(SequenceMinerTest, SplitSubtreesKeepTheOrderOfOneThread) {
+  std::mt19937 random(18);
+  std::vector<test::Customer> customers;
+  for (int c = 0; c < 40; ++c) {
+    test::Customer customer{{1, 2}, {3}, {1, 2, 4}, {3, 5}, {2, 4}, {1, 5}};
+    customer.insert(customer.begin() + random() % 6,
+                    {static_cast<int>(random() % 6) + 1});
+    customers.push_back(customer);
+  }
+  SequenceDatabase db = test::makeDatabase(customers);
+  MinerOptions options;
+  options.minSupport = MinSupport::count(10);
+  options.maxItems = 8;
+  MiningSummary summary = expectTheOrderOfOneThread(db, options, {2, 3});
+  EXPECT_GT(summary.patterns, 1000);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <numeric>
 #include <string>
 
+#include "seqlattice/mining/internal/distinctvalues.h"
 #include "seqlattice/mining/memorybudget.h"
 #include "seqlattice/mining/miningerror.h"
 
@@ -128,10 +129,7 @@ void SequenceDatabase::checkGrowth(std::size_t moreTransactions,
 }
 
 std::size_t SequenceDatabase::distinctItemCount() const {
-  std::vector<int> sorted(items_);
-  std::sort(sorted.begin(), sorted.end());
-  return static_cast<std::size_t>(std::unique(sorted.begin(), sorted.end()) -
-                                  sorted.begin());
+  return internal::distinctValues(items_).size();
 }
 
 std::size_t SequenceDatabase::bytesHeld() const {

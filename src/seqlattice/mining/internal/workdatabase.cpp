@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "seqlattice/mining/internal/distinctvalues.h"
 #include "seqlattice/mining/internal/hugepages.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -57,22 +58,10 @@ void buildLastOccurrences(WorkDatabase& work) {
   }
 }
 
-}  // namespace
-
-WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
-  const std::vector<int>& raw = db.items();
-  std::vector<int> values(raw);
-  std::sort(values.begin(), values.end());
-  values.erase(std::unique(values.begin(), values.end()), values.end());
-  std::vector<u32> code(raw.size());
-  for (std::size_t k = 0; k < raw.size(); ++k) {
-    code[k] = static_cast<u32>(
-        std::lower_bound(values.begin(), values.end(), raw[k]) -
-        values.begin());
-  }
-  std::vector<u32> support(values.size(), 0);
-  std::vector<u32> first(values.size(), 0);
-  std::vector<u32> seen(values.size(), UINT32_MAX);
+// Per item code, the customers holding it and the first of them.
+void countCustomers(const SequenceDatabase& db, const std::vector<u32>& code,
+                    std::vector<u32>& support, std::vector<u32>& first) {
+  std::vector<u32> seen(support.size(), UINT32_MAX);
   for (std::size_t c = 0; c < db.customerCount(); ++c) {
     std::size_t from = db.itemStarts()[db.firstTransaction(c)];
     std::size_t to = db.itemStarts()[db.endTransaction(c)];
@@ -83,6 +72,17 @@ WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
       if (support[v]++ == 0) first[v] = static_cast<u32>(c);
     }
   }
+}
+
+}  // namespace
+
+WorkDatabase buildWorkDatabase(const SequenceDatabase& db, long minCount) {
+  const std::vector<int>& raw = db.items();
+  const std::vector<int> values = distinctValues(raw);
+  const std::vector<u32> code = valueRanks(raw, values);
+  std::vector<u32> support(values.size(), 0);
+  std::vector<u32> first(values.size(), 0);
+  countCustomers(db, code, support, first);
   WorkDatabase work;
   reserveOnHugePages(work.items, raw.size());
   reserveOnHugePages(work.transactionStart, db.transactionCount() + 1);
