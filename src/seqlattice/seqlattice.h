@@ -44,6 +44,7 @@
 
 // recommendations
 #include "seqlattice/recommend/latticeindex.h"
+#include "seqlattice/recommend/nextitem.h"
 #include "seqlattice/recommend/recommender.h"
 #include "seqlattice/recommend/sequenceindex.h"
 
