@@ -259,9 +259,14 @@ std::vector<Recommendation> Recommender::recommend(
   // What came right after the latest item sets.
   double nextWeight = 0.0;
   if (index_ != nullptr && !index_->empty() && length > 0) {
+    const double itemsPerSet =
+        static_cast<double>(index_->items().size()) /
+        static_cast<double>(index_->setStarts().size() - 1);
     nextWeight = options.nextWeight >= 0 ? std::min(1.0, options.nextWeight)
-                 : nextItems().nextShare() < kMostlyRightNext ? kNextWeight
-                                                              : 0.0;
+                 : itemsPerSet < kBasketItems &&
+                         nextItems().nextShare() < kMostlyRightNext
+                     ? kNextWeight
+                     : 0.0;
   }
   NextItems next;
   if (nextWeight > 0) {

@@ -115,6 +115,11 @@ constexpr double kNextWeight = 0.72;
 // "what comes next" is "what comes soon", which the lattice and the index
 // already say better; the estimate is then left out by default.
 constexpr double kMostlyRightNext = 0.75;
+// Where item sets hold this many items or more on average (baskets rather
+// than clicks), a whole item set rarely recurs and the next one is no single
+// item; the estimate is left out by default there too (measured on the
+// bundled sample, docs/recommender.md).
+constexpr double kBasketItems = 1.5;
 
 struct RecommendOptions {
   int top = 5;  // largest number of items returned; <= 0 returns none
