@@ -121,22 +121,29 @@ class PredictionTable {
     if (explain_) {
       names.insert(names.end(),
                    {"pattern", "count", "pattern count", "skipped sets",
-                    "context customers", "followers"});
+                    "context customers", "followers", "next after",
+                    "next count", "run count"});
     }
     return names;
   }
 
   void addEvidence(const recommend::Recommendation& p,
                    std::vector<Json>* row) const {
-    Json pattern = Json::array();
-    for (const auto& set : p.pattern) {
+    row->insert(row->end(),
+                {labelled(p.pattern), p.count, p.patternCount, p.skippedSets,
+                 p.contextCustomers, p.followerWeight, labelled(p.nextRun),
+                 p.nextCount, p.nextRunCount});
+  }
+
+  // Item sets as arrays of labels.
+  Json labelled(const std::vector<std::vector<int>>& sets) const {
+    Json out = Json::array();
+    for (const auto& set : sets) {
       Json labels = Json::array();
       for (int item : set) labels.push_back(model_.items.labelOf(item));
-      pattern.push_back(std::move(labels));
+      out.push_back(std::move(labels));
     }
-    row->insert(row->end(),
-                {std::move(pattern), p.count, p.patternCount, p.skippedSets,
-                 p.contextCustomers, p.followerWeight});
+    return out;
   }
 
   const Model& model_;

@@ -89,6 +89,12 @@ void addRecommendOptions(CLI::App* command, PredictSettings* settings) {
                    "0.3 when the model's customers have 20 orders or more on "
                    "average, else 0)")
       ->check(CLI::NonNegativeNumber);
+  command
+      ->add_option("--next-weight", o.nextWeight,
+                   "Share of the score from what came right after the "
+                   "latest orders in the customers' sequences kept in the "
+                   "model (0 turns it off; default: 0.72)")
+      ->check(CLI::Range(0.0, 1.0));
 }
 
 std::string sourceName(recommend::Source source) {
@@ -97,6 +103,8 @@ std::string sourceName(recommend::Source source) {
       return "lattice";
     case recommend::Source::kSequences:
       return "sequences";
+    case recommend::Source::kNext:
+      return "next";
     default:
       return "popular";
   }

@@ -14,10 +14,11 @@ namespace seqlattice_cli {
 
 // Adds --top, --rank, --new-only, --repeat-only, --last-set-only and the
 // evidence weights (--prior, --earlier-weight, --sequence-weight,
-// --context-sets).
+// --next-weight, --context-sets).
 void addRecommendOptions(CLI::App* command, PredictSettings* settings);
 
-// The name of a source in tables: "lattice", "sequences" or "popular".
+// The name of a source in tables: "lattice", "sequences", "next" or
+// "popular".
 std::string sourceName(SEQUENCE_NAMESPACE_800::recommend::Source source);
 
 }  // namespace seqlattice_cli

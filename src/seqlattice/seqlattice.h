@@ -45,6 +45,7 @@
 // recommendations
 #include "seqlattice/recommend/followermemo.h"
 #include "seqlattice/recommend/latticeindex.h"
+#include "seqlattice/recommend/nextitem.h"
 #include "seqlattice/recommend/recommender.h"
 #include "seqlattice/recommend/sequenceindex.h"
 

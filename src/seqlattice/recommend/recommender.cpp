@@ -70,6 +70,8 @@ struct Candidate {
   double lattice = 0;                   // the best rule's score
   double anyOf = 0;  // 1 - product of (1 - score) over the rules
   double sequences = 0;
+  double next = 0;      // the next-item estimate
+  int nextRunSets = 0;  // of the run behind it, 0 for none
 };
 
 }  // namespace
@@ -145,6 +147,13 @@ double Recommender::estimatedPrior() {
                         ? kMaxPrior
                         : std::clamp(spread / excess - 1, kMinPrior, kMaxPrior);
   return estimatedPrior_;
+}
+
+const NextItemIndex& Recommender::nextItems() {
+  if (nextItems_ == nullptr) {
+    nextItems_ = std::make_unique<NextItemIndex>(*index_);
+  }
+  return *nextItems_;
 }
 
 double Recommender::popularity(int item) const {
@@ -259,6 +268,31 @@ std::vector<Recommendation> Recommender::recommend(
     }
   }
 
+  // What came right after the latest item sets.
+  double nextWeight = 0.0;
+  if (index_ != nullptr && !index_->empty() && length > 0) {
+    const double itemsPerSet =
+        static_cast<double>(index_->items().size()) /
+        static_cast<double>(index_->setStarts().size() - 1);
+    nextWeight = options.nextWeight >= 0 ? std::min(1.0, options.nextWeight)
+                 : itemsPerSet < kBasketItems &&
+                         nextItems().nextShare() < kMostlyRightNext
+                     ? kNextWeight
+                     : 0.0;
+  }
+  NextItems next;
+  if (nextWeight > 0) {
+    next = nextItems().estimate(history);
+    for (const NextItemEstimate& e : next.items) {
+      Candidate& c = candidates[e.item];
+      c.next = kNextShare * e.next + (1.0 - kNextShare) * e.soon;
+      c.nextRunSets = e.runSets;
+      c.rec.nextRunCount = e.runCount;
+      c.rec.nextCount = e.nextCount;
+      c.rec.nextChance = e.next;
+    }
+  }
+
   HistoryItems mode = options.historyItems;
   if (mode == HistoryItems::kAuto) {
     mode = repeatRate_ < kRareRepeats ? HistoryItems::kNewOnly
@@ -277,10 +311,14 @@ std::vector<Recommendation> Recommender::recommend(
         (1.0 - sequenceWeight) *
         (combination == RuleCombination::kAnyOf ? c.anyOf : c.lattice);
     const double fromSequences = sequenceWeight * c.sequences;
+    const double fromNext = nextWeight * c.next;
     c.rec.item = item;
-    c.rec.score = fromLattice + fromSequences;
+    c.rec.score = (1.0 - nextWeight) * (fromLattice + fromSequences) + fromNext;
     c.rec.source =
         fromSequences > fromLattice ? Source::kSequences : Source::kLattice;
+    if (fromNext > (1.0 - nextWeight) * std::max(fromLattice, fromSequences)) {
+      c.rec.source = Source::kNext;
+    }
     if (options.ranking == Ranking::kLift) {
       c.rec.score /= std::max(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0);
     }
@@ -298,6 +336,7 @@ std::vector<Recommendation> Recommender::recommend(
   std::vector<Recommendation> ranked;
   for (Candidate* c : best) {
     if (c->pattern != nullptr) c->rec.pattern = itemSetsOf(*c->pattern);
+    c->rec.nextRun.assign(next.run.end() - c->nextRunSets, next.run.end());
     ranked.push_back(std::move(c->rec));
   }
 

@@ -40,6 +40,7 @@
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/recommend/latticeindex.h"
+#include "seqlattice/recommend/nextitem.h"
 #include "seqlattice/recommend/sequenceindex.h"
 #include "seqlattice/sequence/sequence.h"
 
@@ -106,6 +107,22 @@ constexpr int kSimilarFirstRound = 2;
 // best on such data (docs/recommender.md).
 constexpr double kMinPrior = 2;
 constexpr double kMaxPrior = 100;
+// The next-item estimate of an item is kNextShare times its chance of being
+// in the next item set plus the rest times its chance of being in one of the
+// next two; RecommendOptions::nextWeight is kNextWeight by default. The
+// values are measured (docs/recommender.md).
+constexpr double kNextShare = 0.6;
+constexpr double kNextWeight = 0.72;
+// Where an item set's most frequent follower, when it comes within a few item
+// sets, comes right next this often or more (NextItemIndex::nextShare),
+// "what comes next" is "what comes soon", which the lattice and the index
+// already say better; the estimate is then left out by default.
+constexpr double kMostlyRightNext = 0.75;
+// Where item sets hold this many items or more on average (baskets rather
+// than clicks), a whole item set rarely recurs and the next one is no single
+// item; the estimate is left out by default there too (measured on the
+// bundled sample, docs/recommender.md).
+constexpr double kBasketItems = 1.5;
 
 struct RecommendOptions {
   int top = 5;  // largest number of items returned; <= 0 returns none
@@ -142,11 +159,15 @@ struct RecommendOptions {
   // kLongSequence item sets or more on average, else 0 (and 0 without
   // sequences in the model).
   double decay = -1;
+  // Share of the score taken from the next-item estimate (NextItemIndex;
+  // see kNextShare), when the model has sequences; the rest is the score
+  // above. Negative: kNextWeight.
+  double nextWeight = -1;
   // Fill the list with the most popular items.
   bool popularFallback = true;
 };
 
-enum class Source { kLattice, kSequences, kPopular };
+enum class Source { kLattice, kSequences, kNext, kPopular };
 
 // One recommended item with the evidence behind it.
 struct Recommendation {
@@ -170,6 +191,14 @@ struct Recommendation {
   // those followed by the item (0 when the index proposed nothing).
   long contextCustomers = 0;
   double followerWeight = 0;
+  // The next-item estimate: the latest item sets of the history that the
+  // item followed right after (empty when none), how often they occur in
+  // the customers' sequences and how often the item came next; the
+  // estimated chance of it coming next.
+  std::vector<std::vector<int>> nextRun;
+  long nextRunCount = 0;
+  long nextCount = 0;
+  double nextChance = 0;
 };
 
 class Recommender {
@@ -200,6 +229,8 @@ class Recommender {
   std::vector<Recommendation> byConfidence(const Sequence& history,
                                            const RecommendOptions& options);
   double popularity(int item) const;
+  // The index of runs, made on first use.
+  const NextItemIndex& nextItems();
 
   // Per-call tables kept between calls, so that a call does not allocate
   // them (recommender.cpp).
@@ -214,6 +245,7 @@ class Recommender {
   LatticeIndex lattice_;
   std::vector<LatticeIndex::Match> matches_;  // scratch of one pass
   std::unique_ptr<Scratch> scratch_;
+  std::unique_ptr<NextItemIndex> nextItems_;
   double estimatedPrior_ = -1;
   double automaticDecay_ = 0.0;
   double automaticEarlierWeight_ = kShortSequenceEarlierWeight;

@@ -190,6 +190,7 @@ TEST_F(RecommenderTest, TheSequenceIndexAddsWhatFollowedTheContext) {
   recommend::Recommender recommender(dict, &index);
   recommend::RecommendOptions options;
   options.sequenceWeight = 1;
+  options.nextWeight = 0;
   options.minContextCustomers = 1;
   options.popularFallback = false;
   options.historyItems = recommend::HistoryItems::kAll;
@@ -201,12 +202,44 @@ TEST_F(RecommenderTest, TheSequenceIndexAddsWhatFollowedTheContext) {
   EXPECT_EQ(got[0].contextCustomers, 20);
 }
 
+TEST_F(RecommenderTest, TheNextItemEstimateNamesTheRunBehindIt) {
+  // Only the next-item estimate (weight 1). History (b)(a): the run (b)(a),
+  // 2 times, is followed by x twice; its suffix (a), 20 times, by y 18
+  // times and x twice. Smoothed by kRunSmoothing = 20: x 2/22 + (20/22)
+  // * 2/40 = 3/22, y (20/22) * 18/40 = 9/22; nothing comes two item sets
+  // later, so the chance of "in the next two" is the same.
+  recommend::Recommender recommender(dict, &index);
+  recommend::RecommendOptions options;
+  options.top = 2;
+  options.nextWeight = 1;
+  options.popularFallback = false;
+  options.historyItems = recommend::HistoryItems::kAll;
+  auto got = recommender.recommend(test::historyOf({kB, kA}), options);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kY, kX}));
+  EXPECT_NEAR(got[0].score, 9.0 / 22, 1e-12);
+  EXPECT_NEAR(got[1].score, 3.0 / 22, 1e-12);
+  EXPECT_EQ(got[0].source, recommend::Source::kNext);
+  EXPECT_EQ(got[0].nextRun, (std::vector<std::vector<int>>{{kA}}));
+  EXPECT_EQ(got[0].nextRunCount, 20);
+  EXPECT_EQ(got[0].nextCount, 18);
+  EXPECT_EQ(got[1].nextRun, (std::vector<std::vector<int>>{{kB}, {kA}}));
+  EXPECT_EQ(got[1].nextRunCount, 2);
+  EXPECT_EQ(got[1].nextCount, 2);
+  EXPECT_NEAR(got[1].nextChance, 3.0 / 22, 1e-12);
+  // Turned off: the lattice and the index alone, no run named.
+  options.nextWeight = 0;
+  got = recommender.recommend(test::historyOf({kB, kA}), options);
+  for (const auto& r : got) EXPECT_TRUE(r.nextRun.empty());
+  EXPECT_NE(got[0].source, recommend::Source::kNext);
+}
+
 TEST_F(RecommenderTest, ShortSequencesWeighEarlierItemSetsLessByDefault) {
   // The customers hold 2.5 item sets on average: earlier weight 0.3, no
   // decay. History (b)(c): a and x from (b), one item set earlier.
   recommend::Recommender recommender(dict, &index);
   recommend::RecommendOptions options;
   options.sequenceWeight = 0;
+  options.nextWeight = 0;
   options.popularFallback = false;
   options.historyItems = recommend::HistoryItems::kAll;
   auto got = recommender.recommend(test::historyOf({kB, kC}), options);
@@ -233,6 +266,7 @@ TEST(VeryLongSequences, TheSimilarCustomersAloneGiveTheScore) {
   recommend::Recommender recommender(dict, &index);
   recommend::RecommendOptions options;
   options.top = 3;
+  options.nextWeight = 0;
   options.popularFallback = false;
   auto got = recommender.recommend(test::historyOf({1}), options);
   ASSERT_EQ(test::itemsOf(got), (std::vector<int>{57, 56, 55}));
@@ -320,6 +354,7 @@ TEST(LongSequences, AnyOfTheRulesByDefault) {
   recommend::RecommendOptions options;
   options.top = 1;
   options.sequenceWeight = 0;
+  options.nextWeight = 0;
   options.priorStrength = 2;
   options.popularFallback = false;
   const mining::SequenceDatabase db = test::makeDatabase(customers);
