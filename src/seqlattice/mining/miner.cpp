@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <thread>
 #include <utility>
 
@@ -272,6 +273,25 @@ struct OwnedProjection {
   std::size_t words() const { return cust.size() + start.size() + pos.size(); }
 };
 
+// The tail, from `from` on, of a candidate list that many nodes share: the
+// siblings of a level pass down the same lists, so each node holding a copy
+// would take the square of the frequent items (gigabytes on a database with
+// thousands of them).
+struct SharedCandidates {
+  std::shared_ptr<const std::vector<u32>> list;
+  std::size_t from = 0;
+  const u32* data() const { return list->data() + from; }
+  std::size_t size() const { return list->size() - from; }
+};
+
+// The candidates after `item` in an ascending shared list.
+SharedCandidates candidatesAfter(std::shared_ptr<const std::vector<u32>> list,
+                                 u32 item) {
+  std::size_t from = static_cast<std::size_t>(
+      std::upper_bound(list->begin(), list->end(), item) - list->begin());
+  return SharedCandidates{std::move(list), from};
+}
+
 // A pattern at which a search task starts: its items (sameSet[k]: item k
 // joins the set of item k - 1; sameSet[0] is unused), the candidates of its
 // extensions, as the search would pass them down to it, and, below the
@@ -279,7 +299,7 @@ struct OwnedProjection {
 struct SearchNode {
   std::vector<u32> items;
   std::vector<char> sameSet;
-  std::vector<u32> s, i;  // sequence and item set candidates, ascending
+  SharedCandidates s, i;  // sequence and item set candidates, ascending
   u32 support = 0;
   OwnedProjection projection;
 };
@@ -288,9 +308,10 @@ struct SearchNode {
 // given node's frequent extensions.
 std::vector<SearchNode> childNodes(const SearchNode& node,
                                    const std::vector<Extension>& extensions) {
-  std::vector<u32> sf, fi;
+  auto sf = std::make_shared<std::vector<u32>>();
+  auto fi = std::make_shared<std::vector<u32>>();
   for (const Extension& x : extensions) {
-    (x.sameSet ? fi : sf).push_back(x.item);
+    (x.sameSet ? fi : sf)->push_back(x.item);
   }
   std::vector<SearchNode> children(extensions.size());
   for (std::size_t k = 0; k < extensions.size(); ++k) {
@@ -300,10 +321,8 @@ std::vector<SearchNode> childNodes(const SearchNode& node,
     child.items.push_back(x.item);
     child.sameSet = node.sameSet;
     child.sameSet.push_back(x.sameSet);
-    child.s = sf;
-    const std::vector<u32>& iSource = x.sameSet ? fi : sf;
-    child.i.assign(std::upper_bound(iSource.begin(), iSource.end(), x.item),
-                   iSource.end());
+    child.s = SharedCandidates{sf, 0};
+    child.i = candidatesAfter(x.sameSet ? fi : sf, x.item);
     child.support = x.support;
   }
   return children;
@@ -1124,7 +1143,11 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
   std::vector<u32> all(f);
   for (u32 x = 0; x < f; ++x) all[x] = x;
   // Frequent extensions of each item, split into sequence and item set ones.
-  std::vector<std::vector<u32>> rootS(f), rootI(f);
+  std::vector<std::shared_ptr<std::vector<u32>>> rootS(f), rootI(f);
+  for (u32 x = 0; x < f; ++x) {
+    rootS[x] = std::make_shared<std::vector<u32>>();
+    rootI[x] = std::make_shared<std::vector<u32>>();
+  }
   std::vector<std::vector<Extension>> rootExtensions(f);
   internal::runOrderedTasks(
       f, workers,
@@ -1135,7 +1158,7 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
             w.expand(roots.view(r), r, all.data(), f, all.data() + r + 1,
                      f - r - 1, Worker::kNo);
         for (const Extension& x : rootExtensions[r]) {
-          (x.sameSet ? rootI[r] : rootS[r]).push_back(x.item);
+          (x.sameSet ? rootI[r] : rootS[r])->push_back(x.item);
         }
       },
       emit);
@@ -1148,9 +1171,8 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
       SearchNode pair;
       pair.items = {r, x.item};
       pair.sameSet = {0, x.sameSet};
-      pair.s = rootS[r];
-      const std::vector<u32>& i = x.sameSet ? rootI[r] : rootS[r];
-      pair.i.assign(std::upper_bound(i.begin(), i.end(), x.item), i.end());
+      pair.s = SharedCandidates{rootS[r], 0};
+      pair.i = candidatesAfter(x.sameSet ? rootI[r] : rootS[r], x.item);
       pair.support = x.support;
       pairs.push_back(std::move(pair));
     }
