@@ -239,7 +239,8 @@ class Model:
                 prior: Optional[float] = None, earlier_weight: Optional[float] = None,
                 sequence_weight: Optional[float] = None, context_sets: int = 8,
                 context_customers: int = 100, max_dropped: int = 4,
-                decay: Optional[float] = None, customer: str = "customer",
+                decay: Optional[float] = None,
+                next_weight: Optional[float] = None, customer: str = "customer",
                 time: str = "time", item: str = "item", format: str = "auto",
                 delimiter: Optional[str] = None) -> pd.DataFrame:
         """The items customers buy next, as ``seqlattice predict`` predicts
@@ -261,8 +262,9 @@ class Model:
         ``repeat_only`` filter by the history's items; ``explain`` adds the
         evidence behind each item; ``only_customer`` keeps one customer of a
         log; ``prior``, ``earlier_weight``, ``sequence_weight``,
-        ``context_sets``, ``context_customers``, ``max_dropped`` and
-        ``decay`` weigh the evidence (None: chosen from the model's data).
+        ``context_sets``, ``context_customers``, ``max_dropped``, ``decay``
+        and ``next_weight`` weigh the evidence (None: chosen from the
+        model's data).
 
         Returns columns rank, item, for the recommender's rankings score and
         source, and the prediction's measures; a log adds a customer column
@@ -298,6 +300,8 @@ class Model:
         settings.max_dropped = _check_range("max_dropped", max_dropped, 0, 8)
         settings.decay = -1.0 if decay is None else _check_float(
             "decay", decay, 0.0, float("inf"))
+        settings.next_weight = -1.0 if next_weight is None else _check_float(
+            "next_weight", next_weight, 0.0, 1.0)
         if only_customer is not None and not isinstance(data, pd.DataFrame):
             if not isinstance(data, os.PathLike):
                 raise ValueError("only_customer: needs a log, not a history")

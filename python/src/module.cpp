@@ -356,7 +356,8 @@ void bindSettings(py::module_& m) {
       .def_readwrite("context_customers",
                      &cli::PredictSettings::minContextCustomers)
       .def_readwrite("max_dropped", &cli::PredictSettings::maxDropped)
-      .def_readwrite("decay", &cli::PredictSettings::decay);
+      .def_readwrite("decay", &cli::PredictSettings::decay)
+      .def_readwrite("next_weight", &cli::PredictSettings::nextWeight);
 
   py::class_<cli::RuleBounds>(m, "RuleBounds")
       .def(py::init<>())

@@ -147,6 +147,8 @@ def test_an_unknown_filter_item_warns_as_the_tool(tool, sample_model):
       "1", "--decay", "0.5"),
      {"context_sets": 2, "context_customers": 5, "max_dropped": 1,
       "decay": 0.5}),
+    (("--next-weight", "0.5", "--explain"),
+     {"next_weight": 0.5, "explain": True}),
 ])
 def test_predictions_equal_the_tools(tool, sample_model, args, kwargs):
     model = seqlattice.load(sample_model)

@@ -161,7 +161,9 @@ struct RecommendOptions {
   double decay = -1;
   // Share of the score taken from the next-item estimate (NextItemIndex;
   // see kNextShare), when the model has sequences; the rest is the score
-  // above. Negative: kNextWeight.
+  // above. Negative: kNextWeight where the model's item sets hold fewer
+  // than kBasketItems items on average and NextItemIndex::nextShare is
+  // below kMostlyRightNext, else 0.
   double nextWeight = -1;
   // Fill the list with the most popular items.
   bool popularFallback = true;
