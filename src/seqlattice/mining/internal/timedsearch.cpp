@@ -616,38 +616,42 @@ class Worker {
     }
   }
 
-  // Fills children[k] with the occurrences of the node's pattern extended
-  // by frequent[k], in one pass over the node's customers: visit(e) offers
-  // customer e's new states through offer(item, state); those of items not
-  // in frequent are dropped. When `reduced`, visit offers each child's
-  // states of a customer in order of (l, u), none beating another once
-  // the fields no limit reads are cleared.
-  template <class Visit>
-  void buildChildren(const Node& node, const std::vector<u32>& frequent,
-                     std::vector<Node>& children, bool reduced,
-                     const Visit& visit) {
-    if (frequent.empty()) return;
+  // Clears children[k] for frequent[k], and points each item of frequent at
+  // its child's index.
+  void startChildren(const std::vector<u32>& frequent,
+                     std::vector<Node>& children) {
     if (children.size() < frequent.size()) children.resize(frequent.size());
     for (std::size_t k = 0; k < frequent.size(); ++k) {
       children[k].clear();
       slot_[frequent[k]] = static_cast<u32>(k);
     }
+  }
+  void endChildren(const std::vector<u32>& frequent) {
+    for (u32 x : frequent) slot_[x] = kNoSet;
+  }
+
+  // Fills children[k] with the occurrences of the node's pattern extended
+  // by frequent[k], in one pass over the node's customers: visit(e) offers
+  // customer e's new states through offer(item, state); those of items not
+  // in frequent are dropped, and of a customer's states of one child only
+  // those no other beats are kept.
+  template <class Visit>
+  void buildChildren(const Node& node, const std::vector<u32>& frequent,
+                     std::vector<Node>& children, const Visit& visit) {
+    if (frequent.empty()) return;
+    startChildren(frequent, children);
     for (u32 e = 0; e < node.size(); ++e) {
       visit(e);
-      for (u32 k : touched_) {
-        append(node.cust[e], reduced, fresh_[k], children[k]);
-      }
+      for (u32 k : touched_) append(node.cust[e], fresh_[k], children[k]);
       touched_.clear();
     }
-    for (u32 x : frequent) slot_[x] = kNoSet;
+    endChildren(frequent);
   }
 
   // Offers a new state of the child extending by item x (see buildChildren).
   void offer(u32 x, const State& s) {
-    if (slot_[x] != kNoSet) offerToChild(slot_[x], s);
-  }
-  // The same for the child of index k.
-  void offerToChild(u32 k, const State& s) {
+    const u32 k = slot_[x];
+    if (k == kNoSet) return;
     if (fresh_[k].empty()) touched_.push_back(k);
     fresh_[k].push_back(s);
   }
@@ -656,7 +660,7 @@ class Worker {
     if (openEnded_) return buildOpenSequenceChildren(node, level);
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
-    buildChildren(node, level.sFrequent, level.sChildren, false, [&](u32 e) {
+    buildChildren(node, level.sFrequent, level.sChildren, [&](u32 e) {
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
         const State& s = node.states[k];
         const Range r = level.sRange[k];
@@ -671,19 +675,22 @@ class Worker {
 
   // The same without a maximum gap or span, where a state's range runs to
   // the customer's end: one sweep over the customer's transactions, keeping
-  // the states no other beats among those whose range has begun.
+  // the states no other beats among those whose range has begun. Those
+  // enter the front, so the new states of one transaction are reduced
+  // already and go straight into the children, in order of their last set.
   void buildOpenSequenceChildren(const Node& node, Level& level) {
+    if (level.sFrequent.empty()) return;
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
     const std::vector<Range>& range = level.sRange;
-    // The states that no other beats enter the front, so the new states of
-    // one transaction are reduced already.
-    buildChildren(node, level.sFrequent, level.sChildren, true, [&](u32 e) {
+    std::vector<Node>& children = level.sChildren;
+    startChildren(level.sFrequent, children);
+    for (u32 e = 0; e < node.size(); ++e) {
+      const u32 c = node.cust[e];
       const u32* ready = level.ready.data() + node.start[e];
       const u32* readyEnd = level.ready.data() + node.start[e + 1];
       front_.clear();
-      for (u32 tr = range[*ready].begin,
-               end = db_.customerStart[node.cust[e] + 1];
+      for (u32 tr = range[*ready].begin, end = db_.customerStart[c + 1];
            tr < end; ++tr) {
         for (; ready < readyEnd && range[*ready].begin <= tr; ++ready) {
           enterFront(node.states[*ready]);
@@ -691,12 +698,22 @@ class Worker {
         for (u32 i = ts[tr]; i < ts[tr + 1]; ++i) {
           const u32 k = slot_[items[i]];
           if (k == kNoSet) continue;
-          for (const State& p : front_) {
-            offerToChild(k, State{p.first, p.l, p.u, tr, tr});
+          Node& child = children[k];
+          if (child.cust.empty() || child.cust.back() != c) {
+            child.cust.push_back(c);
+            child.start.push_back(child.start.back());
           }
+          // Fields no limit reads are cleared, as append does.
+          for (const State& p : front_) {
+            child.states.push_back(State{readsFirst_ ? p.first : 0,
+                                         readsPrevStart_ ? p.l : 0, p.u, tr,
+                                         tr});
+          }
+          child.start.back() = static_cast<u32>(child.states.size());
         }
       }
-    });
+    }
+    endChildren(level.sFrequent);
   }
 
   // Adds s to the states that may precede a new set unless one of them
@@ -729,7 +746,7 @@ class Worker {
   void buildItemChildren(const Node& node, int sets, Level& level) {
     if (level.iFrequent.empty()) return;
     const Candidates joining{level.iFrequent.front(), level.iFrequent.back()};
-    buildChildren(node, level.iFrequent, level.iChildren, false, [&](u32 e) {
+    buildChildren(node, level.iFrequent, level.iChildren, [&](u32 e) {
       for (u32 k = node.start[e]; k < node.start[e + 1]; ++k) {
         const State& s = node.states[k];
         if (time_.window == 0) {
@@ -748,20 +765,16 @@ class Worker {
     });
   }
 
-  // Adds fresh, reduced to the states no other beats (already so when
-  // `reduced`), as customer c's; leaves fresh empty.
-  void append(u32 c, bool reduced, std::vector<State>& fresh, Node& child) {
+  // Adds fresh, reduced to the states no other beats, as customer c's;
+  // leaves fresh empty.
+  void append(u32 c, std::vector<State>& fresh, Node& child) {
     // Fields no limit reads are cleared, so that states differing only
     // there merge.
     for (State& s : fresh) {
       if (!readsFirst_) s.first = 0;
       if (!readsPrevStart_ && s.lPrev != kNoSet) s.lPrev = 0;
     }
-    if (reduced) {
-      child.states.insert(child.states.end(), fresh.begin(), fresh.end());
-    } else {
-      appendUnbeaten(fresh, child.states);
-    }
+    appendUnbeaten(fresh, child.states);
     fresh.clear();
     child.cust.push_back(c);
     child.start.push_back(static_cast<u32>(child.states.size()));
