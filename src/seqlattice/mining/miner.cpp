@@ -752,12 +752,18 @@ class Worker {
   // items met in both counts.
   bool fewItemsMet(const Projection& proj, std::size_t candidates) const {
     const std::size_t limit = candidates / 2;
+    return listedUpTo(proj, limit) < limit;
+  }
+
+  // The entries of the projection's customers' last-occurrence lists,
+  // counted until they reach limit.
+  std::size_t listedUpTo(const Projection& proj, std::size_t limit) const {
     const u32* ls = db_.lastStart.data();
     std::size_t listed = 0;
     for (u32 e = 0; e < proj.n && listed < limit; ++e) {
       listed += ls[proj.cust[e] + 1] - ls[proj.cust[e]];
     }
-    return listed < limit;
+    return listed;
   }
 
   // collect after count<true>: the frequent candidates among the items met,
@@ -947,12 +953,7 @@ class Worker {
       return false;
     }
     const std::size_t limit = candidates * kJoinCost * proj.n;
-    const u32* ls = db_.lastStart.data();
-    std::size_t listed = 0;
-    for (u32 e = 0; e < proj.n && listed < limit; ++e) {
-      listed += ls[proj.cust[e] + 1] - ls[proj.cust[e]];
-    }
-    return listed >= limit;
+    return listedUpTo(proj, limit) >= limit;
   }
 
   // Calls visit(a, t) for each transaction t of the projection's entry a
