@@ -32,10 +32,13 @@
 //   3 items and up  a task per frequent two-item pattern, most frequent
 //                   first, the largest split further (planSearch: their
 //                   children become tasks, with their projections) so that
-//                   the cores end together: Worker::expandNode joins a
+//                   the cores end together: Worker::expandPair (or
+//                   expandNode, for a pair the plan split) joins a
 //                   pair's projection from the roots (joinRoots), then
 //                   Worker::expand goes depth first: count -> collect ->
-//                   emit -> build -> recurse
+//                   emit -> build -> recurse (where a node's customers
+//                   hold few items beside its candidates, count every item
+//                   met and look the frequent ones up: fewItemsMet)
 //   memory          the customer loops fetch a customer's lists some
 //                   customers ahead (prefetchCustomer), and build reads the
 //                   children's transactions from the occurrence lists, so a
@@ -292,10 +295,33 @@ SharedCandidates candidatesAfter(std::shared_ptr<const std::vector<u32>> list,
   return SharedCandidates{std::move(list), from};
 }
 
+// A frequent two-item pattern, where most search tasks start: first's item
+// followed by item (in first's set when sameSet). Its candidates are first's
+// frequent extensions after item, and its projection is joined from the
+// roots when its task runs, so a database with millions of frequent pairs
+// holds sixteen bytes for each.
+struct Pair {
+  u32 first, item, support;
+  bool sameSet;
+};
+
+// The frequent extensions of each item, split into sequence and item set
+// ones, ascending: the candidates of the pairs and of the nodes below them.
+struct RootCandidates {
+  std::vector<std::shared_ptr<std::vector<u32>>> s, i;
+  // The list whose items after pair.item are the pair's item set
+  // candidates.
+  const std::shared_ptr<std::vector<u32>>& itemSetSource(
+      const Pair& pair) const {
+    return (pair.sameSet ? i : s)[pair.first];
+  }
+};
+
 // A pattern at which a search task starts: its items (sameSet[k]: item k
 // joins the set of item k - 1; sameSet[0] is unused), the candidates of its
 // extensions, as the search would pass them down to it, and, below the
-// two-item patterns, its projection until its task has run.
+// two-item patterns, its projection until its task has run. Pairs become
+// nodes only where the plan splits them.
 struct SearchNode {
   std::vector<u32> items;
   std::vector<char> sameSet;
@@ -303,6 +329,17 @@ struct SearchNode {
   u32 support = 0;
   OwnedProjection projection;
 };
+
+// The node of a pair that the plan splits.
+SearchNode pairNode(const Pair& pair, const RootCandidates& roots) {
+  SearchNode node;
+  node.items = {pair.first, pair.item};
+  node.sameSet = {0, pair.sameSet};
+  node.s = SharedCandidates{roots.s[pair.first], 0};
+  node.i = candidatesAfter(roots.itemSetSource(pair), pair.item);
+  node.support = pair.support;
+  return node;
+}
 
 // The nodes below `node` that the search would visit next, in its order,
 // given node's frequent extensions.
@@ -403,8 +440,13 @@ class Worker {
     if (joins) {
       countByJoins(proj, sCand, nS, false, level.sFrequent, level);
       countByJoins(proj, iCand, nI, true, level.iFrequent, level);
+    } else if (fewItemsMet(proj, nS + nI)) {
+      count<true>(proj, last, sCand, nS, iCand, nI);
+      collectMet(sCand, nS, s_, false, level.sFrequent, level);
+      findFirstCustomers(proj, level);
+      collectMet(iCand, nI, i_, true, level.iFrequent, level);
     } else {
-      count(proj, last, sCand, nS, iCand, nI);
+      count<false>(proj, last, sCand, nS, iCand, nI);
       collect(sCand, nS, s_, false, level.sFrequent, level);
       findFirstCustomers(proj, level);
       collect(iCand, nI, i_, true, level.iFrequent, level);
@@ -449,6 +491,17 @@ class Worker {
     expand(proj, node.items.back(), node.s.data(), node.s.size(), node.i.data(),
            node.i.size(), kYes);
     node.projection = OwnedProjection();
+  }
+
+  // expandNode for a pair not turned into a node.
+  void expandPair(const Pair& pair, const RootCandidates& candidates) {
+    Projection proj = enterPair(pair.first, pair.item, pair.sameSet);
+    const std::vector<u32>& s = *candidates.s[pair.first];
+    const std::vector<u32>& i = *candidates.itemSetSource(pair);
+    std::size_t after = static_cast<std::size_t>(
+        std::upper_bound(i.begin(), i.end(), pair.item) - i.begin());
+    expand(proj, pair.item, s.data(), s.size(), i.data() + after,
+           i.size() - after, kYes);
   }
 
   // Counts the extensions of the node's pattern, appending their records to
@@ -505,6 +558,7 @@ class Worker {
     std::vector<u32> flag;  // 0 or 1, added without a branch
     std::vector<u32> count, first, occurrences, child;
     std::vector<std::uint64_t> stamp;
+    std::vector<u32> met;  // items counted by count<true>, for collectMet
     void clear(u32 x) {
       flag[x] = 0;
       count[x] = 0;
@@ -572,13 +626,23 @@ class Worker {
   // its own, or for a two-item pattern the join of its items' roots.
   Projection enterNode(const SearchNode& node) {
     const std::vector<u32>& items = node.items;
+    if (items.size() == 2) {
+      return enterPair(items[0], items[1], node.sameSet[1] != 0);
+    }
     startPattern(items[0]);
     for (std::size_t k = 1; k < items.size(); ++k) {
       push(items[k], node.sameSet[k] != 0);
     }
-    if (items.size() > 2) return node.projection.view();
-    joinRoots(roots_->view(items[0]), roots_->view(items[1]),
-              node.sameSet[1] != 0, path_.cust, path_.start, path_.pos);
+    return node.projection.view();
+  }
+
+  // Puts the pair on the search path and returns its projection, the join
+  // of its items' roots.
+  Projection enterPair(u32 first, u32 item, bool sameSet) {
+    startPattern(first);
+    push(item, sameSet);
+    joinRoots(roots_->view(first), roots_->view(item), sameSet, path_.cust,
+              path_.start, path_.pos);
     return path_.view();
   }
 
@@ -594,10 +658,15 @@ class Worker {
   // Sequence extensions: each distinct item after the first transaction
   // counts once per customer, read from the last-occurrence list. Item set
   // extensions: items above `last` in the transactions of the projection.
+  // With kEveryItem the candidates are not marked: every item met is
+  // counted and listed in its counters' `met`, for collectMet.
+  template <bool kEveryItem>
   void count(const Projection& proj, u32 last, const u32* sCand, std::size_t nS,
              const u32* iCand, std::size_t nI) {
-    for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
-    for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 1;
+    if (!kEveryItem) {
+      for (std::size_t k = 0; k < nS; ++k) s_.flag[sCand[k]] = 1;
+      for (std::size_t k = 0; k < nI; ++k) i_.flag[iCand[k]] = 1;
+    }
     const u32* items = db_.items.data();
     const u32* ts = db_.transactionStart.data();
     const u32* ls = db_.lastStart.data();
@@ -614,7 +683,11 @@ class Worker {
         const u32* flags = s_.flag.data();
         const u32 f = *p;
         for (u32 k = ls[c], end = ls[c + 1]; k < end && lt[k] > f; ++k) {
-          counts[li[k]] += flags[li[k]];
+          if (!kEveryItem) {
+            counts[li[k]] += flags[li[k]];
+          } else if (counts[li[k]]++ == 0) {
+            s_.met.push_back(li[k]);
+          }
         }
       }
       if (nI != 0) {
@@ -622,7 +695,9 @@ class Worker {
         for (; p < pEnd; ++p) {
           const u32* b = items + ts[*p + 1];
           for (const u32* a = itemsAbove(items + ts[*p], b, last); a < b; ++a) {
-            if (i_.flag[*a]) i_.hit(*a, c, now_);
+            if (!kEveryItem && !i_.flag[*a]) continue;
+            if (kEveryItem && i_.occurrences[*a] == 0) i_.met.push_back(*a);
+            i_.hit(*a, c, now_);
           }
         }
       }
@@ -667,6 +742,52 @@ class Worker {
       }
       counters.clear(x);
     }
+  }
+
+  // Whether the items the projection's customers hold are so few beside
+  // the candidates that counting every item met and then looking the
+  // frequent ones up among the candidates is cheaper than marking and
+  // collecting every candidate: so at the many small nodes of a database
+  // with thousands of frequent items. A customer's distinct items bound the
+  // items met in both counts.
+  bool fewItemsMet(const Projection& proj, std::size_t candidates) const {
+    const std::size_t limit = candidates / 2;
+    return listedUpTo(proj, limit) < limit;
+  }
+
+  // The entries of the projection's customers' last-occurrence lists,
+  // counted until they reach limit.
+  std::size_t listedUpTo(const Projection& proj, std::size_t limit) const {
+    const u32* ls = db_.lastStart.data();
+    std::size_t listed = 0;
+    for (u32 e = 0; e < proj.n && listed < limit; ++e) {
+      listed += ls[proj.cust[e] + 1] - ls[proj.cust[e]];
+    }
+    return listed;
+  }
+
+  // collect after count<true>: the frequent candidates among the items met,
+  // ascending as the candidates are, taken into the level; the counters of
+  // every item met are cleared.
+  void collectMet(const u32* cand, std::size_t n, Counters& counters,
+                  bool sameSet, std::vector<u32>& frequent, Level& level) {
+    const std::size_t from = frequent.size();
+    for (u32 x : counters.met) {
+      if (counters.count[x] >= minCount_ &&
+          std::binary_search(cand, cand + n, x)) {
+        frequent.push_back(x);
+      }
+    }
+    std::sort(frequent.begin() + static_cast<std::ptrdiff_t>(from),
+              frequent.end());
+    for (std::size_t k = from; k < frequent.size(); ++k) {
+      const u32 x = frequent[k];
+      level.extensions.push_back(Extension{x, sameSet, counters.count[x],
+                                           counters.occurrences[x],
+                                           counters.first[x]});
+    }
+    for (u32 x : counters.met) counters.clear(x);
+    counters.met.clear();
   }
 
   // The sequence counts above keep no first customer (a branch there costs
@@ -832,12 +953,7 @@ class Worker {
       return false;
     }
     const std::size_t limit = candidates * kJoinCost * proj.n;
-    const u32* ls = db_.lastStart.data();
-    std::size_t listed = 0;
-    for (u32 e = 0; e < proj.n && listed < limit; ++e) {
-      listed += ls[proj.cust[e] + 1] - ls[proj.cust[e]];
-    }
-    return listed >= limit;
+    return listedUpTo(proj, limit) >= limit;
   }
 
   // Calls visit(a, t) for each transaction t of the projection's entry a
@@ -983,15 +1099,18 @@ std::size_t estimateSearchBytes(const SequenceDatabase& db,
 }
 
 // The tasks of the search below the two-item patterns, in the order of its
-// output. A node is a whole subtree, or, when it is split, its own
-// extensions (found while planning) followed by the tasks of its children:
-// the largest subtrees are split, so that no single task is left running on
-// one core while the others have run out of work.
+// output. A task is a pair's whole subtree, a node's whole subtree, or, when
+// a node is split, its own extensions (found while planning), followed by
+// the tasks of its children: the largest subtrees are split, so that no
+// single task is left running on one core while the others have run out of
+// work.
 struct SearchPlan {
+  enum Kind : u32 { kPair, kNode, kSplit };
   struct Task {
-    std::size_t node;
-    bool whole;  // the subtree, or only the split node's own extensions
+    Kind kind;
+    u32 index;  // in pairs (kPair) or in nodes
   };
+  std::vector<Pair> pairs;
   std::vector<SearchNode> nodes;
   std::vector<std::vector<int>> records;  // per split node, its extensions
   std::vector<Task> tasks;
@@ -1000,30 +1119,32 @@ struct SearchPlan {
 // Plans the tasks below `pairs` (in their order). The split nodes'
 // children keep their projections for their tasks; splitting stops once
 // those hold more than budgetWords.
-SearchPlan planSearch(std::vector<SearchNode> pairs, std::size_t customers,
-                      std::size_t budgetWords, int maxItems,
-                      std::vector<Worker>& workers) {
+SearchPlan planSearch(std::vector<Pair> pairs, const RootCandidates& candidates,
+                      std::size_t customers, std::size_t budgetWords,
+                      int maxItems, std::vector<Worker>& workers) {
   SearchPlan plan;
-  const std::size_t roots = pairs.size();
-  plan.nodes = std::move(pairs);
-  plan.records.resize(roots);
+  plan.pairs = std::move(pairs);
   // A subtree of more than a worker's share of the customers may hold more
   // work than the others together; the smaller ones are spread well enough
   // by the task order, the largest first.
   const std::size_t splitSupport =
       workers.size() > 1 ? customers / workers.size() : SIZE_MAX;
-  auto splits = [&](const SearchNode& node) {
-    return node.support >= splitSupport &&
-           static_cast<int>(node.items.size()) + 1 < maxItems;
+  auto splits = [&](std::size_t support, std::size_t items) {
+    return support >= splitSupport && static_cast<int>(items) + 1 < maxItems;
   };
-  // The split nodes' children, found a level at a time, the nodes of a
-  // level spread over the workers.
-  std::vector<std::vector<std::size_t>> children(roots);
-  std::vector<char> split(roots, 0);
+  // The pairs to split, as nodes, then the split nodes' children, found a
+  // level at a time, the nodes of a level spread over the workers.
+  std::vector<u32> nodeOfPair(plan.pairs.size(), UINT32_MAX);
   std::vector<std::size_t> level;
-  for (std::size_t n = 0; n < roots; ++n) {
-    if (splits(plan.nodes[n])) level.push_back(n);
+  for (std::size_t p = 0; p < plan.pairs.size(); ++p) {
+    if (!splits(plan.pairs[p].support, 2)) continue;
+    nodeOfPair[p] = static_cast<u32>(plan.nodes.size());
+    level.push_back(plan.nodes.size());
+    plan.nodes.push_back(pairNode(plan.pairs[p], candidates));
   }
+  plan.records.resize(plan.nodes.size());
+  std::vector<std::vector<std::size_t>> children(plan.nodes.size());
+  std::vector<char> split(plan.nodes.size(), 0);
   std::size_t held = 0;
   while (!level.empty() && held <= budgetWords) {
     std::vector<std::vector<SearchNode>> found(level.size());
@@ -1040,7 +1161,7 @@ SearchPlan planSearch(std::vector<SearchNode> pairs, std::size_t customers,
       for (SearchNode& child : found[k]) {
         const std::size_t c = plan.nodes.size();
         held += child.projection.words();
-        if (splits(child)) next.push_back(c);
+        if (splits(child.support, child.items.size())) next.push_back(c);
         plan.nodes.push_back(std::move(child));
         plan.records.emplace_back();
         children[n].push_back(c);
@@ -1051,12 +1172,22 @@ SearchPlan planSearch(std::vector<SearchNode> pairs, std::size_t customers,
     level = std::move(next);
   }
   std::function<void(std::size_t)> add = [&](std::size_t n) {
-    plan.tasks.push_back(SearchPlan::Task{n, split[n] == 0});
+    plan.tasks.push_back(
+        SearchPlan::Task{split[n] != 0 ? SearchPlan::kSplit : SearchPlan::kNode,
+                         static_cast<u32>(n)});
     if (split[n] != 0) {
       for (std::size_t c : children[n]) add(c);
     }
   };
-  for (std::size_t n = 0; n < roots; ++n) add(n);
+  plan.tasks.reserve(plan.pairs.size());
+  for (std::size_t p = 0; p < plan.pairs.size(); ++p) {
+    if (nodeOfPair[p] == UINT32_MAX) {
+      plan.tasks.push_back(
+          SearchPlan::Task{SearchPlan::kPair, static_cast<u32>(p)});
+    } else {
+      add(nodeOfPair[p]);
+    }
+  }
   return plan;
 }
 
@@ -1143,10 +1274,10 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
   std::vector<u32> all(f);
   for (u32 x = 0; x < f; ++x) all[x] = x;
   // Frequent extensions of each item, split into sequence and item set ones.
-  std::vector<std::shared_ptr<std::vector<u32>>> rootS(f), rootI(f);
+  RootCandidates candidates;
   for (u32 x = 0; x < f; ++x) {
-    rootS[x] = std::make_shared<std::vector<u32>>();
-    rootI[x] = std::make_shared<std::vector<u32>>();
+    candidates.s.push_back(std::make_shared<std::vector<u32>>());
+    candidates.i.push_back(std::make_shared<std::vector<u32>>());
   }
   std::vector<std::vector<Extension>> rootExtensions(f);
   internal::runOrderedTasks(
@@ -1158,43 +1289,43 @@ void SequenceMiner::search(const SequenceDatabase& db, PatternSink& sink,
             w.expand(roots.view(r), r, all.data(), f, all.data() + r + 1,
                      f - r - 1, Worker::kNo);
         for (const Extension& x : rootExtensions[r]) {
-          (x.sameSet ? rootI[r] : rootS[r])->push_back(x.item);
+          (x.sameSet ? candidates.i : candidates.s)[r]->push_back(x.item);
         }
       },
       emit);
   if (options_.maxItems < 3) return;
 
   // One task per frequent two-item pattern, the most frequent first.
-  std::vector<SearchNode> pairs;
+  std::vector<Pair> pairs;
   for (u32 r = 0; r < f; ++r) {
     for (const Extension& x : rootExtensions[r]) {
-      SearchNode pair;
-      pair.items = {r, x.item};
-      pair.sameSet = {0, x.sameSet};
-      pair.s = SharedCandidates{rootS[r], 0};
-      pair.i = candidatesAfter(x.sameSet ? rootI[r] : rootS[r], x.item);
-      pair.support = x.support;
-      pairs.push_back(std::move(pair));
+      pairs.push_back(Pair{r, x.item, x.support, x.sameSet});
     }
+    rootExtensions[r] = std::vector<Extension>();
   }
-  std::stable_sort(pairs.begin(), pairs.end(),
-                   [](const SearchNode& a, const SearchNode& b) {
-                     return a.support > b.support;
-                   });
+  std::stable_sort(
+      pairs.begin(), pairs.end(),
+      [](const Pair& a, const Pair& b) { return a.support > b.support; });
   // The split nodes' projections may take about what the roots do (a
   // position and two words per customer entry, at most three words per
   // item occurrence).
   SearchPlan plan =
-      planSearch(std::move(pairs), work.customerId.size(),
+      planSearch(std::move(pairs), candidates, work.customerId.size(),
                  3 * work.items.size(), options_.maxItems, workers);
   internal::runOrderedTasks(
       plan.tasks.size(), workers,
       [&](Worker& w, std::size_t k) {
         const SearchPlan::Task& t = plan.tasks[k];
-        if (t.whole) {
-          w.expandNode(plan.nodes[t.node]);
-        } else {
-          w.emitRecords(plan.records[t.node]);
+        switch (t.kind) {
+          case SearchPlan::kPair:
+            w.expandPair(plan.pairs[t.index], candidates);
+            break;
+          case SearchPlan::kNode:
+            w.expandNode(plan.nodes[t.index]);
+            break;
+          case SearchPlan::kSplit:
+            w.emitRecords(plan.records[t.index]);
+            break;
         }
       },
       emit);

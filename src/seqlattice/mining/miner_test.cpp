@@ -366,6 +366,16 @@ MiningSummary expectTheOrderOfOneThread(const SequenceDatabase& db,
   return summary;
 }
 
+// Many frequent items over short customers: below the two-item patterns a
+// node's customers hold far fewer items than it has candidates, so the
+// search counts the items met instead of every candidate.
+TEST(SequenceMinerTest, MatchesBruteForceWhereFewOfManyCandidatesOccur) {
+  Shape single{1, 60, 120, 5, 60, 2, 3, 150};
+  EXPECT_GT(compareWithBruteForce(single), 5000);
+  Shape sets{3, 60, 120, 3, 60, 2, 3, 150};
+  EXPECT_GT(compareWithBruteForce(sets), 5000);
+}
+
 // Every customer holds items 1..18 in one order, so every one of the 2^18 - 1
 // subsequences is frequent; the subtree of <1, 2> alone writes more than a
 // chunk of output, which must stream to the sink in the same order as with
