@@ -66,9 +66,8 @@ KvStatus SequenceDictionary::findReachable(Sequence const* seq,
       const NTSequence& pattern = *front.key;
       ISQCPair* entry = getLevel(pattern.size())->get(&pattern);
       SequenceCounter* counter = entry != nullptr ? entry->value : nullptr;
-      if (counter != nullptr && counter->getNAdjacent() > 0) {
-        for (const std::pair<int, int>& adjacent :
-             *counter->getAdjacentItems()) {
+      if (counter != nullptr) {
+        for (const std::pair<int, int>& adjacent : counter->adjacentPairs()) {
           if (!follows(adjacent.second, pattern.getNSets())) continue;
           std::unique_ptr<NTSequence> child(
               new NTSequence(pattern, adjacent.first, adjacent.second));

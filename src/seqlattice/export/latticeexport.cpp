@@ -19,11 +19,10 @@ namespace Tags = SeqXMLTags;
 void AddAdjacentList(XMLElement* element, const CollectItems& collection,
                      const SequenceCounter& counter) {
   XMLElement* list = AddElement(element, Tags::kSeqAdjacentList);
-  const int nAdjacent = counter.getNAdjacent();
+  const SequenceCounter::PairRange pairs = counter.adjacentPairs();
   list->AddAttribute(Tags::kNumberOfAdjacentItems,
-                     static_cast<double>(nAdjacent));
-  if (nAdjacent == 0) return;
-  for (const auto& [item, position] : *counter.getAdjacentItems()) {
+                     static_cast<double>(pairs.size()));
+  for (const auto& [item, position] : pairs) {
     XMLElement* adjacent = AddElement(list, Tags::kAdjacentItem);
     adjacent->AddAttribute(
         Tags::kItemRefAttr,

@@ -2,8 +2,11 @@
 // the counter's adjacency set and statistics bucket: a pair count of 0 leaves
 // it without a set (an empty set is not kept), a statistics flag of 0 without
 // a bucket.
+#include <algorithm>
 #include <fstream>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include "seqlattice/io/internal/record_io.h"
 #include "seqlattice/store/sequencedescriptor.h"
@@ -18,19 +21,41 @@ constexpr const char* kElement = "SequenceCounter";
 constexpr int kDepth = 4;
 const RecordIO::Failure& kFailure = RecordIO::kCounterFailure;
 
-// A new set of the given number of pairs, each filled in by readPair, or null
-// for no pairs. Nothing leaks when readPair throws.
-template <typename ReadPair>
-SequenceCounter::AdjacencySet* newPairSet(int pairs, ReadPair readPair) {
+// Reads the given number of pairs into an array from new[] (null for none),
+// sorted and without repeats as a set would hold them; *n is set to how many
+// it keeps. readRun(out, k) fills in the next k pairs. The array grows as
+// pairs arrive rather than taking the count on trust, so a corrupt count
+// costs no more memory than the pairs the file really holds. Nothing leaks
+// when readRun throws.
+template <typename ReadRun>
+SequenceCounter::AdjacentPair* newPairArray(int pairs, int* n,
+                                            ReadRun readRun) {
+  typedef SequenceCounter::AdjacentPair Pair;
+  *n = 0;
   if (pairs <= 0) return nullptr;
-  auto set = std::make_unique<SequenceCounter::AdjacencySet>();
-  for (int i = 0; i < pairs; ++i) {
-    int pair[2] = {0, 0};
-    readPair(pair);
-    // Pairs come in ascending order, so the end is the right hint.
-    set->emplace_hint(set->end(), pair[0], pair[1]);
+  constexpr int kFirstCapacity = 1 << 14;
+  int capacity = std::min(pairs, kFirstCapacity);
+  std::unique_ptr<Pair[]> array(new Pair[capacity]);
+  for (int i = 0; i < pairs;) {
+    if (i == capacity) {
+      capacity = pairs - capacity < capacity ? pairs : 2 * capacity;
+      std::unique_ptr<Pair[]> grown(new Pair[capacity]);
+      std::copy(array.get(), array.get() + i, grown.get());
+      array = std::move(grown);
+    }
+    const int run = capacity - i;
+    readRun(array.get() + i, run);
+    i += run;
   }
-  return set.release();
+  Pair* const end = array.get() + pairs;
+  // A saved set gives its pairs in order; anything else is put in order.
+  if (std::adjacent_find(array.get(), end, std::greater_equal<Pair>()) != end) {
+    std::sort(array.get(), end);
+    *n = static_cast<int>(std::unique(array.get(), end) - array.get());
+  } else {
+    *n = pairs;
+  }
+  return array.release();
 }
 
 }  // namespace
@@ -40,13 +65,12 @@ long SequenceCounter::writeObject(std::fstream& out) const {
   writer.tag(kTag, true);
   const int fields[] = {count, ordinalOfEntry, maxMissed};
   writer.bytes(fields, sizeof fields);
-  const int pairs = getNAdjacent();
+  const PairRange adjacent = adjacentPairs();
+  const int pairs = static_cast<int>(adjacent.size());
   writer.value(pairs);
-  if (adjacentItems != nullptr) {
-    for (const std::pair<int, int>& pair : *adjacentItems) {
-      writer.value(pair.first);
-      writer.value(pair.second);
-    }
+  for (const AdjacentPair& pair : adjacent) {
+    writer.value(pair.first);
+    writer.value(pair.second);
   }
   long written = 19 + 8L * pairs + 4;
   writer.value(statsBucket != nullptr ? 1 : 0);
@@ -65,26 +89,24 @@ long SequenceCounter::readObject(std::fstream& in) {
   RecordIO::readValue(in, &pairs);
   if (pairs < 0) RecordIO::raise(RecordIO::kPairCountFailure);
   // The pairs are read a run at a time rather than with a call into the
-  // stream buffer each. The run's size caps what a corrupt count can make
-  // the reader hold.
-  constexpr int kRun = 256;
-  int run[kRun][2];
-  int inRun = 0;
-  int nextInRun = 0;
-  int unread = pairs;
-  setAdjacentItems(newPairSet(pairs, [&](int(&pair)[2]) {
-    if (nextInRun == inRun) {
-      inRun = unread < kRun ? unread : kRun;
-      nextInRun = 0;
-      unread -= inRun;
-      RecordIO::readRaw(in, run, sizeof run[0] * inRun);
-      // More pairs than the stream holds.
-      if (in.fail()) RecordIO::raise(RecordIO::kPairCountFailure);
-    }
-    pair[0] = run[nextInRun][0];
-    pair[1] = run[nextInRun][1];
-    ++nextInRun;
-  }));
+  // stream buffer each.
+  int kept = 0;
+  AdjacentPair* array =
+      newPairArray(pairs, &kept, [&in](AdjacentPair* out, int k) {
+        constexpr int kRun = 256;
+        int run[kRun][2];
+        for (int done = 0; done < k;) {
+          const int inRun = std::min(k - done, kRun);
+          RecordIO::readRaw(in, run, sizeof run[0] * inRun);
+          // More pairs than the stream holds.
+          if (in.fail()) RecordIO::raise(RecordIO::kPairCountFailure);
+          for (int j = 0; j < inRun; ++j) {
+            out[done + j] = AdjacentPair(run[j][0], run[j][1]);
+          }
+          done += inRun;
+        }
+      });
+  adoptPairArray(array, kept);
   long read = 19 + 8L * pairs + 4;
 
   int hasStats = 0;
@@ -102,16 +124,16 @@ long SequenceCounter::readObject(std::fstream& in) {
 long SequenceCounter::writeObjectXML(std::ostream& out) const {
   const KvXML_850::XMLObj obj(kElement, kDepth);
   obj.StartObj(out);
-  for (int value : {count, ordinalOfEntry, maxMissed, getNAdjacent()}) {
+  const PairRange adjacent = adjacentPairs();
+  for (int value :
+       {count, ordinalOfEntry, maxMissed, static_cast<int>(adjacent.size())}) {
     obj.WriteSubElement(out, value);
   }
   long written = 6;
-  if (adjacentItems != nullptr) {
-    for (const std::pair<int, int>& pair : *adjacentItems) {
-      obj.WriteSubElement(out, pair.first);
-      obj.WriteSubElement(out, pair.second);
-      written += 2;
-    }
+  for (const AdjacentPair& pair : adjacent) {
+    obj.WriteSubElement(out, pair.first);
+    obj.WriteSubElement(out, pair.second);
+    written += 2;
   }
   obj.WriteSubElement(out, statsBucket != nullptr ? 1 : 0);
   ++written;
@@ -129,9 +151,16 @@ long SequenceCounter::readObjectXML(std::ifstream& in) {
   int pairs = 0;
   RecordIO::parseValue(obj, in, &pairs, kFailure);
   if (pairs < 0) RecordIO::raise(kFailure);
-  setAdjacentItems(newPairSet(pairs, [&obj, &in](int(&pair)[2]) {
-    RecordIO::parseInts(obj, in, pair, 2, kFailure);
-  }));
+  int kept = 0;
+  AdjacentPair* array =
+      newPairArray(pairs, &kept, [&obj, &in](AdjacentPair* out, int k) {
+        for (int j = 0; j < k; ++j) {
+          int pair[2] = {0, 0};
+          RecordIO::parseInts(obj, in, pair, 2, kFailure);
+          out[j] = AdjacentPair(pair[0], pair[1]);
+        }
+      });
+  adoptPairArray(array, kept);
   long read = 6 + 2L * pairs;
 
   int hasStats = 0;

@@ -52,11 +52,12 @@ double LatticeIndex::popularity(int item) {
 }
 
 void LatticeIndex::compile(Node& node) {
-  if (node.compiled || node.counter->getAdjacentItems() == nullptr) return;
+  const SequenceCounter::PairRange pairs = node.counter->adjacentPairs();
+  if (node.compiled || !pairs.present()) return;
   const int after = 2 * node.pattern.getNSets() + 1;
   std::vector<Edge> edges;
   std::vector<Follower> followers;
-  for (const std::pair<int, int>& entry : *node.counter->getAdjacentItems()) {
+  for (const std::pair<int, int>& entry : pairs) {
     if (entry.second <= 1) {
       edges.push_back({entry.first, entry.second, nullptr, false});
     } else if (entry.second == after) {

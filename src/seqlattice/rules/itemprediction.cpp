@@ -75,11 +75,11 @@ void ItemCandidates::addExtensions(const std::vector<NTSequence*>& patterns,
                                    const std::unordered_set<int>& excluded) {
   for (const NTSequence* p : patterns) {
     const SequenceCounter* counter = dict_.getDescriptor(p);
-    if (counter == nullptr || counter->getAdjacentItems() == nullptr) continue;
+    if (counter == nullptr) continue;
     const int sets = p->getNSets();
     const int wanted =
         placement == Placement::kNewSetAfterLast ? 2 * sets + 1 : 2 * sets - 2;
-    for (const std::pair<int, int>& entry : *counter->getAdjacentItems()) {
+    for (const std::pair<int, int>& entry : counter->adjacentPairs()) {
       const int item = entry.first;
       if (entry.second != wanted || excluded.count(item) != 0) {
         continue;

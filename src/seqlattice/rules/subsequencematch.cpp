@@ -144,8 +144,7 @@ void matchAnchored(SequenceDictionary& dict, const KnownItems& known,
         // Only pairs (x, 0) and (x, 1) of items x that the customer holds can
         // give a match: seek them item by item, in ascending (x, position)
         // order, instead of walking the whole adjacency set.
-        const SequenceCounter::AdjacencySet& adjacent =
-            *counter->getAdjacentItems();
+        const SequenceCounter::PairRange adjacent = counter->adjacentPairs();
         for (const auto& occurrence : known.occurrences()) {
           const int item = occurrence.first;
           for (auto entry = adjacent.lower_bound(std::make_pair(item, 0));
