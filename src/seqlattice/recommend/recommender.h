@@ -116,7 +116,8 @@ constexpr double kNextWeight = 0.72;
 // Where an item set's most frequent follower, when it comes within a few item
 // sets, comes right next this often or more (NextItemIndex::nextShare),
 // "what comes next" is "what comes soon", which the lattice and the index
-// already say better; the estimate is then left out by default.
+// already say better; the estimate then gets a mild weight or none by
+// default (below).
 constexpr double kMostlyRightNext = 0.75;
 // Between kMostlyRightNext and this share, "next" and "soon" mostly agree but
 // not always: the estimate, at the mild kMildNextWeight, reorders the
