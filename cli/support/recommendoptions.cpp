@@ -93,9 +93,10 @@ void addRecommendOptions(CLI::App* command, PredictSettings* settings) {
       ->add_option("--next-weight", o.nextWeight,
                    "Share of the score from what came right after the "
                    "latest orders in the customers' sequences kept in the "
-                   "model (0 turns it off; default: 0.72 where orders hold "
-                   "under 1.5 items on average and the next order is not "
-                   "mostly what comes soon anyway, else 0)")
+                   "model (0 turns it off; default, where orders hold "
+                   "under 1.5 items on average: 0.72 when the next order is "
+                   "not mostly what comes soon anyway, 0.25 when it mostly "
+                   "is, 0 when it nearly always is; else 0)")
       ->check(CLI::Range(0.0, 1.0));
 }
 

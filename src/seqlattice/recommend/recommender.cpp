@@ -81,6 +81,11 @@ struct Recommender::Scratch {
   FollowerMemo followerMemo;
 };
 
+double automaticNextWeight(double nextShare) {
+  if (nextShare < kMostlyRightNext) return kNextWeight;
+  return nextShare < kNearlyAlwaysRightNext ? kMildNextWeight : 0.0;
+}
+
 Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
     : dict_(dict),
       index_(index),
@@ -275,9 +280,8 @@ std::vector<Recommendation> Recommender::recommend(
         static_cast<double>(index_->items().size()) /
         static_cast<double>(index_->setStarts().size() - 1);
     nextWeight = options.nextWeight >= 0 ? std::min(1.0, options.nextWeight)
-                 : itemsPerSet < kBasketItems &&
-                         nextItems().nextShare() < kMostlyRightNext
-                     ? kNextWeight
+                 : itemsPerSet < kBasketItems
+                     ? automaticNextWeight(nextItems().nextShare())
                      : 0.0;
   }
   NextItems next;

@@ -116,13 +116,26 @@ constexpr double kNextWeight = 0.72;
 // Where an item set's most frequent follower, when it comes within a few item
 // sets, comes right next this often or more (NextItemIndex::nextShare),
 // "what comes next" is "what comes soon", which the lattice and the index
-// already say better; the estimate is then left out by default.
+// already say better; the estimate then gets a mild weight or none by
+// default (below).
 constexpr double kMostlyRightNext = 0.75;
+// Between kMostlyRightNext and this share, "next" and "soon" mostly agree but
+// not always: the estimate, at the mild kMildNextWeight, reorders the
+// candidates that the lattice and the index score nearly alike and leaves
+// the rest of their ranking as it was (measured, docs/recommender.md).
+constexpr double kNearlyAlwaysRightNext = 0.85;
+constexpr double kMildNextWeight = 0.25;
 // Where item sets hold this many items or more on average (baskets rather
 // than clicks), a whole item set rarely recurs and the next one is no single
 // item; the estimate is left out by default there too (measured on the
 // bundled sample, docs/recommender.md).
 constexpr double kBasketItems = 1.5;
+
+// The weight a negative RecommendOptions::nextWeight stands for where item
+// sets hold fewer than kBasketItems items on average (else it is 0), from
+// NextItemIndex::nextShare: kNextWeight below kMostlyRightNext,
+// kMildNextWeight below kNearlyAlwaysRightNext, else 0.
+double automaticNextWeight(double nextShare);
 
 struct RecommendOptions {
   int top = 5;  // largest number of items returned; <= 0 returns none
@@ -161,9 +174,7 @@ struct RecommendOptions {
   double decay = -1;
   // Share of the score taken from the next-item estimate (NextItemIndex;
   // see kNextShare), when the model has sequences; the rest is the score
-  // above. Negative: kNextWeight where the model's item sets hold fewer
-  // than kBasketItems items on average and NextItemIndex::nextShare is
-  // below kMostlyRightNext, else 0.
+  // above. Negative: automaticNextWeight of the model's sequences.
   double nextWeight = -1;
   // Fill the list with the most popular items.
   bool popularFallback = true;

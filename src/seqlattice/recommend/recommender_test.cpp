@@ -233,6 +233,17 @@ TEST_F(RecommenderTest, TheNextItemEstimateNamesTheRunBehindIt) {
   EXPECT_NE(got[0].source, recommend::Source::kNext);
 }
 
+TEST(AutomaticNextWeight, FallsAsTheNextItemSetIsMoreOftenWhatComesSoon) {
+  EXPECT_EQ(recommend::automaticNextWeight(0.53), 0.72);
+  EXPECT_EQ(recommend::automaticNextWeight(0.7499), 0.72);
+  EXPECT_EQ(recommend::automaticNextWeight(0.75), 0.25);
+  EXPECT_EQ(recommend::automaticNextWeight(0.78), 0.25);
+  EXPECT_EQ(recommend::automaticNextWeight(0.8499), 0.25);
+  EXPECT_EQ(recommend::automaticNextWeight(0.85), 0.0);
+  EXPECT_EQ(recommend::automaticNextWeight(0.91), 0.0);
+  EXPECT_EQ(recommend::automaticNextWeight(1.0), 0.0);
+}
+
 TEST_F(RecommenderTest, ShortSequencesWeighEarlierItemSetsLessByDefault) {
   // The customers hold 2.5 item sets on average: earlier weight 0.3, no
   // decay. History (b)(c): a and x from (b), one item set earlier.
