@@ -130,10 +130,6 @@ Recommender::Recommender(SequenceDictionary& dict, const SequenceIndex* index)
       automaticEvidence_ = SequenceEvidence::kSimilar;
     }
   }
-  // Both take a whole pass over the model (tens of milliseconds on large
-  // ones): made here, no call pays for them.
-  estimatedPrior();
-  if (index_ != nullptr && !index_->empty()) nextItems();
 }
 
 Recommender::~Recommender() = default;

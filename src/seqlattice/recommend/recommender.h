@@ -206,10 +206,7 @@ struct Recommendation {
 class Recommender {
  public:
   // index may be null (a model without one); dict must have its lattice
-  // built. Reads the popularity of every item once, estimates the prior
-  // strength and indexes the runs of the index's sequences (NextItemIndex),
-  // so that the first call costs what the others do. Throws
-  // SeqExceptions::DictionaryFailure when the dictionary runs out of memory.
+  // built. Reads the popularity of every item once.
   Recommender(SequenceDictionary& dict, const SequenceIndex* index);
   ~Recommender();
 
@@ -227,15 +224,14 @@ class Recommender {
   // for: a method-of-moments estimate from the lattice's two-item rules
   // (x)(y), whose confidences scatter around p(y) by counting noise plus
   // p(y)(1 - p(y)) / (prior + 1), clamped to [kMinPrior, kMaxPrior].
-  // Computed once, by the constructor.
+  // Computed on first use.
   double estimatedPrior();
 
  private:
   std::vector<Recommendation> byConfidence(const Sequence& history,
                                            const RecommendOptions& options);
   double popularity(int item) const;
-  // The index of runs, made once (by the constructor when the model has
-  // sequences).
+  // The index of runs, made on first use.
   const NextItemIndex& nextItems();
 
   // Per-call tables kept between calls, so that a call does not allocate
