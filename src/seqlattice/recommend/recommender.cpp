@@ -58,21 +58,37 @@ bool admitted(HistoryItems mode, const std::vector<int>& historyItems,
   }
 }
 
-// Decreasing score, then decreasing item code (the library's tie rule).
-bool ranksBefore(const Recommendation& a, const Recommendation& b) {
-  if (a.score != b.score) return a.score > b.score;
-  return a.item > b.item;
-}
-
+// The evidence gathered for one item. Only the figures are kept here (every
+// proposed item has one, thousands per call); the few items returned get
+// their Recommendation, with its lists, at the end.
 struct Candidate {
-  Recommendation rec;
   const NTSequence* pattern = nullptr;  // the best lattice rule's antecedent
   double lattice = 0;                   // the best rule's score
-  double anyOf = 0;  // 1 - product of (1 - score) over the rules
-  double sequences = 0;
-  double next = 0;      // the next-item estimate
-  int nextRunSets = 0;  // of the run behind it, 0 for none
+  double anyOf = 0;      // 1 - product of (1 - score) over the rules
+  double sequences = 0;  // the index's weight, 0 when it proposed nothing
+  double next = 0;       // the next-item estimate
+  // The best lattice rule's counts, when pattern is set.
+  long patternCount = 0;
+  long count = 0;
+  double popularity = 0;
+  int skippedSets = 0;
+  int nextRunSets = 0;  // of the run behind the estimate, 0 for none
+  bool fromIndex = false;
+  long nextRunCount = 0;
+  long nextCount = 0;
+  double nextChance = 0;
+  double score = 0;
+  Source source = Source::kPopular;
 };
+using ItemCandidate = std::pair<int, Candidate>;
+
+// Decreasing score, then decreasing item code (the library's tie rule).
+bool ranksBefore(const ItemCandidate* a, const ItemCandidate* b) {
+  if (a->second.score != b->second.score) {
+    return a->second.score > b->second.score;
+  }
+  return a->first > b->first;
+}
 
 }  // namespace
 
@@ -239,18 +255,16 @@ std::vector<Recommendation> Recommender::recommend(
         if (score <= c.lattice) continue;
         c.lattice = score;
         c.pattern = m.pattern;
-        Recommendation& r = c.rec;
-        r.confidence = f.count / patternCount;
-        r.support = n_ > 0 ? f.count / n_ : 0.0;
-        r.cause = f.popularity > 0 ? f.count / (f.popularity * n_) : 0.0;
-        r.patternCount = m.count;
-        r.count = f.count;
-        r.skippedSets = k;
+        c.patternCount = m.count;
+        c.count = f.count;
+        c.popularity = f.popularity;
+        c.skippedSets = k;
       }
     }
   }
 
   // The sequence index: who else went through the recent context.
+  long contextCustomers = 0;
   if (sequenceWeight > 0) {
     const std::vector<int> context =
         itemsFrom(history, length - std::max(1, options.contextSets));
@@ -265,11 +279,11 @@ std::vector<Recommendation> Recommender::recommend(
                   context, options.minContextCustomers, options.maxDropped,
                   options.decay < 0 ? automaticDecay_ : options.decay, prior,
                   &scratch_->followerMemo);
+    contextCustomers = followers.contextCustomers;
     for (const auto& [item, w] : followers.followers) {
       Candidate& c = candidates[item];
       c.sequences = w;
-      c.rec.contextCustomers = followers.contextCustomers;
-      c.rec.followerWeight = w;
+      c.fromIndex = true;
     }
   }
 
@@ -291,9 +305,9 @@ std::vector<Recommendation> Recommender::recommend(
       Candidate& c = candidates[e.item];
       c.next = kNextShare * e.next + (1.0 - kNextShare) * e.soon;
       c.nextRunSets = e.runSets;
-      c.rec.nextRunCount = e.runCount;
-      c.rec.nextCount = e.nextCount;
-      c.rec.nextChance = e.next;
+      c.nextRunCount = e.runCount;
+      c.nextCount = e.nextCount;
+      c.nextChance = e.next;
     }
   }
 
@@ -307,41 +321,58 @@ std::vector<Recommendation> Recommender::recommend(
           ? automaticCombination_
           : options.ruleCombination;
   const std::vector<int> historyItems = itemsFrom(history, 0);
-  std::vector<Candidate*> best;
+  std::vector<ItemCandidate*> best;
   best.reserve(candidates.size());
-  for (auto& [item, c] : candidates) {
+  for (ItemCandidate& entry : candidates) {
+    const int item = entry.first;
+    Candidate& c = entry.second;
     if (!admitted(mode, historyItems, item)) continue;
     const double fromLattice =
         (1.0 - sequenceWeight) *
         (combination == RuleCombination::kAnyOf ? c.anyOf : c.lattice);
     const double fromSequences = sequenceWeight * c.sequences;
     const double fromNext = nextWeight * c.next;
-    c.rec.item = item;
-    c.rec.score = (1.0 - nextWeight) * (fromLattice + fromSequences) + fromNext;
-    c.rec.source =
+    c.score = (1.0 - nextWeight) * (fromLattice + fromSequences) + fromNext;
+    c.source =
         fromSequences > fromLattice ? Source::kSequences : Source::kLattice;
     if (fromNext > (1.0 - nextWeight) * std::max(fromLattice, fromSequences)) {
-      c.rec.source = Source::kNext;
+      c.source = Source::kNext;
     }
     if (options.ranking == Ranking::kLift) {
-      c.rec.score /= std::max(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0);
+      c.score /= std::max(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0);
     }
-    best.push_back(&c);
+    best.push_back(&entry);
   }
   // Only the first options.top are wanted; the order is total (no two
   // candidates share an item), so they are those a full sort would give.
   const std::size_t kept =
       std::min(best.size(), static_cast<std::size_t>(options.top));
   std::partial_sort(best.begin(), best.begin() + static_cast<long>(kept),
-                    best.end(), [](const Candidate* a, const Candidate* b) {
-                      return ranksBefore(a->rec, b->rec);
-                    });
+                    best.end(), ranksBefore);
   best.resize(kept);
   std::vector<Recommendation> ranked;
-  for (Candidate* c : best) {
-    if (c->pattern != nullptr) c->rec.pattern = itemSetsOf(*c->pattern);
-    c->rec.nextRun.assign(next.run.end() - c->nextRunSets, next.run.end());
-    ranked.push_back(std::move(c->rec));
+  for (const ItemCandidate* entry : best) {
+    const Candidate& c = entry->second;
+    Recommendation r;
+    r.item = entry->first;
+    r.score = c.score;
+    r.source = c.source;
+    if (c.pattern != nullptr) {
+      r.confidence = c.count / static_cast<double>(c.patternCount);
+      r.support = n_ > 0 ? c.count / n_ : 0.0;
+      r.cause = c.popularity > 0 ? c.count / (c.popularity * n_) : 0.0;
+      r.pattern = itemSetsOf(*c.pattern);
+      r.patternCount = c.patternCount;
+      r.count = c.count;
+      r.skippedSets = c.skippedSets;
+    }
+    if (c.fromIndex) r.contextCustomers = contextCustomers;
+    r.followerWeight = c.sequences;
+    r.nextRun.assign(next.run.end() - c.nextRunSets, next.run.end());
+    r.nextRunCount = c.nextRunCount;
+    r.nextCount = c.nextCount;
+    r.nextChance = c.nextChance;
+    ranked.push_back(std::move(r));
   }
 
   if (options.popularFallback) {

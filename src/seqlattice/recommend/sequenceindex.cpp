@@ -94,10 +94,9 @@ void SequenceIndex::buildPostings() {
         std::lower_bound(distinctItems_.begin(), distinctItems_.end(), item) -
         distinctItems_.begin());
   };
-  std::vector<std::uint32_t>& dense = dense_;
-  dense.resize(items_.size());
+  entries_.assign(items_.size(), {0, 0});
   for (std::size_t i = 0; i < items_.size(); ++i) {
-    dense[i] = static_cast<std::uint32_t>(denseOf(items_[i]));
+    entries_[i].dense = static_cast<std::uint32_t>(denseOf(items_[i]));
   }
   // Each customer's first occurrence of each of its items, with its set.
   auto forEachPosting = [&](auto add) {
@@ -106,15 +105,28 @@ void SequenceIndex::buildPostings() {
       for (std::uint32_t s = customerStart_[c]; s < customerStart_[c + 1];
            ++s) {
         for (std::uint32_t i = setStart_[s]; i < setStart_[s + 1]; ++i) {
-          if (lastCustomer[dense[i]] == c) continue;
-          lastCustomer[dense[i]] = c;
-          add(dense[i], c, s);
+          const std::uint32_t d = entries_[i].dense;
+          if (lastCustomer[d] == c) continue;
+          lastCustomer[d] = c;
+          add(d, c, s);
         }
       }
     }
   };
   forEachPosting(
       [&](std::uint32_t d, std::uint32_t, std::uint32_t) { ++counts[d + 1]; });
+  // Each item's latest customer, and one past its latest position there.
+  std::fill(lastCustomer.begin(), lastCustomer.end(), UINT32_MAX);
+  std::vector<std::uint32_t> lastAt(distinctItems_.size(), 0);
+  for (std::uint32_t c = 0; c + 1 < customerStart_.size(); ++c) {
+    for (std::uint32_t i = setStart_[customerStart_[c]];
+         i < setStart_[customerStart_[c + 1]]; ++i) {
+      const std::uint32_t d = entries_[i].dense;
+      if (lastCustomer[d] == c) entries_[i].previous = lastAt[d];
+      lastCustomer[d] = c;
+      lastAt[d] = i + 1;
+    }
+  }
   for (std::size_t d = 1; d < counts.size(); ++d) counts[d] += counts[d - 1];
   postingStart_ = counts;
   postings_.assign(counts.back(), 0);
@@ -123,6 +135,22 @@ void SequenceIndex::buildPostings() {
     firstSets_[counts[d]] = set;
     postings_[counts[d]++] = c;
   });
+  // The rows cost at most 4 * kDirectShare bytes per posting of their items.
+  const std::size_t customers = customerCount();
+  directAt_.assign(distinctItems_.size(), kNoRow);
+  std::size_t rows = 0;
+  for (std::size_t d = 0; d < distinctItems_.size(); ++d) {
+    const std::size_t held = postingStart_[d + 1] - postingStart_[d];
+    if (held * kDirectShare >= customers) directAt_[d] = rows++ * customers;
+  }
+  direct_.assign(rows * customers, 0);
+  for (std::size_t d = 0; d < distinctItems_.size(); ++d) {
+    if (directAt_[d] == kNoRow) continue;
+    std::uint32_t* row = direct_.data() + directAt_[d];
+    for (std::uint32_t k = postingStart_[d]; k < postingStart_[d + 1]; ++k) {
+      row[postings_[k]] = firstSets_[k] + 1;
+    }
+  }
 }
 
 double SequenceIndex::repeatRate(int window) const {
@@ -164,11 +192,26 @@ void SequenceIndex::holdersOf(const std::vector<int>& context,
        ++k) {
     holders->push_back({postings_[k], firstSets_[k] + 1});
   }
-  for (std::size_t k = 1; k < lists.size() && !holders->empty(); ++k) {
+  // The lists are the popular ones from some point on: those with a row
+  // are checked by reading it, the others by searching their postings.
+  std::size_t k = 1;
+  for (; k < lists.size() && directAt_[lists[k].second] == kNoRow &&
+         !holders->empty();
+       ++k) {
     const std::size_t d = lists[k].second;
     keepHolders(holders, postings_.data() + postingStart_[d],
                 postings_.data() + postingStart_[d + 1],
                 firstSets_.data() + postingStart_[d]);
+  }
+  for (; k < lists.size() && !holders->empty(); ++k) {
+    const std::uint32_t* row = direct_.data() + directAt_[lists[k].second];
+    std::size_t kept = 0;
+    for (const Holder& h : *holders) {
+      const std::uint32_t after = row[h.customer];
+      if (after != 0)
+        (*holders)[kept++] = {h.customer, std::max(h.after, after)};
+    }
+    holders->resize(kept);
   }
 }
 
@@ -191,36 +234,28 @@ SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
   if (scratch.weights.size() < items) {
     scratch.weights.resize(items, 0.0);
     scratch.subsetWeights.resize(items, 0.0);
-    scratch.countedBy.resize(items, 0);
   }
   return scratch;
-}
-
-std::uint32_t SequenceIndex::Scratch::nextMark() {
-  if (lastMark == UINT32_MAX) {
-    std::fill(countedBy.begin(), countedBy.end(), 0);
-    lastMark = 0;
-  }
-  return ++lastMark;
 }
 
 void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
                                  double decay, Scratch* scratch,
                                  std::vector<int>* touched) const {
-  std::vector<std::uint32_t>& countedBy = scratch->countedBy;
-  std::vector<double>* weights = &scratch->subsetWeights;
+  std::vector<double>& weights = scratch->subsetWeights;
   for (const Holder& holder : holders) {
-    const std::uint32_t mark = scratch->nextMark();
     const std::uint32_t s = holder.after;
     const std::uint32_t end = customerStart_[holder.customer + 1];
+    // An item counts at its first entry from `from` on: where its previous
+    // entry, if any, lies before `from`.
+    const std::uint32_t from = setStart_[s];
     for (std::uint32_t t = s; t < end; ++t) {
       const double weight = 1.0 / (1.0 + decay * (t - s));
       for (std::uint32_t i = setStart_[t]; i < setStart_[t + 1]; ++i) {
-        const std::size_t d = dense_[i];
-        if (countedBy[d] == mark) continue;
-        countedBy[d] = mark;
-        if ((*weights)[d] == 0) touched->push_back(static_cast<int>(d));
-        (*weights)[d] += weight;
+        const Entry& e = entries_[i];
+        if (e.previous > from) continue;
+        const std::size_t d = e.dense;
+        if (weights[d] == 0) touched->push_back(static_cast<int>(d));
+        weights[d] += weight;
       }
     }
   }
@@ -356,7 +391,7 @@ FollowerCounts SequenceIndex::similarCounts(const std::vector<int>& context,
                         countedList.push_back(c);
                         for (std::uint32_t i = setStart_[from];
                              i < setStart_[end]; ++i) {
-                          const std::size_t d = dense_[i];
+                          const std::size_t d = entries_[i].dense;
                           if (weights[d] == 0) {
                             touched.push_back(static_cast<int>(d));
                           }

@@ -114,12 +114,8 @@ class SequenceIndex {
   struct Scratch {
     // The thread's arrays, grown to at least `items` entries.
     static Scratch& forItems(std::size_t items);
-    // A mark no entry of countedBy holds yet.
-    std::uint32_t nextMark();
     std::vector<double> weights;
     std::vector<double> subsetWeights;
-    std::vector<std::uint32_t> countedBy;  // the holder that counted last
-    std::uint32_t lastMark = 0;
   };
   // Adds to scratch->subsetWeights what followed in each holder's sequence
   // after its `after` set, each distinct item once per holder.
@@ -141,13 +137,30 @@ class SequenceIndex {
   std::vector<int> items_;
   std::vector<std::uint32_t> setStart_{0};
   std::vector<std::uint32_t> customerStart_{0};
-  std::vector<std::uint32_t> dense_;  // items_ renumbered densely
+  // Per entry of items_, side by side so that a walk reads one array: the
+  // item renumbered densely, and one past the position of the same item's
+  // previous entry in the customer's sequence (0: none), so that a walk from
+  // a position knows an item is new to it without marking what it has met.
+  struct Entry {
+    std::uint32_t dense;
+    std::uint32_t previous;
+  };
+  std::vector<Entry> entries_;
   // Items are renumbered densely for the postings and the weights.
   std::vector<int> distinctItems_;  // dense number -> item, ascending
   std::vector<std::uint32_t> postingStart_;
   std::vector<std::uint32_t> postings_;  // customers per dense item
   // Per posting: the customer's first item set holding the item.
   std::vector<std::uint32_t> firstSets_;
+  // For the items held by at least 1 / kDirectShare of the customers: by
+  // customer, the first item set holding the item plus one (0: not held), so
+  // that checking a holder against a popular item is one read instead of a
+  // search through its long posting list. directAt_[d] is the item's row
+  // in direct_ (in customers), or kNoRow.
+  static constexpr std::size_t kDirectShare = 8;
+  static constexpr std::size_t kNoRow = SIZE_MAX;
+  std::vector<std::size_t> directAt_;
+  std::vector<std::uint32_t> direct_;
 };
 
 }  // namespace recommend

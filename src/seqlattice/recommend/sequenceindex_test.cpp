@@ -72,6 +72,26 @@ TEST(SequenceIndex, ItemsAreLeftOutWhenTooFewCustomersHoldTheContext) {
             (std::vector<int>{1}));
 }
 
+TEST(SequenceIndex, ContextsMixingRareAndPopularItems) {
+  // 2 x (7)(8)(1)(7)(9)(7), 18 x (1)(5): 7 and 8 are rare, 1 popular. The
+  // two holders have seen the whole context after set 2; from there 7 comes
+  // at distance 0 (its later entry not counted again) and 9 at distance 1.
+  std::vector<test::Customer> customers;
+  for (int i = 0; i < 2; ++i) {
+    customers.push_back({{7}, {8}, {1}, {7}, {9}, {7}});
+  }
+  for (int i = 0; i < 18; ++i) customers.push_back({{1}, {5}});
+  recommend::SequenceIndex index(test::makeDatabase(customers));
+  expectCounts(index.followersOf({1, 8, 7}, 1, 0, 1.0, 0.0), 0, 1, 2,
+               {{7, 1.0}, {9, 0.5}});
+  expectCounts(index.followersOf({7, 1}, 1, 0, 1.0, 0.0), 0, 1, 2,
+               {{7, 1.0}, {9, 0.5}});
+  // Nobody holds {8, 5}: {8} gives 1, 7 and 9 at distances 0, 1 and 2 to
+  // its 2 holders, {5} nothing to its 18; the mean of the two shares.
+  expectCounts(index.followersOf({8, 5}, 1, 1, 1.0, 0.0), 1, 2, 20,
+               {{1, 0.5}, {7, 0.25}, {9, 1.0 / 6}});
+}
+
 TEST(SequenceIndex, SimilarCountsOfAContextHeldByEveryCustomer) {
   // {1}: 20 customers, each counting 1 / 20 for every item after (1).
   recommend::SequenceIndex index(smallDatabase());
