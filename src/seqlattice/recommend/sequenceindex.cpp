@@ -80,24 +80,49 @@ bool SequenceIndex::fromFlat(std::vector<int> items,
   return true;
 }
 
-void SequenceIndex::buildPostings() {
+void SequenceIndex::numberItems() {
+  entries_.assign(items_.size(), {0, 0});
+  distinctItems_.clear();
+  if (items_.empty()) return;
+  const auto bounds = std::minmax_element(items_.begin(), items_.end());
+  const int low = *bounds.first;
+  const long long range = static_cast<long long>(*bounds.second) - low + 1;
+  // Item codes are mostly small and dense: a table over their range numbers
+  // them in two passes, where sorting every entry took half of loading a
+  // small model. Sparse codes keep to the sort, so the table stays no
+  // larger than a few times the entries.
+  if (range <= 4 * static_cast<long long>(items_.size()) + 4096) {
+    std::vector<std::uint32_t> number(static_cast<std::size_t>(range), 0);
+    for (int item : items_) number[static_cast<std::size_t>(item - low)] = 1;
+    for (long long v = 0; v < range; ++v) {
+      if (number[static_cast<std::size_t>(v)] == 0) continue;
+      number[static_cast<std::size_t>(v)] =
+          static_cast<std::uint32_t>(distinctItems_.size());
+      distinctItems_.push_back(static_cast<int>(low + v));
+    }
+    for (std::size_t i = 0; i < items_.size(); ++i) {
+      entries_[i].dense = number[static_cast<std::size_t>(items_[i] - low)];
+    }
+    return;
+  }
   distinctItems_ = items_;
   std::sort(distinctItems_.begin(), distinctItems_.end());
   distinctItems_.erase(
       std::unique(distinctItems_.begin(), distinctItems_.end()),
       distinctItems_.end());
+  for (std::size_t i = 0; i < items_.size(); ++i) {
+    entries_[i].dense = static_cast<std::uint32_t>(
+        std::lower_bound(distinctItems_.begin(), distinctItems_.end(),
+                         items_[i]) -
+        distinctItems_.begin());
+  }
+}
+
+void SequenceIndex::buildPostings() {
+  numberItems();
   // One posting per (item, customer), customers ascending: count, then fill.
   std::vector<std::uint32_t> lastCustomer(distinctItems_.size(), UINT32_MAX);
   std::vector<std::uint32_t> counts(distinctItems_.size() + 1, 0);
-  auto denseOf = [&](int item) {
-    return static_cast<std::size_t>(
-        std::lower_bound(distinctItems_.begin(), distinctItems_.end(), item) -
-        distinctItems_.begin());
-  };
-  entries_.assign(items_.size(), {0, 0});
-  for (std::size_t i = 0; i < items_.size(); ++i) {
-    entries_[i].dense = static_cast<std::uint32_t>(denseOf(items_[i]));
-  }
   // Each customer's first occurrence of each of its items, with its set.
   auto forEachPosting = [&](auto add) {
     std::fill(lastCustomer.begin(), lastCustomer.end(), UINT32_MAX);

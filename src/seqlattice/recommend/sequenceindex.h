@@ -109,6 +109,8 @@ class SequenceIndex {
 
  private:
   void buildPostings();
+  // Sets distinctItems_ and each entry's dense number.
+  void numberItems();
   // Arrays by dense item for followersOf, one set per thread (so that a
   // call neither allocates nor clears them), zero between calls.
   struct Scratch {

@@ -48,6 +48,24 @@ TEST(SequenceIndex, FollowersOfAContextHeldByEveryCustomer) {
   expectFollowers(f.followers, {{4, 0.1}, {5, 0.9}});
 }
 
+TEST(SequenceIndex, ItemCodesSpreadOverTheWholeIntRangeGiveTheSameFigures) {
+  // smallDatabase() with its items renumbered in the same order, too far
+  // apart for a table over their range.
+  auto spread = [](int item) { return item * 700000000 - 1500000000; };
+  std::vector<test::Customer> customers;
+  for (int i = 0; i < 2; ++i) {
+    customers.push_back({{spread(2)}, {spread(1)}, {spread(4)}});
+  }
+  for (int i = 0; i < 18; ++i) customers.push_back({{spread(1)}, {spread(5)}});
+  for (int i = 0; i < 2; ++i) customers.push_back({{spread(3)}});
+  recommend::SequenceIndex index(test::makeDatabase(customers));
+  recommend::FollowerCounts f = index.followersOf({spread(1)}, 1, 0, 0.0, 0.0);
+  EXPECT_EQ(f.contextCustomers, 20);
+  expectFollowers(f.followers, {{1300000000, 0.1}, {2000000000, 0.9}});
+  f = index.followersOf({spread(2)}, 1, 0, 1.0, 0.0);
+  expectFollowers(f.followers, {{-800000000, 1.0}, {1300000000, 0.5}});
+}
+
 TEST(SequenceIndex, DecayWeighsLaterItemsLess) {
   // After (2): 1 at distance 0, 4 at distance 1, weight 1 / (1 + 1).
   recommend::SequenceIndex index(smallDatabase());
