@@ -120,35 +120,22 @@ void SequenceIndex::numberItems() {
 
 void SequenceIndex::buildPostings() {
   numberItems();
-  // One posting per (item, customer), customers ascending: count, then fill.
+  // One posting per (item, customer), customers ascending. The pass that
+  // links each entry to the same item's previous one in its customer counts
+  // the postings (the entries with none); a second pass fills them.
   std::vector<std::uint32_t> lastCustomer(distinctItems_.size(), UINT32_MAX);
-  std::vector<std::uint32_t> counts(distinctItems_.size() + 1, 0);
-  // Each customer's first occurrence of each of its items, with its set.
-  auto forEachPosting = [&](auto add) {
-    std::fill(lastCustomer.begin(), lastCustomer.end(), UINT32_MAX);
-    for (std::uint32_t c = 0; c + 1 < customerStart_.size(); ++c) {
-      for (std::uint32_t s = customerStart_[c]; s < customerStart_[c + 1];
-           ++s) {
-        for (std::uint32_t i = setStart_[s]; i < setStart_[s + 1]; ++i) {
-          const std::uint32_t d = entries_[i].dense;
-          if (lastCustomer[d] == c) continue;
-          lastCustomer[d] = c;
-          add(d, c, s);
-        }
-      }
-    }
-  };
-  forEachPosting(
-      [&](std::uint32_t d, std::uint32_t, std::uint32_t) { ++counts[d + 1]; });
-  // Each item's latest customer, and one past its latest position there.
-  std::fill(lastCustomer.begin(), lastCustomer.end(), UINT32_MAX);
   std::vector<std::uint32_t> lastAt(distinctItems_.size(), 0);
+  std::vector<std::uint32_t> counts(distinctItems_.size() + 1, 0);
   for (std::uint32_t c = 0; c + 1 < customerStart_.size(); ++c) {
     for (std::uint32_t i = setStart_[customerStart_[c]];
          i < setStart_[customerStart_[c + 1]]; ++i) {
       const std::uint32_t d = entries_[i].dense;
-      if (lastCustomer[d] == c) entries_[i].previous = lastAt[d];
-      lastCustomer[d] = c;
+      if (lastCustomer[d] == c) {
+        entries_[i].previous = lastAt[d];
+      } else {
+        lastCustomer[d] = c;
+        ++counts[d + 1];
+      }
       lastAt[d] = i + 1;
     }
   }
@@ -156,10 +143,16 @@ void SequenceIndex::buildPostings() {
   postingStart_ = counts;
   postings_.assign(counts.back(), 0);
   firstSets_.assign(counts.back(), 0);
-  forEachPosting([&](std::uint32_t d, std::uint32_t c, std::uint32_t set) {
-    firstSets_[counts[d]] = set;
-    postings_[counts[d]++] = c;
-  });
+  for (std::uint32_t c = 0; c + 1 < customerStart_.size(); ++c) {
+    for (std::uint32_t s = customerStart_[c]; s < customerStart_[c + 1]; ++s) {
+      for (std::uint32_t i = setStart_[s]; i < setStart_[s + 1]; ++i) {
+        if (entries_[i].previous != 0) continue;
+        const std::uint32_t d = entries_[i].dense;
+        firstSets_[counts[d]] = s;
+        postings_[counts[d]++] = c;
+      }
+    }
+  }
   // The rows cost at most 4 * kDirectShare bytes per posting of their items.
   const std::size_t customers = customerCount();
   directAt_.assign(distinctItems_.size(), kNoRow);
