@@ -92,8 +92,11 @@ void SequenceIndex::numberItems() {
   // small model. Sparse codes keep to the sort, so the table stays no
   // larger than a few times the entries.
   if (range <= 4 * static_cast<long long>(items_.size()) + 4096) {
+    auto offset = [low](int item) {
+      return static_cast<std::size_t>(static_cast<long long>(item) - low);
+    };
     std::vector<std::uint32_t> number(static_cast<std::size_t>(range), 0);
-    for (int item : items_) number[static_cast<std::size_t>(item - low)] = 1;
+    for (int item : items_) number[offset(item)] = 1;
     for (long long v = 0; v < range; ++v) {
       if (number[static_cast<std::size_t>(v)] == 0) continue;
       number[static_cast<std::size_t>(v)] =
@@ -101,7 +104,7 @@ void SequenceIndex::numberItems() {
       distinctItems_.push_back(static_cast<int>(low + v));
     }
     for (std::size_t i = 0; i < items_.size(); ++i) {
-      entries_[i].dense = number[static_cast<std::size_t>(items_[i] - low)];
+      entries_[i].dense = number[offset(items_[i])];
     }
     return;
   }

@@ -51,7 +51,9 @@ TEST(SequenceIndex, FollowersOfAContextHeldByEveryCustomer) {
 TEST(SequenceIndex, ItemCodesSpreadOverTheWholeIntRangeGiveTheSameFigures) {
   // smallDatabase() with its items renumbered in the same order, too far
   // apart for a table over their range.
-  auto spread = [](int item) { return item * 700000000 - 1500000000; };
+  auto spread = [](int item) {
+    return static_cast<int>(item * 700000000LL - 1500000000LL);
+  };
   std::vector<test::Customer> customers;
   for (int i = 0; i < 2; ++i) {
     customers.push_back({{spread(2)}, {spread(1)}, {spread(4)}});
