@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -21,9 +22,9 @@ namespace {
 // in batches: the tables are far larger than the caches, so one lookup at a
 // time would wait for its bucket, node and key in turn, while a batch lets
 // those waits overlap (HashtableSQPair::getAll). The links found are kept
-// until the level is done and then added parent by parent, in pair order:
-// each adjacency set is then filled at its end, without a search, and its
-// nodes lie together in memory for whoever walks it later (saving, queries).
+// until the level is done, then sorted by counter and handed to each counter
+// as one sorted array: no tree node per pair, and a counter's pairs lie
+// together in memory for whoever walks them later (saving, queries).
 class SubPatternBatch {
  public:
   explicit SubPatternBatch(const HashtableSQPair& below) : below_(below) {}
@@ -61,18 +62,29 @@ class SubPatternBatch {
     n_ = 0;
   }
 
-  // Adds every link kept so far to its counter.
-  void link() {
+  // Gives every counter the kept links name the array of its pairs.
+  // A counter of a level that was reset has just an empty array, which its
+  // pairs replace; elsewhere they join whatever the counter held.
+  void link(bool belowReset) {
+    typedef SequenceCounter::AdjacentPair Pair;
     flush();
-    std::sort(links_.begin(), links_.end());
-    for (const Link& l : links_) {
-      SequenceCounter* counter = l.counter();
-      SequenceCounter::AdjacencySet* set = counter->getAdjacentItems();
-      if (set != nullptr) {
-        set->emplace_hint(set->end(), l.pair());
+    sortLinks();
+    const auto end = std::unique(links_.begin(), links_.end());
+    for (auto at = links_.begin(); at != end;) {
+      SequenceCounter* counter = at->counter();
+      auto last = at + 1;
+      while (last != end && last->counter() == counter) ++last;
+      const int n = static_cast<int>(last - at);
+      if (belowReset) {
+        std::unique_ptr<Pair[]> pairs(new Pair[static_cast<std::size_t>(n)]);
+        for (int i = 0; i < n; ++i) pairs[i] = at[i].pair();
+        counter->adoptPairArray(pairs.release(), n);
       } else {
-        counter->addAdjacentItem(l.pair().first, l.pair().second);
+        for (; at != last; ++at) {
+          counter->addAdjacentItem(at->pair().first, at->pair().second);
+        }
       }
+      at = last;
     }
     links_.clear();
   }
@@ -83,6 +95,7 @@ class SubPatternBatch {
   // than field by field.
   class Link {
    public:
+    Link() = default;
     Link(SequenceCounter* counter, std::pair<int, int> pair)
         : key_(static_cast<unsigned __int128>(
                    reinterpret_cast<std::uintptr_t>(counter))
@@ -98,6 +111,7 @@ class SubPatternBatch {
               fromOrderedBits(static_cast<std::uint32_t>(key_))};
     }
     bool operator<(const Link& other) const { return key_ < other.key_; }
+    bool operator==(const Link& other) const { return key_ == other.key_; }
 
    private:
     // Flipping the sign bit orders ints as unsigned numbers.
@@ -110,7 +124,45 @@ class SubPatternBatch {
     unsigned __int128 key_;
   };
 
+  // Sorts the links: one pass spreads them over buckets of neighbouring
+  // counter addresses, in address order, and each bucket, small enough to
+  // stay in the cache, is then sorted on its own. A sort of the whole array
+  // at once would wait on memory at every level of its recursion.
+  void sortLinks() {
+    if (links_.size() < kBuckets * 4) {
+      std::sort(links_.begin(), links_.end());
+      return;
+    }
+    std::uintptr_t low = address(links_.front());
+    std::uintptr_t high = low;
+    for (const Link& l : links_) {
+      low = std::min(low, address(l));
+      high = std::max(high, address(l));
+    }
+    const int bits = 64 - __builtin_clzll((high - low) | 1);
+    const int shift = std::max(0, bits - kBucketBits);
+    std::vector<std::size_t> start(kBuckets + 1, 0);
+    for (const Link& l : links_) ++start[((address(l) - low) >> shift) + 1];
+    for (std::size_t b = 0; b < kBuckets; ++b) start[b + 1] += start[b];
+    std::vector<std::size_t> next(start.begin(), start.end() - 1);
+    sorted_.resize(links_.size());
+    for (const Link& l : links_) {
+      sorted_[next[(address(l) - low) >> shift]++] = l;
+    }
+    for (std::size_t b = 0; b < kBuckets; ++b) {
+      std::sort(sorted_.begin() + static_cast<long>(start[b]),
+                sorted_.begin() + static_cast<long>(start[b + 1]));
+    }
+    links_.swap(sorted_);
+  }
+
+  static std::uintptr_t address(const Link& l) {
+    return reinterpret_cast<std::uintptr_t>(l.counter());
+  }
+
   static constexpr int kBatch = 64;
+  static constexpr int kBucketBits = 10;
+  static constexpr std::size_t kBuckets = std::size_t{1} << kBucketBits;
   const HashtableSQPair& below_;
   std::deque<NTSequence> scratch_;  // grows without moving its keys
   std::vector<const NTSequence*> keys_;
@@ -118,28 +170,42 @@ class SubPatternBatch {
   std::vector<ISQCPair*> found_;
   int n_ = 0;
   std::vector<Link> links_;
+  std::vector<Link> sorted_;
 };
 
-// Gives every counter of `level` a new empty adjacency set.
-void renewAdjacencySets(HashtableSQPair& level) {
+// Gives every counter of `level` an empty array in place of its pairs, set
+// or array: once the lattice is built, every counter of a linked level has its
+// (maybe empty) set, and linking the level above replaces the empty arrays of
+// the counters it reaches.
+void resetPairs(HashtableSQPair& level) {
   for (HashtableSQPair::iterator it = level.begin(); it != level.end(); ++it) {
     const ISQCPair entry = *it;
     if (entry.value != nullptr) {
-      entry.value->setAdjacentItems(new SequenceCounter::AdjacencySet());
+      entry.value->adoptPairArray(new SequenceCounter::AdjacentPair[0], 0);
     }
   }
 }
 
-// Adds to each stored pattern of `below` the pair that leads from it to a
+// Gives each stored pattern of `below` the pairs that lead from it to a
 // pattern of `level`: for every item of a pattern P, the sub-pattern without
 // it learns (item, 2s+1) when the item was alone in set s of P, (item, 2s)
-// otherwise. Only the adjacency sets of `below` change, so the levels can be
-// linked at the same time once every set is renewed.
+// otherwise. Only the counters of `below` change, so the levels can be
+// linked at the same time once every level is reset (belowReset: whether
+// `below` was).
 void linkToLevelBelow(const HashtableSQPair& level,
-                      const HashtableSQPair& below) {
+                      const HashtableSQPair& below, bool belowReset) {
   SubPatternBatch batch(below);
-  for (HashtableSQPair::const_iterator it = level.begin(); it != level.end();
-       ++it) {
+  // The table's nodes and keys lie all over memory: the walk asks for the
+  // key kAhead entries on while it works on this one.
+  constexpr int kAhead = 16;
+  const HashtableSQPair::const_iterator end = level.end();
+  HashtableSQPair::const_iterator ahead = level.begin();
+  for (int i = 0; i < kAhead && ahead != end; ++i) ++ahead;
+  for (HashtableSQPair::const_iterator it = level.begin(); it != end; ++it) {
+    if (ahead != end) {
+      __builtin_prefetch((*ahead).key);
+      ++ahead;
+    }
     NTSequence* pattern = (*it).key;
     int pos = 0;
     for (int s = 0; s < pattern->getNSets(); ++s) {
@@ -149,7 +215,7 @@ void linkToLevelBelow(const HashtableSQPair& level,
     }
     if (batch.full()) batch.flush();
   }
-  batch.link();
+  batch.link(belowReset);
 }
 
 // Below this many patterns a build takes less than starting a thread.
@@ -157,10 +223,9 @@ constexpr long kPatternsForThreads = 20000;
 
 }  // namespace
 
-// Levels above the first empty one are not visited: in a pruned dictionary
-// levels fill from the bottom. Every counter's set is renewed before any level
-// is linked, since linking level k adds to the sets of level k-1; the levels
-// are then linked on as many threads as the machine has, the largest first.
+// Every counter is reset before any level is linked, since linking level k
+// gives level k-1 its pairs; the levels are then linked on as many threads
+// as the machine has, the largest first.
 KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
   try {
     const int largest = LargestSequence();
@@ -168,13 +233,16 @@ KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
     if (root == nullptr)
       return KvCommon_850::KvStatus(KvCommon_850::kStatusFailure, false);
     if (root->value != nullptr) {
-      root->value->setAdjacentItems(new SequenceCounter::AdjacencySet());
+      root->value->adoptPairArray(new SequenceCounter::AdjacentPair[0], 0);
     }
     std::vector<std::pair<long, int>> levels;  // (items to look up, level)
+    std::vector<bool> reset(static_cast<std::size_t>(largest) + 1, false);
+    reset[0] = true;
     long patterns = 0;
     for (int k = 1; k <= largest; ++k) {
       if (getLevel(k) != nullptr && getLevel(k - 1) != nullptr) {
         levels.emplace_back(static_cast<long>(getLevel(k)->getCount()) * k, k);
+        reset[static_cast<std::size_t>(k)] = true;
         patterns += getLevel(k)->getCount();
       }
     }
@@ -184,11 +252,12 @@ KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
             ? 1
             : std::max(1u, std::thread::hardware_concurrency());
     dictionary_internal::runTasks(levels.size(), threads, [&](std::size_t i) {
-      renewAdjacencySets(*getLevel(levels[i].second));
+      resetPairs(*getLevel(levels[i].second));
     });
     dictionary_internal::runTasks(levels.size(), threads, [&](std::size_t i) {
       const int k = levels[i].second;
-      linkToLevelBelow(*getLevel(k), *getLevel(k - 1));
+      linkToLevelBelow(*getLevel(k), *getLevel(k - 1),
+                       reset[static_cast<std::size_t>(k - 1)]);
     });
   } catch (...) {
     // Whatever was linked so far stays; the lattice does not count as built.

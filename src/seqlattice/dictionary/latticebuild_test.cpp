@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 #include "seqlattice/dictionary/dictionary_test_util.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/store/sequencedescriptor.h"
@@ -120,6 +123,31 @@ TEST(LatticeBuildTest, ARebuildAfterPruningDropsLinksToPrunedPatterns) {
   ASSERT_TRUE(d.buildLattice().IsOK());
   EXPECT_EQ(test::adjacencyOf(d, {{1}}), (test::Adjacency{{2, 3}}));
   EXPECT_EQ(test::adjacencyOf(d, {{2}}), (test::Adjacency{{1, 1}}));
+}
+
+TEST(LatticeBuildTest, ARebuildReplacesThePairsAHostAdded) {
+  SequenceDictionary d(4);
+  test::addPairPatterns(d);
+  ASSERT_TRUE(d.buildLattice().IsOK());
+  test::counterOf(d, {{1}})->addAdjacentItem(9, 1);
+  test::counterOf(d, {{1, 2}})->addAdjacentItem(9, 3);
+  ASSERT_TRUE(d.buildLattice().IsOK());
+  EXPECT_EQ(test::adjacencyOf(d, {{1}}), (test::Adjacency{{2, 0}, {2, 3}}));
+  EXPECT_EQ(test::adjacencyOf(d, {{1, 2}}), test::Adjacency{});
+  ASSERT_NE(test::counterOf(d, {{1, 2}})->getAdjacentItems(), nullptr);
+}
+
+TEST(LatticeBuildTest, EveryCounterHasItsPairsInOrder) {
+  SequenceDictionary d(4);
+  test::addPairPatterns(d);
+  ASSERT_TRUE(d.buildLattice().IsOK());
+  const SequenceCounter::PairRange pairs =
+      test::counterOf(d, {{2}})->adjacentPairs();
+  ASSERT_TRUE(pairs.present());
+  const std::vector<std::pair<int, int>> walked(pairs.begin(), pairs.end());
+  EXPECT_EQ(walked, (std::vector<std::pair<int, int>>{{1, 0}, {1, 1}}));
+  EXPECT_TRUE(test::counterOf(d, {{1}, {2}})->adjacentPairs().present());
+  EXPECT_EQ(test::counterOf(d, {{1}, {2}})->adjacentPairs().size(), 0u);
 }
 
 // A dictionary that reports no pattern above one item.

@@ -10,14 +10,14 @@
 // they replace. A counter stored in a HashtableSQPair belongs to the table.
 // Counters are not copyable, since they own what they point to.
 //
-// A counter read from a file keeps its pairs in one sorted array rather than
-// as a tree: a loaded model holds millions of pairs, and a tree node each was
-// most of the cost of loading it. adjacentPairs() walks the array as it is;
-// getAdjacentItems() makes the set from it on its first call, after which the
-// set is what the counter holds (the array stays, unused, until a mutator
-// drops it). The library's own readers go through adjacentPairs(), so
-// predicting from, querying, exporting or saving a loaded model never makes a
-// set.
+// A counter read from a file, or linked by the lattice build, keeps its pairs
+// in one sorted array rather than as a tree: a model holds millions of pairs,
+// and a tree node each was most of the cost of loading or building it.
+// adjacentPairs() walks the array as it is; getAdjacentItems() makes the set
+// from it on its first call, after which the set is what the counter holds
+// (the array stays, unused, until a mutator drops it). The library's own
+// readers go through adjacentPairs(), so predicting from, querying, exporting
+// or saving a loaded or freshly built model never makes a set.
 //
 // CarmaSequenceDescriptor is the kind of counter the dictionary creates. It
 // adds nothing but a constructor and is deleted through SequenceCounter*,
@@ -177,6 +177,11 @@ class SequenceCounter {
   // Adopts items (may be null) and deletes the set held before, unless it is
   // the same object.
   void setAdjacentItems(AdjacencySet* items);
+  // Adopts pairs, an array from new[] of n sorted, distinct pairs (or null
+  // for none), in place of whatever set or array the counter held: the
+  // lattice build and the readers hand their pairs over this way, without a
+  // tree node per pair. A non-null array of 0 pairs stands for an empty set.
+  void adoptPairArray(AdjacentPair* pairs, int n);
   // Empties the set but keeps it; nothing happens when there is none. On a
   // counter whose set has not been made yet, the empty set is made, which
   // may throw SeqExceptions::DictionaryFailure when memory runs out.
@@ -197,9 +202,6 @@ class SequenceCounter {
   // Makes the set from the array and publishes it, unless another thread
   // published one first; returns the published set.
   AdjacencySet* makeSetFromArray() const;
-  // Adopts pairs, an array from new[] of n sorted, distinct pairs (or null
-  // for none), in place of whatever set or array the counter held.
-  void adoptPairArray(AdjacentPair* pairs, int n);
   // Deletes the array, if any.
   void dropPairArray();
 
