@@ -6,13 +6,13 @@
 #include <cstring>
 #include <fstream>
 #include <numeric>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "seqlattice/dictionary/internal/paralleltasks.h"
 #include "seqlattice/dictionary/sequencedictionary.h"
+#include "seqlattice/io/internal/chunkbuffer.h"
 #include "seqlattice/io/internal/record_io.h"
 #include "seqlattice/store/hashpairseq.h"
 
@@ -58,7 +58,7 @@ long writeLevels(HashtableSQPair* const* levels, int nLevels,
     return tableToSave(levels[a]).getCount() >
            tableToSave(levels[b]).getCount();
   });
-  std::vector<std::stringbuf> records(order.size());
+  std::vector<io_internal::ChunkBuffer> records(order.size());
   std::vector<long> written(order.size(), 0);
   dictionary_internal::runTasks(
       order.size(), std::max(1u, std::thread::hardware_concurrency()),
@@ -70,9 +70,7 @@ long writeLevels(HashtableSQPair* const* levels, int nLevels,
       });
   long total = 0;
   for (int k = 0; k < nLevels; ++k) {
-    const std::string bytes = records[k].str();
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    records[k] = std::stringbuf();
+    records[k].moveTo(out);
     total += written[k];
   }
   return total;
