@@ -62,14 +62,20 @@ class SubPatternBatch {
     n_ = 0;
   }
 
-  // Gives every counter the kept links name the array of its pairs.
-  // A counter of a level that was reset has just an empty array, which its
-  // pairs replace; elsewhere they join whatever the counter held.
-  void link(bool belowReset) {
-    typedef SequenceCounter::AdjacentPair Pair;
+  // Looks up what is still queued and puts the links in order of counter.
+  void finish() {
     flush();
     sortLinks();
-    const auto end = std::unique(links_.begin(), links_.end());
+    links_.erase(std::unique(links_.begin(), links_.end()), links_.end());
+    sorted_ = std::vector<Link>();
+  }
+
+  // Gives every counter the links name (after finish) the array of its
+  // pairs. A counter of a level that was reset has just an empty array, which
+  // its pairs replace; elsewhere they join whatever the counter held.
+  void link(bool belowReset) {
+    typedef SequenceCounter::AdjacentPair Pair;
+    const auto end = links_.end();
     for (auto at = links_.begin(); at != end;) {
       SequenceCounter* counter = at->counter();
       auto last = at + 1;
@@ -86,7 +92,7 @@ class SubPatternBatch {
       }
       at = last;
     }
-    links_.clear();
+    links_ = std::vector<Link>();
   }
 
  private:
@@ -173,40 +179,34 @@ class SubPatternBatch {
   std::vector<Link> sorted_;
 };
 
-// Gives every counter of `level` an empty array in place of its pairs, set
-// or array: once the lattice is built, every counter of a linked level has its
-// (maybe empty) set, and linking the level above replaces the empty arrays of
-// the counters it reaches.
-void resetPairs(HashtableSQPair& level) {
-  for (HashtableSQPair::iterator it = level.begin(); it != level.end(); ++it) {
+// Queues in batch the links from each stored pattern of `level` to the
+// pattern of the level below without one of its items: for every item of a
+// pattern P, the sub-pattern without it learns (item, 2s+1) when the item was
+// alone in set s of P, (item, 2s) otherwise. On the way, every counter of
+// `level` gets an empty array in place of its pairs, set or array: once the
+// lattice is built, every counter of a linked level has its (maybe empty)
+// set, and linking the level above replaces the empty arrays of the counters
+// it reaches. Only the counters of `level` change, and the lookups read the
+// level below's keys, not its counters, so the levels can be walked at the
+// same time.
+void walkLevel(HashtableSQPair& level, SubPatternBatch& batch) {
+  // The table's nodes, keys and counters lie all over memory: the walk asks
+  // for the key and counter kAhead entries on while it works on this one.
+  constexpr int kAhead = 16;
+  const HashtableSQPair::iterator end = level.end();
+  HashtableSQPair::iterator ahead = level.begin();
+  for (int i = 0; i < kAhead && ahead != end; ++i) ++ahead;
+  for (HashtableSQPair::iterator it = level.begin(); it != end; ++it) {
+    if (ahead != end) {
+      __builtin_prefetch((*ahead).key);
+      __builtin_prefetch((*ahead).value);
+      ++ahead;
+    }
     const ISQCPair entry = *it;
     if (entry.value != nullptr) {
       entry.value->adoptPairArray(new SequenceCounter::AdjacentPair[0], 0);
     }
-  }
-}
-
-// Gives each stored pattern of `below` the pairs that lead from it to a
-// pattern of `level`: for every item of a pattern P, the sub-pattern without
-// it learns (item, 2s+1) when the item was alone in set s of P, (item, 2s)
-// otherwise. Only the counters of `below` change, so the levels can be
-// linked at the same time once every level is reset (belowReset: whether
-// `below` was).
-void linkToLevelBelow(const HashtableSQPair& level,
-                      const HashtableSQPair& below, bool belowReset) {
-  SubPatternBatch batch(below);
-  // The table's nodes and keys lie all over memory: the walk asks for the
-  // key kAhead entries on while it works on this one.
-  constexpr int kAhead = 16;
-  const HashtableSQPair::const_iterator end = level.end();
-  HashtableSQPair::const_iterator ahead = level.begin();
-  for (int i = 0; i < kAhead && ahead != end; ++i) ++ahead;
-  for (HashtableSQPair::const_iterator it = level.begin(); it != end; ++it) {
-    if (ahead != end) {
-      __builtin_prefetch((*ahead).key);
-      ++ahead;
-    }
-    NTSequence* pattern = (*it).key;
+    NTSequence* pattern = entry.key;
     int pos = 0;
     for (int s = 0; s < pattern->getNSets(); ++s) {
       for (int j = 0; j < pattern->getSizeOfSet(s); ++j) {
@@ -215,7 +215,7 @@ void linkToLevelBelow(const HashtableSQPair& level,
     }
     if (batch.full()) batch.flush();
   }
-  batch.link(belowReset);
+  batch.finish();
 }
 
 // Below this many patterns a build takes less than starting a thread.
@@ -223,9 +223,10 @@ constexpr long kPatternsForThreads = 20000;
 
 }  // namespace
 
-// Every counter is reset before any level is linked, since linking level k
-// gives level k-1 its pairs; the levels are then linked on as many threads
-// as the machine has, the largest first.
+// Two passes over the levels, each on as many threads as the machine has, the
+// largest level first: the first walks every level, resetting its counters
+// and finding the links to the level below; once every level is reset, the
+// second hands each counter of the level below its pairs.
 KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
   try {
     const int largest = LargestSequence();
@@ -251,13 +252,16 @@ KvCommon_850::KvStatus SequenceDictionary::buildLattice() {
         patterns < kPatternsForThreads
             ? 1
             : std::max(1u, std::thread::hardware_concurrency());
+    std::vector<std::unique_ptr<SubPatternBatch>> batches(levels.size());
     dictionary_internal::runTasks(levels.size(), threads, [&](std::size_t i) {
-      resetPairs(*getLevel(levels[i].second));
+      const int k = levels[i].second;
+      batches[i] = std::make_unique<SubPatternBatch>(*getLevel(k - 1));
+      walkLevel(*getLevel(k), *batches[i]);
     });
     dictionary_internal::runTasks(levels.size(), threads, [&](std::size_t i) {
       const int k = levels[i].second;
-      linkToLevelBelow(*getLevel(k), *getLevel(k - 1),
-                       reset[static_cast<std::size_t>(k - 1)]);
+      batches[i]->link(reset[static_cast<std::size_t>(k - 1)]);
+      batches[i].reset();
     });
   } catch (...) {
     // Whatever was linked so far stays; the lattice does not count as built.
