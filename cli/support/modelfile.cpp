@@ -154,7 +154,7 @@ void loadBinary(const std::string& path, std::fstream& file,
   }
   const FileBytes data(path, file, bytes);
   const std::uint32_t checksum = decodeTrailer(
-      std::string(data.data() + recordSize, trailerSize), path, model);
+      std::string_view(data.data() + recordSize, trailerSize), path, model);
   Crc32 crc;
   crc.add(data.data(), recordSize);
   if (crc.value() != checksum) damaged(path, "checksum mismatch");

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/input/itemlabels.h"
@@ -73,7 +74,7 @@ void saveModel(const Model& model, const std::string& path, bool xml);
 // decodeTrailer throws CliError (exit 1) prefixed with path when the bytes
 // are not a valid trailer, and returns the checksum.
 std::string encodeTrailer(const Model& model, std::uint32_t checksum);
-std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
+std::uint32_t decodeTrailer(std::string_view bytes, const std::string& path,
                             Model* model);
 
 // The first bytes of every trailer.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -67,7 +68,7 @@ class Writer {
 // Reads what Writer wrote; every read checks the remaining length.
 class Reader {
  public:
-  explicit Reader(const std::string& bytes) : bytes_(bytes) {}
+  explicit Reader(std::string_view bytes) : bytes_(bytes) {}
   std::uint64_t u64() {
     need(8);
     std::uint64_t v = 0;
@@ -102,23 +103,28 @@ class Reader {
   }
   std::string str() {
     std::uint32_t n = u32();
+    return std::string(raw(n));
+  }
+  std::string_view raw(std::size_t n) {
     need(n);
-    std::string s = bytes_.substr(at_, n);
+    std::string_view s = bytes_.substr(at_, n);
     at_ += n;
     return s;
   }
-  std::string raw(std::size_t n) {
-    need(n);
-    std::string s = bytes_.substr(at_, n);
-    at_ += n;
-    return s;
-  }
+  // The sequences take most of a small model's trailer: on a little-endian
+  // host their values are copied as one block, one length check for all.
   template <typename T>
   std::vector<T> u32s() {
+    static_assert(sizeof(T) == 4, "32-bit values");
     const std::uint64_t n = u64();
     if (n > (bytes_.size() - at_) / 4) throw std::runtime_error("truncated");
     std::vector<T> values(static_cast<std::size_t>(n));
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    if (n > 0) std::memcpy(values.data(), bytes_.data() + at_, 4 * n);
+    at_ += 4 * n;
+#else
     for (T& v : values) v = static_cast<T>(u32());
+#endif
     return values;
   }
   bool atEnd() const { return at_ == bytes_.size(); }
@@ -127,7 +133,7 @@ class Reader {
   void need(std::size_t n) const {
     if (bytes_.size() - at_ < n) throw std::runtime_error("truncated");
   }
-  const std::string& bytes_;
+  const std::string_view bytes_;
   std::size_t at_ = 0;
 };
 
@@ -171,7 +177,7 @@ std::string encodeTrailer(const Model& model, std::uint32_t checksum) {
   return w.take();
 }
 
-std::uint32_t decodeTrailer(const std::string& bytes, const std::string& path,
+std::uint32_t decodeTrailer(std::string_view bytes, const std::string& path,
                             Model* model) {
   try {
     Reader r(bytes);

@@ -1,8 +1,10 @@
 // Binary record and XML element of HashtableSQPair: the entry count, then
 // each entry's pattern and counter in iteration order. Reading adds the
 // entries to what the table holds, a later duplicate replacing an earlier one.
+#include <algorithm>
 #include <fstream>
 #include <memory>
+#include <new>
 
 #include "seqlattice/io/internal/record_io.h"
 #include "seqlattice/pattern/ntsequence.h"
@@ -27,24 +29,56 @@ void checkEntriesFit(std::istream& in, int entries) {
 }
 
 // Reads `entries` entries with readEntry(key, counter), which returns the
-// count of what it read (0 or less is a failure), and stores them. Returns
-// the sum of those counts.
-template <typename ReadEntry>
-long readEntries(HashtableSQPair& table, int entries, ReadEntry readEntry) {
+// count of what it read (0 or less is a failure), and stores them in the
+// order read. Returns the sum of those counts. They are stored a batch at a
+// time, after fetchChain(key) has asked for the head of each one's chain: a
+// load then waits for those cache misses together rather than once per
+// entry. When an entry fails, the entries before it are stored before the
+// failure goes on, as storing each entry on reading it would leave the
+// table.
+template <typename ReadEntry, typename FetchChain>
+long readEntries(HashtableSQPair& table, int entries, ReadEntry readEntry,
+                 FetchChain fetchChain) {
+  constexpr int kBatch = 16;
+  std::unique_ptr<NTSequence> keys[kBatch];
+  std::unique_ptr<SequenceCounter> counters[kBatch];
   long read = 0;
-  for (int i = 0; i < entries; ++i) {
-    // An empty pattern without the scratch array of the default
-    // constructor: the record gives the key its own array anyway.
-    auto key = std::make_unique<NTSequence>(static_cast<int**>(nullptr), 0);
-    auto counter = std::make_unique<SequenceCounter>(0, 0, nullptr);
-    // A negative hash code (a one-item pattern of a negative item) is no
-    // failure: the table places it in range like every other code.
-    const long entryRead = readEntry(*key, *counter);
-    if (entryRead <= 0) RecordIO::raise(kFailure);
-    table.putOverwrite(key.get(), counter.get());
-    key.release();
-    counter.release();
-    read += entryRead;
+  for (int from = 0; from < entries; from += kBatch) {
+    const int n = std::min(kBatch, entries - from);
+    int got = 0;
+    auto store = [&] {
+      for (int i = 0; i < got; ++i) fetchChain(*keys[i]);
+      for (int i = 0; i < got; ++i) {
+        table.putOverwrite(keys[i].get(), counters[i].get());
+        keys[i].release();
+        counters[i].release();
+      }
+    };
+    try {
+      for (; got < n; ++got) {
+        // An empty pattern without the scratch array of the default
+        // constructor: the record gives the key its own array anyway.
+        keys[got] =
+            std::make_unique<NTSequence>(static_cast<int**>(nullptr), 0);
+        counters[got] = std::make_unique<SequenceCounter>(0, 0, nullptr);
+        // A negative hash code (a one-item pattern of a negative item) is no
+        // failure: the table places it in range like every other code.
+        const long entryRead = readEntry(*keys[got], *counters[got]);
+        if (entryRead <= 0) RecordIO::raise(kFailure);
+        read += entryRead;
+      }
+    } catch (...) {
+      keys[got].reset();
+      counters[got].reset();
+      // Running out of memory here leaves the earlier entries out; the
+      // failure that came first is the one reported.
+      try {
+        store();
+      } catch (const std::bad_alloc&) {
+      }
+      throw;
+    }
+    store();
   }
   return read;
 }
@@ -91,18 +125,22 @@ long HashtableSQPair::readObject(std::fstream& in) {
   RecordIO::readValue(in, &entries);
   if (entries < 1) return 6;
   checkEntriesFit(in, entries);
-  return 6 +
-         readEntries(*this, entries,
-                     [this, &in](NTSequence& key, SequenceCounter& counter) {
-                       const long keyRead = key.readObject(in);
-                       // The key's bucket is fetched into the cache while its
-                       // counter is read, so that storing the entry does not
-                       // stall on it (a growth in between only wastes the
-                       // hint).
-                       __builtin_prefetch(
-                           &buckets[bucketOf(key.getHashCode(), capacity)]);
-                       return keyRead + counter.readObject(in);
-                     });
+  // The key's bucket is fetched into the cache while its counter is read,
+  // and the chain's head once the batch is read, so that storing the entry
+  // does not stall on either (a growth in between only wastes the hints).
+  return 6 + readEntries(
+                 *this, entries,
+                 [this, &in](NTSequence& key, SequenceCounter& counter) {
+                   const long keyRead = key.readObject(in);
+                   __builtin_prefetch(
+                       &buckets[bucketOf(key.getHashCode(), capacity)]);
+                   return keyRead + counter.readObject(in);
+                 },
+                 [this](const NTSequence& key) {
+                   const SQCPairNode* head =
+                       buckets[bucketOf(key.getHashCode(), capacity)];
+                   if (head != nullptr) __builtin_prefetch(head);
+                 });
 }
 
 long HashtableSQPair::writeObjectXML(std::ostream& out) const {
@@ -125,11 +163,13 @@ long HashtableSQPair::readObjectXML(std::ifstream& in) {
   RecordIO::parseValue(obj, in, &entries, kFailure);
   if (entries > 0) checkEntriesFit(in, entries);
   const long read = readEntries(
-      *this, entries, [&in](NTSequence& key, SequenceCounter& counter) {
+      *this, entries,
+      [&in](NTSequence& key, SequenceCounter& counter) {
         const long keyRead = key.readObjectXML(in);
         const long counterRead = counter.readObjectXML(in);
         return keyRead <= 0 || counterRead <= 0 ? 0 : keyRead + counterRead;
-      });
+      },
+      [](const NTSequence&) {});
   if (!obj.ParseEndObj(in)) RecordIO::raise(kFailure);
   return 3 + read;
 }

@@ -3,6 +3,7 @@
 // it without a set (an empty set is not kept), a statistics flag of 0 without
 // a bucket.
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -82,11 +83,24 @@ long SequenceCounter::writeObject(std::fstream& out) const {
 }
 
 long SequenceCounter::readObject(std::fstream& in) {
-  RecordIO::expectTag(in, kTag, true, kFailure);
-  RecordIO::readFields(in, {&count, &ordinalOfEntry, &maxMissed});
-
+  // Tag, the three fields and the pair count in one read of the stream. Each
+  // field starts as it is, so that a short read leaves in it what
+  // field-by-field reads would (the tag's bytes start zero: a short tag never
+  // matches).
   int pairs = 0;
-  RecordIO::readValue(in, &pairs);
+  int* const fields[] = {&count, &ordinalOfEntry, &maxMissed, &pairs};
+  constexpr std::size_t kTagBytes = sizeof kTag;
+  char head[kTagBytes + sizeof(int) * 4] = {};
+  for (std::size_t i = 0; i < 4; ++i) {
+    std::memcpy(head + kTagBytes + sizeof(int) * i, fields[i], sizeof(int));
+  }
+  if (RecordIO::readRaw(in, head, sizeof head) < kTagBytes ||
+      std::memcmp(head, kTag, kTagBytes) != 0) {
+    RecordIO::raise(kFailure);
+  }
+  for (std::size_t i = 0; i < 4; ++i) {
+    std::memcpy(fields[i], head + kTagBytes + sizeof(int) * i, sizeof(int));
+  }
   if (pairs < 0) RecordIO::raise(RecordIO::kPairCountFailure);
   // The pairs are read a run at a time rather than with a call into the
   // stream buffer each.

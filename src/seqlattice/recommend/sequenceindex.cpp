@@ -56,7 +56,6 @@ SequenceIndex::SequenceIndex(const mining::SequenceDatabase& db) {
   for (std::size_t c = 0; c < db.customerCount(); ++c) {
     customerStart_.push_back(db.endTransaction(c));
   }
-  buildPostings();
 }
 
 bool SequenceIndex::fromFlat(std::vector<int> items,
@@ -76,11 +75,14 @@ bool SequenceIndex::fromFlat(std::vector<int> items,
   index->items_ = std::move(items);
   index->setStart_ = std::move(setStarts);
   index->customerStart_ = std::move(customerStarts);
-  index->buildPostings();
   return true;
 }
 
-void SequenceIndex::numberItems() {
+void SequenceIndex::prepare() const {
+  std::call_once(*built_, [this] { buildPostings(); });
+}
+
+void SequenceIndex::numberItems() const {
   entries_.assign(items_.size(), {0, 0});
   distinctItems_.clear();
   if (items_.empty()) return;
@@ -121,7 +123,7 @@ void SequenceIndex::numberItems() {
   }
 }
 
-void SequenceIndex::buildPostings() {
+void SequenceIndex::buildPostings() const {
   numberItems();
   // One posting per (item, customer), customers ascending. The pass that
   // links each entry to the same item's previous one in its customer counts
@@ -307,6 +309,7 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
                                           int minCustomers, int maxDropped,
                                           double decay, double smoothing,
                                           FollowerMemo* memo) const {
+  prepare();
   FollowerCounts result;
   result.context = knownItems(context);
   const std::vector<int>& known = result.context;
@@ -380,6 +383,7 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
 
 FollowerCounts SequenceIndex::similarCounts(const std::vector<int>& context,
                                             int firstRound) const {
+  prepare();
   FollowerCounts result;
   result.context = knownItems(context);
   const std::vector<int>& known = result.context;

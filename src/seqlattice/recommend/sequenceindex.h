@@ -9,11 +9,20 @@
 // The index owns its arrays and is immutable once built; reading it from
 // several threads is safe (each thread has its own scratch arrays). A
 // FollowerMemo given to followersOf is the caller's: one per thread.
+//
+// Only the flat sequences are taken when an index is made; the postings
+// that followersOf and similarCounts search are built by the first of those
+// calls (once, also when several threads make it together), so that a model
+// loaded for its patterns alone never pays for them. prepare() builds them
+// ahead of the first query. A moved-from index may only be destroyed or
+// assigned to.
 #ifndef SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 #define SEQLATTICE_RECOMMEND_SEQUENCEINDEX_H_
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 #include "seqlattice/mining/sequencedatabase.h"
@@ -76,6 +85,10 @@ class SequenceIndex {
   // customers of this data come back to what they acquired shortly before.
   double repeatRate(int window) const;
 
+  // Builds the postings now rather than on the first query; safe to call
+  // from several threads, and cheap once they are built.
+  void prepare() const;
+
   // The items that followed `context` (distinct items, any order) in the
   // indexed sequences. When fewer than minCustomers customers contain the
   // whole context, items are left out, one more per round and every choice
@@ -108,9 +121,10 @@ class SequenceIndex {
   };
 
  private:
-  void buildPostings();
+  // Run once, by prepare(), over the flat arrays.
+  void buildPostings() const;
   // Sets distinctItems_ and each entry's dense number.
-  void numberItems();
+  void numberItems() const;
   // Arrays by dense item for followersOf, one set per thread (so that a
   // call neither allocates nor clears them), zero between calls.
   struct Scratch {
@@ -139,6 +153,8 @@ class SequenceIndex {
   std::vector<int> items_;
   std::vector<std::uint32_t> setStart_{0};
   std::vector<std::uint32_t> customerStart_{0};
+  // Guards the build of everything below, which prepare() fills once.
+  std::unique_ptr<std::once_flag> built_ = std::make_unique<std::once_flag>();
   // Per entry of items_, side by side so that a walk reads one array: the
   // item renumbered densely, and one past the position of the same item's
   // previous entry in the customer's sequence (0: none), so that a walk from
@@ -147,13 +163,13 @@ class SequenceIndex {
     std::uint32_t dense;
     std::uint32_t previous;
   };
-  std::vector<Entry> entries_;
+  mutable std::vector<Entry> entries_;
   // Items are renumbered densely for the postings and the weights.
-  std::vector<int> distinctItems_;  // dense number -> item, ascending
-  std::vector<std::uint32_t> postingStart_;
-  std::vector<std::uint32_t> postings_;  // customers per dense item
+  mutable std::vector<int> distinctItems_;  // dense number -> item, ascending
+  mutable std::vector<std::uint32_t> postingStart_;
+  mutable std::vector<std::uint32_t> postings_;  // customers per dense item
   // Per posting: the customer's first item set holding the item.
-  std::vector<std::uint32_t> firstSets_;
+  mutable std::vector<std::uint32_t> firstSets_;
   // For the items held by at least 1 / kDirectShare of the customers: by
   // customer, the first item set holding the item plus one (0: not held), so
   // that checking a holder against a popular item is one read instead of a
@@ -161,8 +177,8 @@ class SequenceIndex {
   // in direct_ (in customers), or kNoRow.
   static constexpr std::size_t kDirectShare = 8;
   static constexpr std::size_t kNoRow = SIZE_MAX;
-  std::vector<std::size_t> directAt_;
-  std::vector<std::uint32_t> direct_;
+  mutable std::vector<std::size_t> directAt_;
+  mutable std::vector<std::uint32_t> direct_;
 };
 
 }  // namespace recommend

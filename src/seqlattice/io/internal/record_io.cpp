@@ -82,12 +82,13 @@ int checkedCount(int count, bool good, bool negativeFails,
   return count;
 }
 
-// Puts a zeroed array of n items in place of the old one.
-void renewItems(const PatternFields& fields, int n) {
+// Puts an array of n items in place of the old one; zeroed unless the
+// caller fills it.
+void renewItems(const PatternFields& fields, int n, bool zeroed) {
   fields.size = fields.itemsCapacity = 0;
   delete[] fields.items;
   fields.items = nullptr;
-  fields.items = new int[n]();
+  fields.items = zeroed ? new int[n]() : new int[n];
   fields.size = fields.itemsCapacity = n;
 }
 
@@ -95,17 +96,34 @@ void renewItems(const PatternFields& fields, int n) {
 
 int readPatternHead(std::istream& in, const char (&tag)[4],
                     const Failure& failure, const PatternFields& fields) {
-  if (!readTag(in, tag, true) || in.bad()) raise(failure);
-  readValue(in, &fields.pattern);
+  // Tag, word and count in one read of the stream rather than three: for
+  // fields this small the call into the stream buffer costs more than the
+  // copy it makes. Each field starts as it is, so that a short read leaves in
+  // it what field-by-field reads would (the tag's bytes start zero: a short
+  // tag never matches).
+  constexpr std::size_t kTagBytes = 4;
+  constexpr std::size_t kCountAt = kTagBytes + sizeof(long);
+  char head[kCountAt + sizeof(int)] = {};
+  std::memcpy(head + kTagBytes, &fields.pattern, sizeof(long));
+  if (readRaw(in, head, sizeof head) < kTagBytes ||
+      std::memcmp(head, tag, kTagBytes) != 0 || in.bad()) {
+    raise(failure);
+  }
+  std::memcpy(&fields.pattern, head + kTagBytes, sizeof(long));
   int count = 0;
-  readValue(in, &count);
+  std::memcpy(&count, head + kCountAt, sizeof(int));
   count = checkedCount(count, in.good(), true, failure);
   if (count < 0) return 0;
-  renewItems(fields, count);
-  if (count == 0) return 0;
-  return static_cast<int>(
-      readRaw(in, fields.items, sizeof(int) * static_cast<std::size_t>(count)) /
-      sizeof(int));
+  // The array is read over at once; only what a short read leaves out is
+  // zeroed, as a zeroed array read over would hold.
+  renewItems(fields, count, false);
+  const std::size_t itemBytes = sizeof(int) * static_cast<std::size_t>(count);
+  const std::size_t got = count == 0 ? 0 : readRaw(in, fields.items, itemBytes);
+  if (got < itemBytes) {
+    std::memset(reinterpret_cast<char*>(fields.items) + got, 0,
+                itemBytes - got);
+  }
+  return static_cast<int>(got / sizeof(int));
 }
 
 int readSetCount(std::istream& in, const Failure& failure) {
@@ -133,7 +151,7 @@ long parsePatternHead(const KvXML_850::XMLObj& obj, std::istream& in,
   parseValue(obj, in, &count, failure);
   count = checkedCount(count, in.good(), true, failure);
   if (count < 0) return 2;
-  renewItems(fields, count);
+  renewItems(fields, count, true);
   return 2 + parseInts(obj, in, fields.items, count, failure);
 }
 
