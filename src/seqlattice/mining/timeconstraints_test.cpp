@@ -304,6 +304,31 @@ TEST(TimeConstraintsTest, WindowJoinsTwoTransactions) {
   EXPECT_FALSE(has(mineOne(db, mining::TimeConstraints()), Pattern{{1, 2}}));
 }
 
+TEST(TimeConstraintsTest, PreviousSetEndLimitsTheWindowUpToExactlyIt) {
+  // a at 0, (a c) at `at`, b at 4, window 2: two occurrences of <(a) (b)>,
+  // the later one with the shorter gap.
+  mining::TimeConstraints tc;
+  tc.window = 2;
+  auto mineWithAC = [&tc](double at) {
+    return mineOne({{{0, {1}}, {at, {1, 3}}, {4, {2}}}}, tc);
+  };
+  // At 2, exactly the window before b: c cannot join b's set after the
+  // later a, but can after the earlier one.
+  Result r = mineWithAC(2);
+  ASSERT_TRUE(has(r, Pattern({{1}, {2}})));
+  EXPECT_EQ(r.at(Pattern({{1}, {2}})).gaps, (GapStats{1, 2, 2, 2}));
+  ASSERT_TRUE(has(r, Pattern({{1}, {2, 3}})));
+  EXPECT_EQ(r.at(Pattern({{1}, {2, 3}})).gaps, (GapStats{1, 2, 2, 2}));
+  // At 1, beyond the window: both occurrences may widen b's set alike, the
+  // later one's gap is the one kept, and c is too far from b.
+  r = mineWithAC(1);
+  ASSERT_TRUE(has(r, Pattern({{1}, {2}})));
+  EXPECT_EQ(r.at(Pattern({{1}, {2}})).gaps, (GapStats{1, 3, 3, 3}));
+  EXPECT_FALSE(has(r, Pattern({{1}, {2, 3}})));
+  ASSERT_TRUE(has(r, Pattern({{1, 3}, {2}})));
+  EXPECT_EQ(r.at(Pattern({{1, 3}, {2}})).gaps, (GapStats{1, 3, 3, 3}));
+}
+
 TEST(TimeConstraintsTest, MaxGapKeepsAPatternWhoseMiddleDropIsRarer) {
   // <a b c> in both customers within gaps of 2; <a c> (gap 4) in neither.
   std::vector<TimedCustomer> db = {{{0, {1}}, {2, {2}}, {4, {3}}},

@@ -695,25 +695,65 @@ class Worker {
         for (; ready < readyEnd && range[*ready].begin <= tr; ++ready) {
           enterFront(node.states[*ready]);
         }
+        entering_.clear();
         for (u32 i = ts[tr]; i < ts[tr + 1]; ++i) {
           const u32 k = slot_[items[i]];
           if (k == kNoSet) continue;
+          if (entering_.empty()) enteringAt(tr);
           Node& child = children[k];
           if (child.cust.empty() || child.cust.back() != c) {
             child.cust.push_back(c);
             child.start.push_back(child.start.back());
           }
-          // Fields no limit reads are cleared, as append does.
-          for (const State& p : front_) {
-            child.states.push_back(State{readsFirst_ ? p.first : 0,
-                                         readsPrevStart_ ? p.l : 0, p.u, tr,
-                                         tr});
-          }
+          child.states.insert(child.states.end(), entering_.begin(),
+                              entering_.end());
           child.start.back() = static_cast<u32>(child.states.size());
         }
       }
     }
     endChildren(level.sFrequent);
+  }
+
+  // Fills entering_ with the states a new set matched to transaction tr
+  // starts after the front's, of those no other beats.
+  void enteringAt(u32 tr) {
+    // Fields no limit reads are cleared, as append does.
+    for (const State& p : front_) {
+      entering_.push_back(State{readsFirst_ ? p.first : 0,
+                                readsPrevStart_ ? p.l : 0, p.u, tr, tr});
+    }
+    if (entering_.size() < 2) return;
+    // The front holds no two states one beats the other on what a new set
+    // reads, so of two entering ones neither beats the other unless one's
+    // previous end no longer limits it.
+    std::size_t n = 0;
+    for (std::size_t j = 0; j < entering_.size(); ++j) {
+      bool beaten = false;
+      for (std::size_t i = 0; i < entering_.size() && !beaten; ++i) {
+        beaten = i != j && beatsAtSameEnds(entering_[i], entering_[j]) &&
+                 (i < j || !beatsAtSameEnds(entering_[j], entering_[i]));
+      }
+      if (!beaten) entering_[n++] = entering_[j];
+    }
+    entering_.resize(n);
+  }
+
+  // Whether a state's previous set no longer limits where another item of
+  // its last set may come from: the window of the last set's end reaches
+  // back no further than the previous set's end. The last set only widens
+  // to later ends, so it never will again, and states differing only in the
+  // previous set's end then merge. (Under a minimum gap the previous end is
+  // always taken to limit.)
+  bool prevEndFree(const State& s) const {
+    return s.uPrev != kNoSet && time_.window > 0 && time_.minGap == 0 &&
+           t(s.u) - t(s.uPrev) > time_.window;
+  }
+
+  // Whether o, ending its last set where s does, leads to every extension
+  // s leads to, as early and with gaps at least as short.
+  bool beatsAtSameEnds(const State& o, const State& s) const {
+    return o.lPrev >= s.lPrev && o.first >= s.first &&
+           (o.uPrev <= s.uPrev || prevEndFree(o));
   }
 
   // Adds s to the states that may precede a new set unless one of them
@@ -807,8 +847,7 @@ class Worker {
       }
       bool beaten = false;
       for (std::size_t k = sameEnds; k < states.size() && !beaten; ++k) {
-        const State& o = states[k];
-        beaten = o.lPrev >= s.lPrev && o.first >= s.first && o.uPrev <= s.uPrev;
+        beaten = beatsAtSameEnds(states[k], s);
       }
       if (!beaten) states.push_back(s);
     }
@@ -892,7 +931,7 @@ class Worker {
   std::vector<u32> all_, pattern_;
   std::vector<char> newSet_;
   std::vector<Range> ranges_;
-  std::vector<State> front_;
+  std::vector<State> front_, entering_;
   // While children are built: per item its child's index (kNoSet when not
   // built), per child the states of the current customer, and the children
   // having some.

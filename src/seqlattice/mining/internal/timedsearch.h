@@ -8,7 +8,9 @@
 // no other one beats on every limit are kept (with window 0 they merge into
 // one), so the lists stay short while the supports stay exact; what no limit
 // reads (the start without a maximum span, the previous set's start without
-// a maximum gap or gap statistics) is cleared first, so more of them merge.
+// a maximum gap or gap statistics) is cleared first, so more of them merge;
+// and once the window of the last set's end no longer reaches back to the
+// previous set's end (without a minimum gap), that end is no limit either.
 //
 // A node's frequent extensions are counted first, per customer once; then
 // all its children are built in one pass over its occurrences, each new
