@@ -15,7 +15,11 @@ LatticeIndex::LatticeIndex(SequenceDictionary& dict)
 }
 
 LatticeIndex::Node* LatticeIndex::nodeOf(const NTSequence& pattern) {
-  const SequenceCounter* counter = dict_.getDescriptor(&pattern);
+  return nodeFor(pattern, dict_.getDescriptor(&pattern));
+}
+
+LatticeIndex::Node* LatticeIndex::nodeFor(const NTSequence& pattern,
+                                          const SequenceCounter* counter) {
   if (counter == nullptr) return nullptr;
   auto [at, added] = byCounter_.try_emplace(counter, nullptr);
   if (added) {
@@ -56,21 +60,64 @@ void LatticeIndex::compile(Node& node) {
   if (node.compiled || !pairs.present()) return;
   const int after = 2 * node.pattern.getNSets() + 1;
   std::vector<Edge> edges;
-  std::vector<Follower> followers;
+  followerItems_.clear();
   for (const std::pair<int, int>& entry : pairs) {
     if (entry.second <= 1) {
       edges.push_back({entry.first, entry.second, nullptr, false});
     } else if (entry.second == after) {
-      const NTSequence extended(node.pattern, entry.first, after);
-      const SequenceCounter* counter = dict_.getDescriptor(&extended);
-      if (counter == nullptr) continue;
-      followers.push_back(
-          {entry.first, counter->getCount(), popularity(entry.first)});
+      followerItems_.push_back(entry.first);
+    }
+  }
+  std::vector<Follower> followers;
+  const HashtableSQPair* level = dict_.getLevel(node.pattern.size() + 1);
+  if (level != nullptr && !followerItems_.empty()) {
+    lookUpFollowers(node.pattern, *level);
+    for (std::size_t k = 0; k < followerItems_.size(); ++k) {
+      const ISQCPair* entry = found_[k];
+      if (entry == nullptr || entry->value == nullptr) continue;
+      const int item = followerItems_[k];
+      followers.push_back({item, entry->value->getCount(), popularity(item)});
     }
   }
   node.edges = std::move(edges);
   node.followers = std::move(followers);
   node.compiled = true;
+}
+
+void LatticeIndex::lookUpFollowers(const NTSequence& pattern,
+                                   const HashtableSQPair& level) {
+  // The pattern's item sets in the int** convention (each set's item count,
+  // then its items), and one more set holding the follower.
+  const int nSets = pattern.getNSets();
+  setItems_.assign(static_cast<std::size_t>(pattern.size() + nSets + 2), 0);
+  std::size_t at = 0;
+  std::vector<int*>& sets = setPointers_;
+  sets.resize(static_cast<std::size_t>(nSets) + 1);
+  for (int s = 0; s < nSets; ++s) {
+    const int size = pattern.getSizeOfSet(s);
+    sets[static_cast<std::size_t>(s)] = setItems_.data() + at;
+    setItems_[at] = size;
+    pattern.getSetAsArray(s, setItems_.data() + at + 1);
+    at += static_cast<std::size_t>(size) + 1;
+  }
+  int* last = setItems_.data() + at;
+  last[0] = 1;
+  sets[static_cast<std::size_t>(nSets)] = last;
+  const std::size_t n = followerItems_.size();
+  // The probes of each size keep their arrays, so that refilling them does
+  // not allocate.
+  const std::size_t size = static_cast<std::size_t>(pattern.size()) + 1;
+  if (probes_.size() <= size) probes_.resize(size + 1);
+  std::vector<NTSequence>& probes = probes_[size];
+  if (probes.size() < n) probes.resize(n);
+  probeKeys_.resize(n);
+  found_.resize(n);
+  for (std::size_t k = 0; k < n; ++k) {
+    last[1] = followerItems_[k];
+    probes[k].reuseAs(sets.data(), nSets + 1);
+    probeKeys_[k] = &probes[k];
+  }
+  level.getAll(probeKeys_.data(), static_cast<int>(n), found_.data());
 }
 
 const std::vector<LatticeIndex::Follower>& LatticeIndex::followersOf(
@@ -111,13 +158,18 @@ void LatticeIndex::extend(Node& node, int j, int n, int totalItems,
     return;
   }
   compile(node);
-  auto visit = [&](const Occurrences& at, Edge& edge) {
+  // The extensions this history can reach are resolved together first (see
+  // resolve()), then visited in the library's order.
+  pending_.clear();
+  forEachHeldEdge(node.edges, [&](const Occurrences& at, Edge& edge) {
+    if (!edge.resolved && targetSet(at, edge.position, j) >= 0) {
+      pending_.push_back(&edge);
+    }
+  });
+  resolve(p);
+  forEachHeldEdge(node.edges, [&](const Occurrences& at, Edge& edge) {
     const int target = targetSet(at, edge.position, j);
     if (target < 0) return;
-    if (!edge.resolved) {
-      edge.to = nodeOf(NTSequence(p, edge.item, edge.position));
-      edge.resolved = true;
-    }
     // An extension without a descriptor is never extended further.
     if (edge.to == nullptr) return;
     const int size = p.size() + 1;
@@ -126,10 +178,13 @@ void LatticeIndex::extend(Node& node, int j, int n, int totalItems,
       offer(edge.to, out);
     }
     work_[static_cast<std::size_t>(target)].insert(edge.to);
-  };
+  });
+}
+
+template <typename Visit>
+void LatticeIndex::forEachHeldEdge(std::vector<Edge>& edges, Visit visit) {
   // Only extensions by items the history holds can match: join the two
   // lists, both ascending by item, from the shorter side.
-  std::vector<Edge>& edges = node.edges;
   if (edges.size() < occurrences_.size()) {
     for (Edge& edge : edges) {
       auto at = std::lower_bound(
@@ -146,6 +201,28 @@ void LatticeIndex::extend(Node& node, int j, int n, int totalItems,
         visit(at, *edge);
       }
     }
+  }
+}
+
+void LatticeIndex::resolve(const NTSequence& pattern) {
+  if (pending_.empty()) return;
+  const HashtableSQPair* level = dict_.getLevel(pattern.size() + 1);
+  const std::size_t n = pending_.size();
+  if (level != nullptr) {
+    edgeProbes_.clear();
+    probeKeys_.resize(n);
+    found_.resize(n);
+    for (const Edge* edge : pending_) {
+      edgeProbes_.emplace_back(pattern, edge->item, edge->position);
+    }
+    for (std::size_t k = 0; k < n; ++k) probeKeys_[k] = &edgeProbes_[k];
+    level->getAll(probeKeys_.data(), static_cast<int>(n), found_.data());
+  }
+  for (std::size_t k = 0; k < n; ++k) {
+    Edge& edge = *pending_[k];
+    const ISQCPair* entry = level != nullptr ? found_[k] : nullptr;
+    edge.to = entry != nullptr ? nodeFor(*entry->key, entry->value) : nullptr;
+    edge.resolved = true;
   }
 }
 

@@ -19,7 +19,8 @@
 // The index keeps a reference to the dictionary, which stays the caller's and
 // must outlive it, unchanged. Its nodes grow with the patterns met, at most
 // one per stored pattern. Not thread-safe: lookups rewrite the dictionary's
-// scratch key, and nodes are added as they are met.
+// scratch key, nodes are added as they are met, and a match rewrites the
+// index's scratch (the probe patterns of its batched lookups among it).
 #ifndef SEQLATTICE_RECOMMEND_LATTICEINDEX_H_
 #define SEQLATTICE_RECOMMEND_LATTICEINDEX_H_
 
@@ -33,6 +34,7 @@
 #include "seqlattice/dictionary/sequencedictionary.h"
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/sequence/sequence.h"
+#include "seqlattice/store/hashpairseq.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace recommend {
@@ -107,8 +109,15 @@ class LatticeIndex {
   };
 
   Node* nodeOf(const NTSequence& pattern);
+  // The node of a stored pattern whose descriptor is counter (null: none).
+  Node* nodeFor(const NTSequence& pattern, const SequenceCounter* counter);
   const Single& singleOf(int item);
   void compile(Node& node);
+  // Sets found_[k] to the dictionary's entry of the pattern followed by
+  // followerItems_[k] in a new item set (null when not stored), looking
+  // them up together so that their cache misses overlap (a node's first
+  // compile looks up all its followers, often hundreds).
+  void lookUpFollowers(const NTSequence& pattern, const HashtableSQPair& level);
   double popularity(int item);
   // Where an extension lands (the library's rule); -1 when nowhere.
   int targetSet(const Occurrences& at, int position, int j) const;
@@ -117,6 +126,13 @@ class LatticeIndex {
   // library's walk does, offering and queueing what it reaches.
   void extend(Node& node, int j, int n, int totalItems,
               std::vector<Match>* out);
+  // Calls visit(occurrences, edge) for every edge whose item the history
+  // holds, in the order of the edges' items.
+  template <typename Visit>
+  void forEachHeldEdge(std::vector<Edge>& edges, Visit visit);
+  // Resolves the edges of pending_ (all from the pattern's node), looking
+  // their extensions up together as lookUpFollowers() does.
+  void resolve(const NTSequence& pattern);
 
   SequenceDictionary& dict_;
   int largest_ = 0;
@@ -131,6 +147,15 @@ class LatticeIndex {
   std::vector<int> sets_;
   std::vector<Occurrences> occurrences_;
   std::vector<std::set<Node*, ByPattern>> work_;
+  // Scratch of compile(), kept between calls so that it does not allocate.
+  std::vector<int> followerItems_;
+  std::vector<int> setItems_;
+  std::vector<int*> setPointers_;
+  std::vector<std::vector<NTSequence>> probes_;  // by pattern size
+  std::vector<const NTSequence*> probeKeys_;
+  std::vector<ISQCPair*> found_;
+  std::vector<Edge*> pending_;  // scratch of extend()
+  std::vector<NTSequence> edgeProbes_;
 };
 
 }  // namespace recommend

@@ -252,6 +252,19 @@ std::vector<int> SequenceIndex::knownItems(
   return known;
 }
 
+const double* SequenceIndex::Scratch::distanceWeights(std::uint32_t count,
+                                                      double decay) {
+  if (decay != weightsDecay) {
+    byDistance.clear();
+    weightsDecay = decay;
+  }
+  while (byDistance.size() < count) {
+    byDistance.push_back(
+        1.0 / (1.0 + decay * static_cast<double>(byDistance.size())));
+  }
+  return byDistance.data();
+}
+
 SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
   thread_local Scratch scratch;
   if (scratch.weights.size() < items) {
@@ -264,22 +277,28 @@ SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
 void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
                                  double decay, Scratch* scratch,
                                  std::vector<int>* touched) const {
-  std::vector<double>& weights = scratch->subsetWeights;
+  double* weights = scratch->subsetWeights.data();
+  const Entry* entries = entries_.data();
+  const std::uint32_t* setStart = setStart_.data();
   for (const Holder& holder : holders) {
     const std::uint32_t s = holder.after;
     const std::uint32_t end = customerStart_[holder.customer + 1];
+    if (s >= end) continue;
+    const double* weightAt = scratch->distanceWeights(end - s, decay);
     // An item counts at its first entry from `from` on: where its previous
-    // entry, if any, lies before `from`.
-    const std::uint32_t from = setStart_[s];
-    for (std::uint32_t t = s; t < end; ++t) {
-      const double weight = 1.0 / (1.0 + decay * (t - s));
-      for (std::uint32_t i = setStart_[t]; i < setStart_[t + 1]; ++i) {
-        const Entry& e = entries_[i];
-        if (e.previous > from) continue;
-        const std::size_t d = e.dense;
-        if (weights[d] == 0) touched->push_back(static_cast<int>(d));
-        weights[d] += weight;
-      }
+    // entry, if any, lies before `from`. One loop over the entries, the item
+    // set (and its weight) moving on at each set's end: most item sets of
+    // long sequences hold one item.
+    const std::uint32_t from = setStart[s];
+    const std::uint32_t last = setStart[end];
+    std::uint32_t t = s;
+    std::uint32_t setEnd = setStart[s + 1];
+    for (std::uint32_t i = from; i < last; ++i) {
+      while (i == setEnd) setEnd = setStart[++t + 1];
+      const Entry e = entries[i];
+      if (e.previous > from) continue;
+      if (weights[e.dense] == 0) touched->push_back(static_cast<int>(e.dense));
+      weights[e.dense] += weightAt[t - s];
     }
   }
 }

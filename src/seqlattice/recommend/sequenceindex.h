@@ -130,8 +130,14 @@ class SequenceIndex {
   struct Scratch {
     // The thread's arrays, grown to at least `items` entries.
     static Scratch& forItems(std::size_t items);
+    // The table of 1 / (1 + decay * distance) for distances below count,
+    // kept for the last decay, so that a walk does not divide once per item
+    // set. Valid until the next call.
+    const double* distanceWeights(std::uint32_t count, double decay);
     std::vector<double> weights;
     std::vector<double> subsetWeights;
+    std::vector<double> byDistance;
+    double weightsDecay = 0;
   };
   // Adds to scratch->subsetWeights what followed in each holder's sequence
   // after its `after` set, each distinct item once per holder.

@@ -53,4 +53,21 @@ TEST(ItemTable, ManyCodesGrowTheTable) {
   EXPECT_EQ(entries.back(), (std::pair<int, double>{4999 * 1024, 5000.0}));
 }
 
+TEST(ItemTable, SmallAndLargeCodesKeepTheirOwnValues) {
+  // Small codes are read directly, large and negative ones hashed; both
+  // list in the order they were first met.
+  recommend::ItemTable<double> table;
+  table[5000000] = 1.0;
+  table[3] = 2.0;
+  table[-7] = 3.0;
+  table[1048575] = 4.0;
+  table[1048576] = 5.0;
+  table[3] += 0.5;
+  EXPECT_EQ(test::entriesOf(table), (test::Entries{{5000000, 1.0},
+                                                   {3, 2.5},
+                                                   {-7, 3.0},
+                                                   {1048575, 4.0},
+                                                   {1048576, 5.0}}));
+}
+
 }  // namespace SEQUENCE_NAMESPACE_800
