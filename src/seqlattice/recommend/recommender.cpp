@@ -96,6 +96,12 @@ bool ranksBefore(const ItemCandidate* a, const ItemCandidate* b) {
 struct Recommender::Scratch {
   ItemTable<Candidate> candidates;
   FollowerMemo followerMemo;
+  // Each item's popularity factor for factorPower, kept across calls: a
+  // call ranks thousands of candidates, and a power and a lookup of the
+  // item's count for each took a quarter of a KOSARAK call. 0: not yet
+  // computed (a factor is positive).
+  ItemTable<double> popularityFactors;
+  double factorPower = 0;
 };
 
 double automaticNextWeight(double nextShare) {
@@ -182,6 +188,18 @@ long Recommender::itemCount(int item) const {
   auto at = std::lower_bound(itemCounts_.begin(), itemCounts_.end(),
                              std::make_pair(item, LONG_MIN));
   return at == itemCounts_.end() || at->first != item ? 0 : at->second;
+}
+
+double Recommender::popularityFactorOf(int item, double power) {
+  if (power != scratch_->factorPower) {
+    scratch_->popularityFactors.newRound();
+    scratch_->factorPower = power;
+  }
+  double& factor = scratch_->popularityFactors[item];
+  if (factor == 0.0) {
+    factor = popularityFactor(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0, power);
+  }
+  return factor;
 }
 
 double Recommender::popularity(int item) const {
@@ -336,10 +354,7 @@ std::vector<Recommendation> Recommender::recommend(
     Candidate& c = entry.second;
     if (!admitted(mode, historyItems, item)) continue;
     const double factor =
-        popularityPower > 0
-            ? popularityFactor(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0,
-                               popularityPower)
-            : 1.0;
+        popularityPower > 0 ? popularityFactorOf(item, popularityPower) : 1.0;
     const double fromLattice =
         factor * (1.0 - sequenceWeight) *
         (combination == RuleCombination::kAnyOf ? c.anyOf : c.lattice);

@@ -250,6 +250,8 @@ class Recommender {
                                            const RecommendOptions& options);
   long itemCount(int item) const;
   double popularity(int item) const;
+  // popularityFactor of the item, remembered per item for the power.
+  double popularityFactorOf(int item, double power);
   // The index of runs, made on first use.
   const NextItemIndex& nextItems();
 
