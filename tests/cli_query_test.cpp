@@ -326,10 +326,10 @@ TEST_F(CliQueryTest, PredictExplainsEachItem) {
                     "--top", "2", "--format", "csv"}),
             "rank,item,score,source,confidence,support,cause,pattern,count,"
             "pattern count,skipped sets,context customers,followers,next "
-            "after,next count,run count\n"
+            "after,next count,run count,item count\n"
             "1,cups,0.48,lattice,0.6666666666666666,0.4,1.0,(pot),2,3,0,3,"
-            "0.4,,0,0\n"
-            "2,tea,0.0,popular,0.4,0.4,1.0,,0,0,0,0,0.0,,0,0\n");
+            "0.4,,0,0,2\n"
+            "2,tea,0.0,popular,0.4,0.4,1.0,,0,0,0,0,0.0,,0,0,2\n");
 }
 
 TEST_F(CliQueryTest, PredictForOneCustomerOfAFile) {

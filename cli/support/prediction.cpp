@@ -122,7 +122,7 @@ class PredictionTable {
       names.insert(names.end(),
                    {"pattern", "count", "pattern count", "skipped sets",
                     "context customers", "followers", "next after",
-                    "next count", "run count"});
+                    "next count", "run count", "item count"});
     }
     return names;
   }
@@ -132,7 +132,7 @@ class PredictionTable {
     row->insert(row->end(),
                 {labelled(p.pattern), p.count, p.patternCount, p.skippedSets,
                  p.contextCustomers, p.followerWeight, labelled(p.nextRun),
-                 p.nextCount, p.nextRunCount});
+                 p.nextCount, p.nextRunCount, p.itemCount});
   }
 
   // Item sets as arrays of labels.

@@ -240,7 +240,9 @@ class Model:
                 sequence_weight: Optional[float] = None, context_sets: int = 8,
                 context_customers: int = 100, max_dropped: int = 4,
                 decay: Optional[float] = None,
-                next_weight: Optional[float] = None, customer: str = "customer",
+                next_weight: Optional[float] = None,
+                popularity_power: Optional[float] = None,
+                customer: str = "customer",
                 time: str = "time", item: str = "item", format: str = "auto",
                 delimiter: Optional[str] = None) -> pd.DataFrame:
         """The items customers buy next, as ``seqlattice predict`` predicts
@@ -262,9 +264,9 @@ class Model:
         ``repeat_only`` filter by the history's items; ``explain`` adds the
         evidence behind each item; ``only_customer`` keeps one customer of a
         log; ``prior``, ``earlier_weight``, ``sequence_weight``,
-        ``context_sets``, ``context_customers``, ``max_dropped``, ``decay``
-        and ``next_weight`` weigh the evidence (None: chosen from the
-        model's data).
+        ``context_sets``, ``context_customers``, ``max_dropped``, ``decay``,
+        ``next_weight`` and ``popularity_power`` weigh the evidence (None:
+        chosen from the model's data).
 
         Returns columns rank, item, for the recommender's rankings score and
         source, and the prediction's measures; a log adds a customer column
@@ -302,6 +304,8 @@ class Model:
             "decay", decay, 0.0, float("inf"))
         settings.next_weight = -1.0 if next_weight is None else _check_float(
             "next_weight", next_weight, 0.0, 1.0)
+        settings.popularity_power = -1.0 if popularity_power is None else \
+            _check_float("popularity_power", popularity_power, 0.0, 10.0)
         if only_customer is not None and not isinstance(data, pd.DataFrame):
             if not isinstance(data, os.PathLike):
                 raise ValueError("only_customer: needs a log, not a history")

@@ -357,7 +357,9 @@ void bindSettings(py::module_& m) {
                      &cli::PredictSettings::minContextCustomers)
       .def_readwrite("max_dropped", &cli::PredictSettings::maxDropped)
       .def_readwrite("decay", &cli::PredictSettings::decay)
-      .def_readwrite("next_weight", &cli::PredictSettings::nextWeight);
+      .def_readwrite("next_weight", &cli::PredictSettings::nextWeight)
+      .def_readwrite("popularity_power",
+                     &cli::PredictSettings::popularityPower);
 
   py::class_<cli::RuleBounds>(m, "RuleBounds")
       .def(py::init<>())

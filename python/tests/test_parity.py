@@ -149,6 +149,8 @@ def test_an_unknown_filter_item_warns_as_the_tool(tool, sample_model):
       "decay": 0.5}),
     (("--next-weight", "0.5", "--explain"),
      {"next_weight": 0.5, "explain": True}),
+    (("--popularity-power", "0.5", "--explain"),
+     {"popularity_power": 0.5, "explain": True}),
 ])
 def test_predictions_equal_the_tools(tool, sample_model, args, kwargs):
     model = seqlattice.load(sample_model)

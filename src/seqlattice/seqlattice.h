@@ -46,6 +46,7 @@
 #include "seqlattice/recommend/followermemo.h"
 #include "seqlattice/recommend/latticeindex.h"
 #include "seqlattice/recommend/nextitem.h"
+#include "seqlattice/recommend/popularityweight.h"
 #include "seqlattice/recommend/recommender.h"
 #include "seqlattice/recommend/sequenceindex.h"
 

@@ -8,6 +8,7 @@
 
 #include "seqlattice/pattern/ntsequence.h"
 #include "seqlattice/recommend/internal/itemtable.h"
+#include "seqlattice/recommend/popularityweight.h"
 #include "seqlattice/rules/seqconsequentdescript.h"
 #include "seqlattice/sequence/timeditemset.h"
 #include "seqlattice/store/hashpairseq.h"
@@ -95,6 +96,12 @@ bool ranksBefore(const ItemCandidate* a, const ItemCandidate* b) {
 struct Recommender::Scratch {
   ItemTable<Candidate> candidates;
   FollowerMemo followerMemo;
+  // Each item's popularity factor for factorPower, kept across calls: a
+  // call ranks thousands of candidates, and a power and a lookup of the
+  // item's count for each took a quarter of a KOSARAK call. 0: not yet
+  // computed (a factor is positive).
+  ItemTable<double> popularityFactors;
+  double factorPower = 0;
 };
 
 double automaticNextWeight(double nextShare) {
@@ -177,11 +184,26 @@ const NextItemIndex& Recommender::nextItems() {
   return *nextItems_;
 }
 
-double Recommender::popularity(int item) const {
+long Recommender::itemCount(int item) const {
   auto at = std::lower_bound(itemCounts_.begin(), itemCounts_.end(),
                              std::make_pair(item, LONG_MIN));
-  if (at == itemCounts_.end() || at->first != item || n_ <= 0) return 0.0;
-  return static_cast<double>(at->second) / n_;
+  return at == itemCounts_.end() || at->first != item ? 0 : at->second;
+}
+
+double Recommender::popularityFactorOf(int item, double power) {
+  if (power != scratch_->factorPower) {
+    scratch_->popularityFactors.newRound();
+    scratch_->factorPower = power;
+  }
+  double& factor = scratch_->popularityFactors[item];
+  if (factor == 0.0) {
+    factor = popularityFactor(popularity(item), n_ > 0 ? 1.0 / n_ : 1.0, power);
+  }
+  return factor;
+}
+
+double Recommender::popularity(int item) const {
+  return n_ > 0 ? static_cast<double>(itemCount(item)) / n_ : 0.0;
 }
 
 std::vector<Recommendation> Recommender::byConfidence(
@@ -289,14 +311,18 @@ std::vector<Recommendation> Recommender::recommend(
 
   // What came right after the latest item sets.
   double nextWeight = 0.0;
+  double popularityPower = std::max(0.0, options.popularityPower);
   if (index_ != nullptr && !index_->empty() && length > 0) {
     const double itemsPerSet =
         static_cast<double>(index_->items().size()) /
         static_cast<double>(index_->setStarts().size() - 1);
+    const bool clicks = itemsPerSet < kBasketItems;
     nextWeight = options.nextWeight >= 0 ? std::min(1.0, options.nextWeight)
-                 : itemsPerSet < kBasketItems
-                     ? automaticNextWeight(nextItems().nextShare())
-                     : 0.0;
+                 : clicks ? automaticNextWeight(nextItems().nextShare())
+                          : 0.0;
+    if (options.popularityPower < 0 && clicks) {
+      popularityPower = automaticPopularityPower(nextItems().nextShare());
+    }
   }
   NextItems next;
   if (nextWeight > 0) {
@@ -327,10 +353,12 @@ std::vector<Recommendation> Recommender::recommend(
     const int item = entry.first;
     Candidate& c = entry.second;
     if (!admitted(mode, historyItems, item)) continue;
+    const double factor =
+        popularityPower > 0 ? popularityFactorOf(item, popularityPower) : 1.0;
     const double fromLattice =
-        (1.0 - sequenceWeight) *
+        factor * (1.0 - sequenceWeight) *
         (combination == RuleCombination::kAnyOf ? c.anyOf : c.lattice);
-    const double fromSequences = sequenceWeight * c.sequences;
+    const double fromSequences = factor * sequenceWeight * c.sequences;
     const double fromNext = nextWeight * c.next;
     c.score = (1.0 - nextWeight) * (fromLattice + fromSequences) + fromNext;
     c.source =
@@ -372,6 +400,7 @@ std::vector<Recommendation> Recommender::recommend(
     r.nextRunCount = c.nextRunCount;
     r.nextCount = c.nextCount;
     r.nextChance = c.nextChance;
+    r.itemCount = itemCount(entry->first);
     ranked.push_back(std::move(r));
   }
 
@@ -389,6 +418,7 @@ std::vector<Recommendation> Recommender::recommend(
       r.source = Source::kPopular;
       r.support = r.confidence = popularity(item);
       r.cause = 1.0;
+      r.itemCount = itemCount(item);
       ranked.push_back(r);
     }
   }

@@ -176,6 +176,10 @@ struct RecommendOptions {
   // see kNextShare), when the model has sequences; the rest is the score
   // above. Negative: automaticNextWeight of the model's sequences.
   double nextWeight = -1;
+  // The evidence of the lattice and the sequences is multiplied by the
+  // item's popularity to this power (popularityweight.h). Negative: chosen
+  // from the model's sequences (automaticPopularityPower).
+  double popularityPower = -1;
   // Fill the list with the most popular items.
   bool popularFallback = true;
 };
@@ -212,6 +216,9 @@ struct Recommendation {
   long nextRunCount = 0;
   long nextCount = 0;
   double nextChance = 0;
+  // Customers holding the item: its popularity times N, behind the
+  // popularity factor (0 for kConfidence).
+  long itemCount = 0;
 };
 
 class Recommender {
@@ -241,7 +248,10 @@ class Recommender {
  private:
   std::vector<Recommendation> byConfidence(const Sequence& history,
                                            const RecommendOptions& options);
+  long itemCount(int item) const;
   double popularity(int item) const;
+  // popularityFactor of the item, remembered per item for the power.
+  double popularityFactorOf(int item, double power);
   // The index of runs, made on first use.
   const NextItemIndex& nextItems();
 

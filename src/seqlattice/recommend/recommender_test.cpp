@@ -109,6 +109,25 @@ TEST_F(RecommenderTest, WithoutSmoothingTheRawConfidenceDecides) {
   EXPECT_DOUBLE_EQ(got[1].score, 0.9);
 }
 
+TEST_F(RecommenderTest, ThePopularityPowerWeighsTheEvidenceByPopularity) {
+  // Raw confidences x 1.0, y 0.9 (above), times p^1: x 2/22, y 0.9 * 18/22,
+  // so y moves first; each item names the customers behind its factor.
+  recommend::Recommender recommender(dict, nullptr);
+  latticeOnly.priorStrength = 0;
+  latticeOnly.popularityPower = 1;
+  auto got = recommender.recommend(test::historyOf({kB, kA}), latticeOnly);
+  ASSERT_EQ(test::itemsOf(got), (std::vector<int>{kY, kX}));
+  EXPECT_NEAR(got[0].score, 0.9 * 18 / 22, 1e-12);
+  EXPECT_NEAR(got[1].score, 2.0 / 22, 1e-12);
+  EXPECT_EQ(got[0].itemCount, 18);
+  EXPECT_EQ(got[1].itemCount, 2);
+  // Power 0 leaves the scores as they were.
+  latticeOnly.popularityPower = 0;
+  got = recommender.recommend(test::historyOf({kB, kA}), latticeOnly);
+  EXPECT_EQ(test::itemsOf(got), (std::vector<int>{kX, kY}));
+  EXPECT_DOUBLE_EQ(got[0].score, 1.0);
+}
+
 TEST_F(RecommenderTest, LiftDividesByPopularity) {
   // x 0.54545 / (2/22) = 6.0; y 0.89256 / (18/22) = 1.0909...
   recommend::Recommender recommender(dict, nullptr);
@@ -226,6 +245,11 @@ TEST_F(RecommenderTest, TheNextItemEstimateNamesTheRunBehindIt) {
   EXPECT_EQ(got[1].nextRunCount, 2);
   EXPECT_EQ(got[1].nextCount, 2);
   EXPECT_NEAR(got[1].nextChance, 3.0 / 22, 1e-12);
+  // The popularity power weighs the other evidence only.
+  options.popularityPower = 1;
+  got = recommender.recommend(test::historyOf({kB, kA}), options);
+  EXPECT_NEAR(got[0].score, 9.0 / 22, 1e-12);
+  EXPECT_NEAR(got[1].score, 3.0 / 22, 1e-12);
   // Turned off: the lattice and the index alone, no run named.
   options.nextWeight = 0;
   got = recommender.recommend(test::historyOf({kB, kA}), options);
