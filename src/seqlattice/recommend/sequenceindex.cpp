@@ -125,6 +125,10 @@ void SequenceIndex::numberItems() const {
 
 void SequenceIndex::buildPostings() const {
   numberItems();
+  emptySets_ = false;
+  for (std::size_t s = 0; s + 1 < setStart_.size() && !emptySets_; ++s) {
+    emptySets_ = setStart_[s] == setStart_[s + 1];
+  }
   // One posting per (item, customer), customers ascending. The pass that
   // links each entry to the same item's previous one in its customer counts
   // the postings (the entries with none); a second pass fills them.
@@ -270,14 +274,16 @@ SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
   if (scratch.weights.size() < items) {
     scratch.weights.resize(items, 0.0);
     scratch.subsetWeights.resize(items, 0.0);
+    scratch.met.resize(items + 1);
   }
   return scratch;
 }
 
 void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
-                                 double decay, Scratch* scratch,
-                                 std::vector<int>* touched) const {
+                                 double decay, Scratch* scratch) const {
   double* weights = scratch->subsetWeights.data();
+  int* met = scratch->met.data();
+  std::size_t size = scratch->metCount;
   const Entry* entries = entries_.data();
   const std::uint32_t* setStart = setStart_.data();
   for (const Holder& holder : holders) {
@@ -287,41 +293,55 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     const double* weightAt = scratch->distanceWeights(end - s, decay);
     // An item counts at its first entry from `from` on: where its previous
     // entry, if any, lies before `from`. One loop over the entries, the item
-    // set (and its weight) moving on at each set's end: most item sets of
-    // long sequences hold one item.
+    // set (and its weight) moving on at each set's end, or with the entry
+    // when every set of the tail holds one item, as in most long sequences.
     const std::uint32_t from = setStart[s];
     const std::uint32_t last = setStart[end];
-    std::uint32_t t = s;
-    std::uint32_t setEnd = setStart[s + 1];
-    for (std::uint32_t i = from; i < last; ++i) {
-      while (i == setEnd) setEnd = setStart[++t + 1];
+    // Whether an entry counts is a coin toss to the branch predictor on
+    // data that revisits items, so an entry that does not count adds 0
+    // (which leaves every sum as it was), and an item met for the first
+    // time is kept by a store the next one may overwrite, rather than by a
+    // branch.
+    auto add = [&](std::uint32_t i, std::uint32_t distance) {
       const Entry e = entries[i];
-      if (e.previous > from) continue;
-      if (weights[e.dense] == 0) touched->push_back(static_cast<int>(e.dense));
-      weights[e.dense] += weightAt[t - s];
+      const bool counts = e.previous <= from;
+      double& weight = weights[e.dense];
+      met[size] = static_cast<int>(e.dense);
+      size += static_cast<std::size_t>(counts & (weight == 0));
+      weight += counts ? weightAt[distance] : 0.0;
+    };
+    if (last - from == end - s && !emptySets_) {
+      // One item per set (clicks): the distance is the entry's.
+      for (std::uint32_t i = from; i < last; ++i) add(i, i - from);
+    } else {
+      std::uint32_t t = s;
+      std::uint32_t setEnd = setStart[s + 1];
+      for (std::uint32_t i = from; i < last; ++i) {
+        while (i == setEnd) setEnd = setStart[++t + 1];
+        add(i, t - s);
+      }
     }
+    scratch->metCount = size;
   }
 }
 
 void SequenceIndex::subContextFollowers(const std::vector<int>& subContext,
                                         double decay, Scratch* scratch,
                                         std::vector<Holder>* holders,
-                                        std::vector<int>* touched,
                                         FollowerMemo::Entry* entry) const {
   holdersOf(subContext, holders);
   entry->holders = static_cast<long>(holders->size());
   entry->followers.clear();
   if (holders->empty()) return;
-  touched->clear();
-  addFollowers(*holders, decay, scratch, touched);
-  entry->followers.reserve(touched->size());
-  for (int d : *touched) {
-    const std::size_t at = static_cast<std::size_t>(d);
-    entry->followers.emplace_back(static_cast<std::uint32_t>(d),
+  addFollowers(*holders, decay, scratch);
+  entry->followers.reserve(scratch->metCount);
+  for (std::size_t k = 0; k < scratch->metCount; ++k) {
+    const std::size_t at = static_cast<std::size_t>(scratch->met[k]);
+    entry->followers.emplace_back(static_cast<std::uint32_t>(at),
                                   scratch->subsetWeights[at]);
     scratch->subsetWeights[at] = 0;
   }
-  touched->clear();
+  scratch->metCount = 0;
 }
 
 FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
@@ -337,19 +357,18 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   Scratch& scratch = Scratch::forItems(distinctItems_.size());
   std::vector<double>& weights = scratch.weights;
   std::vector<int> touched;
-  std::vector<int> subsetTouched;
   // Leaves the thread's arrays zero, also when an allocation fails.
   struct Clean {
     Scratch& scratch;
     const std::vector<int>& touched;
-    const std::vector<int>& subsetTouched;
     ~Clean() {
       for (int d : touched) scratch.weights[static_cast<std::size_t>(d)] = 0;
-      for (int d : subsetTouched) {
-        scratch.subsetWeights[static_cast<std::size_t>(d)] = 0;
+      for (std::size_t k = 0; k < scratch.metCount; ++k) {
+        scratch.subsetWeights[static_cast<std::size_t>(scratch.met[k])] = 0;
       }
+      scratch.metCount = 0;
     }
-  } clean{scratch, touched, subsetTouched};
+  } clean{scratch, touched};
   std::vector<Holder> holders;
   FollowerMemo::Entry walked;
   for (int dropped = 0;
@@ -361,8 +380,7 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
           const FollowerMemo::Entry* entry =
               memo != nullptr ? memo->find(this, decay, subset) : nullptr;
           if (entry == nullptr) {
-            subContextFollowers(subset, decay, &scratch, &holders,
-                                &subsetTouched, &walked);
+            subContextFollowers(subset, decay, &scratch, &holders, &walked);
             entry = &walked;
           }
           if (entry->holders > 0) {

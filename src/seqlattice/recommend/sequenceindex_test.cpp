@@ -195,5 +195,27 @@ TEST(SequenceIndex, FlatFormRoundTripsAndIsChecked) {
   EXPECT_TRUE(copy.empty());
 }
 
+TEST(SequenceIndex, AnEmptyItemSetStillCountsAsADistance) {
+  // One customer: (1)()(2 3)(4), as a model file may hold it; the tail after
+  // (1) has as many entries as item sets without one item per set.
+  recommend::SequenceIndex index;
+  ASSERT_TRUE(recommend::SequenceIndex::fromFlat({1, 2, 3, 4}, {0, 1, 1, 3, 4},
+                                                 {0, 4}, &index));
+  recommend::FollowerCounts f = index.followersOf({1}, 1, 0, 1.0, 0.0);
+  expectCounts(f, 0, 1, 1, {{2, 0.5}, {3, 0.5}, {4, 1.0 / 3}});
+}
+
+TEST(SequenceIndex, AnItemMetAgainInTheTailCountsAtItsFirstEntry) {
+  // (1)(2)(2)(3)(2) and (2)(1)(3)(1)(3): decay 1, so distance d weighs
+  // 1 / (1 + d); an item counts once per customer, at its first entry
+  // after the context point, whatever came before that point.
+  recommend::SequenceIndex index;
+  ASSERT_TRUE(recommend::SequenceIndex::fromFlat(
+      {1, 2, 2, 3, 2, 2, 1, 3, 1, 3}, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10},
+      {0, 5, 10}, &index));
+  recommend::FollowerCounts f = index.followersOf({1}, 1, 0, 1.0, 0.0);
+  expectCounts(f, 0, 1, 2, {{1, 0.25}, {2, 0.5}, {3, (1.0 / 3 + 1.0) / 2}});
+}
+
 }  // namespace
 }  // namespace SEQUENCE_NAMESPACE_800
