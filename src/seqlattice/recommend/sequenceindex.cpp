@@ -275,6 +275,7 @@ SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
     scratch.weights.resize(items, 0.0);
     scratch.subsetWeights.resize(items, 0.0);
     scratch.met.resize(items + 1);
+    scratch.touched.resize(items + 1);
   }
   return scratch;
 }
@@ -355,20 +356,23 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   if (known.empty()) return result;
 
   Scratch& scratch = Scratch::forItems(distinctItems_.size());
-  std::vector<double>& weights = scratch.weights;
-  std::vector<int> touched;
+  double* weights = scratch.weights.data();
+  int* touched = scratch.touched.data();
+  std::size_t& touchedCount = scratch.touchedCount;
   // Leaves the thread's arrays zero, also when an allocation fails.
   struct Clean {
     Scratch& scratch;
-    const std::vector<int>& touched;
     ~Clean() {
-      for (int d : touched) scratch.weights[static_cast<std::size_t>(d)] = 0;
+      for (std::size_t k = 0; k < scratch.touchedCount; ++k) {
+        scratch.weights[static_cast<std::size_t>(scratch.touched[k])] = 0;
+      }
+      scratch.touchedCount = 0;
       for (std::size_t k = 0; k < scratch.metCount; ++k) {
         scratch.subsetWeights[static_cast<std::size_t>(scratch.met[k])] = 0;
       }
       scratch.metCount = 0;
     }
-  } clean{scratch, touched};
+  } clean{scratch};
   std::vector<Holder> holders;
   FollowerMemo::Entry walked;
   for (int dropped = 0;
@@ -388,8 +392,11 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
             result.contextCustomers += entry->holders;
             const double share =
                 1.0 / (static_cast<double>(entry->holders) + smoothing);
+            // As in a walk: the store is kept only for an item not
+            // touched before.
             for (const auto& [d, w] : entry->followers) {
-              if (weights[d] == 0) touched.push_back(static_cast<int>(d));
+              touched[touchedCount] = static_cast<int>(d);
+              touchedCount += static_cast<std::size_t>(weights[d] == 0);
               weights[d] += w * share;
             }
           }
@@ -402,19 +409,23 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   }
   // Ascending dense order is ascending item order: when many items were
   // touched, reading them off the array beats sorting them.
-  result.followers.reserve(touched.size());
+  result.followers.resize(touchedCount);
+  std::pair<int, double>* out = result.followers.data();
   auto add = [&](std::size_t d) {
-    result.followers.emplace_back(distinctItems_[d],
-                                  weights[d] / result.contexts);
+    *out++ = {distinctItems_[d], weights[d] / result.contexts};
   };
-  if (touched.size() * 8 > distinctItems_.size()) {
+  if (touchedCount * 8 > distinctItems_.size()) {
     for (std::size_t d = 0; d < distinctItems_.size(); ++d) {
       if (weights[d] != 0) add(d);
     }
   } else {
-    std::sort(touched.begin(), touched.end());
-    for (int d : touched) add(static_cast<std::size_t>(d));
+    std::sort(touched, touched + touchedCount);
+    for (std::size_t k = 0; k < touchedCount; ++k) {
+      add(static_cast<std::size_t>(touched[k]));
+    }
   }
+  result.followers.resize(
+      static_cast<std::size_t>(out - result.followers.data()));
   return result;
 }
 

@@ -143,6 +143,9 @@ class SequenceIndex {
     // items, for a store that is not kept).
     std::vector<int> met;
     std::size_t metCount = 0;
+    // The same for weights.
+    std::vector<int> touched;
+    std::size_t touchedCount = 0;
   };
   // Adds to scratch->subsetWeights what followed in each holder's sequence
   // after its `after` set, each distinct item once per holder, and appends
