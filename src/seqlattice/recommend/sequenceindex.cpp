@@ -300,16 +300,18 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     const std::uint32_t last = setStart[end];
     // Whether an entry counts is a coin toss to the branch predictor on
     // data that revisits items, so an entry that does not count adds 0
-    // (which leaves every sum as it was), and an item met for the first
-    // time is kept by a store the next one may overwrite, rather than by a
-    // branch.
+    // (which leaves every sum as it was), and an item whose weight leaves
+    // zero is kept by a store the next one may overwrite, rather than by a
+    // branch. Each item is kept at most once (weights only grow), so met
+    // cannot overflow; one whose weight stays zero (a decay so large that
+    // the weight underflows) is not listed.
     auto add = [&](std::uint32_t i, std::uint32_t distance) {
       const Entry e = entries[i];
-      const bool counts = e.previous <= from;
       double& weight = weights[e.dense];
+      const double before = weight;
+      weight += e.previous <= from ? weightAt[distance] : 0.0;
       met[size] = static_cast<int>(e.dense);
-      size += static_cast<std::size_t>(counts & (weight == 0));
-      weight += counts ? weightAt[distance] : 0.0;
+      size += static_cast<std::size_t>((before == 0) & (weight != 0));
     };
     if (last - from == end - s && !emptySets_) {
       // One item per set (clicks): the distance is the entry's.
@@ -392,12 +394,14 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
             result.contextCustomers += entry->holders;
             const double share =
                 1.0 / (static_cast<double>(entry->holders) + smoothing);
-            // As in a walk: the store is kept only for an item not
-            // touched before.
+            // As in a walk: the store is kept only for an item whose
+            // weight leaves zero.
             for (const auto& [d, w] : entry->followers) {
-              touched[touchedCount] = static_cast<int>(d);
-              touchedCount += static_cast<std::size_t>(weights[d] == 0);
+              const double before = weights[d];
               weights[d] += w * share;
+              touched[touchedCount] = static_cast<int>(d);
+              touchedCount +=
+                  static_cast<std::size_t>((before == 0) & (weights[d] != 0));
             }
           }
           if (entry == &walked && memo != nullptr) {

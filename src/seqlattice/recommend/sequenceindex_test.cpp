@@ -1,5 +1,6 @@
 #include "seqlattice/recommend/sequenceindex.h"
 
+#include <cstdint>
 #include <random>
 #include <utility>
 #include <vector>
@@ -215,6 +216,29 @@ TEST(SequenceIndex, AnItemMetAgainInTheTailCountsAtItsFirstEntry) {
       {0, 5, 10}, &index));
   recommend::FollowerCounts f = index.followersOf({1}, 1, 0, 1.0, 0.0);
   expectCounts(f, 0, 1, 2, {{1, 0.25}, {2, 0.5}, {3, (1.0 / 3 + 1.0) / 2}});
+}
+
+TEST(SequenceIndex, FollowersWhoseWeightUnderflowsAreLeftOut) {
+  // Six customers (1)(2)(3)(4): with a decay of 1e308 the weight at
+  // distance 1 is tiny but not zero and the one at distance 2 is zero, so
+  // (4) is met by every customer and never counted.
+  recommend::SequenceIndex index;
+  std::vector<int> items;
+  std::vector<std::uint32_t> sets{0};
+  std::vector<std::uint32_t> customers{0};
+  for (int c = 0; c < 6; ++c) {
+    for (int item = 1; item <= 4; ++item) {
+      items.push_back(item);
+      sets.push_back(static_cast<std::uint32_t>(items.size()));
+    }
+    customers.push_back(static_cast<std::uint32_t>(sets.size() - 1));
+  }
+  ASSERT_TRUE(
+      recommend::SequenceIndex::fromFlat(items, sets, customers, &index));
+  recommend::FollowerCounts f = index.followersOf({1}, 1, 0, 1e308, 0.0);
+  const double tiny = 1.0 / (1.0 + 1e308);
+  expectCounts(f, 0, 1, 6, {{2, 1.0}, {3, tiny}});
+  EXPECT_GT(f.followers[1].second, 0.0);
 }
 
 }  // namespace
