@@ -1,6 +1,7 @@
 #include "seqlattice/recommend/sequenceindex.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -305,24 +306,37 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     // branch. Each item is kept at most once (weights only grow), so met
     // cannot overflow; one whose weight stays zero (a decay so large that
     // the weight underflows) is not listed.
-    auto add = [&](std::uint32_t i, std::uint32_t distance) {
+    // With every weight of the table above zero (as for any decay short of
+    // an underflow), an item counted at zero leaves zero, which the branch
+    // predictor need not wait for the sum to learn.
+    auto add = [&](std::uint32_t i, std::uint32_t distance, auto positive) {
       const Entry e = entries[i];
       double& weight = weights[e.dense];
+      const bool counts = e.previous <= from;
       const double before = weight;
-      weight += e.previous <= from ? weightAt[distance] : 0.0;
+      weight += counts ? weightAt[distance] : 0.0;
       met[size] = static_cast<int>(e.dense);
-      size += static_cast<std::size_t>((before == 0) & (weight != 0));
+      const bool left = decltype(positive)::value ? counts : weight != 0;
+      size += static_cast<std::size_t>((before == 0) & left);
     };
-    if (last - from == end - s && !emptySets_) {
-      // One item per set (clicks): the distance is the entry's.
-      for (std::uint32_t i = from; i < last; ++i) add(i, i - from);
-    } else {
-      std::uint32_t t = s;
-      std::uint32_t setEnd = setStart[s + 1];
-      for (std::uint32_t i = from; i < last; ++i) {
-        while (i == setEnd) setEnd = setStart[++t + 1];
-        add(i, t - s);
+    auto walk = [&](auto positive) {
+      if (last - from == end - s && !emptySets_) {
+        // One item per set (clicks): the distance is the entry's.
+        for (std::uint32_t i = from; i < last; ++i) add(i, i - from, positive);
+      } else {
+        std::uint32_t t = s;
+        std::uint32_t setEnd = setStart[s + 1];
+        for (std::uint32_t i = from; i < last; ++i) {
+          while (i == setEnd) setEnd = setStart[++t + 1];
+          add(i, t - s, positive);
+        }
       }
+    };
+    // The table falls with the distance: its last weight is its least.
+    if (weightAt[end - s - 1] > 0) {
+      walk(std::true_type{});
+    } else {
+      walk(std::false_type{});
     }
     scratch->metCount = size;
   }
