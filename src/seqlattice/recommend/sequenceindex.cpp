@@ -1,6 +1,7 @@
 #include "seqlattice/recommend/sequenceindex.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -125,6 +126,10 @@ void SequenceIndex::numberItems() const {
 
 void SequenceIndex::buildPostings() const {
   numberItems();
+  emptySets_ = false;
+  for (std::size_t s = 0; s + 1 < setStart_.size() && !emptySets_; ++s) {
+    emptySets_ = setStart_[s] == setStart_[s + 1];
+  }
   // One posting per (item, customer), customers ascending. The pass that
   // links each entry to the same item's previous one in its customer counts
   // the postings (the entries with none); a second pass fills them.
@@ -270,14 +275,17 @@ SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
   if (scratch.weights.size() < items) {
     scratch.weights.resize(items, 0.0);
     scratch.subsetWeights.resize(items, 0.0);
+    scratch.met.resize(items + 1);
+    scratch.touched.resize(items + 1);
   }
   return scratch;
 }
 
 void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
-                                 double decay, Scratch* scratch,
-                                 std::vector<int>* touched) const {
+                                 double decay, Scratch* scratch) const {
   double* weights = scratch->subsetWeights.data();
+  int* met = scratch->met.data();
+  std::size_t size = scratch->metCount;
   const Entry* entries = entries_.data();
   const std::uint32_t* setStart = setStart_.data();
   for (const Holder& holder : holders) {
@@ -287,41 +295,70 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     const double* weightAt = scratch->distanceWeights(end - s, decay);
     // An item counts at its first entry from `from` on: where its previous
     // entry, if any, lies before `from`. One loop over the entries, the item
-    // set (and its weight) moving on at each set's end: most item sets of
-    // long sequences hold one item.
+    // set (and its weight) moving on at each set's end, or with the entry
+    // when every set of the tail holds one item, as in most long sequences.
     const std::uint32_t from = setStart[s];
     const std::uint32_t last = setStart[end];
-    std::uint32_t t = s;
-    std::uint32_t setEnd = setStart[s + 1];
-    for (std::uint32_t i = from; i < last; ++i) {
-      while (i == setEnd) setEnd = setStart[++t + 1];
+    // Whether an entry counts is a coin toss to the branch predictor on
+    // data that revisits items, so an entry that does not count adds 0
+    // (which leaves every sum as it was), and an item whose weight leaves
+    // zero is kept by a store the next one may overwrite, rather than by a
+    // branch. Each item is kept at most once (weights only grow), so met
+    // cannot overflow; one whose weight stays zero (a decay so large that
+    // the weight underflows) is not listed.
+    // With every weight of the table above zero (as for any decay short of
+    // an underflow), an item counted at zero leaves zero, which the branch
+    // predictor need not wait for the sum to learn.
+    auto add = [&](std::uint32_t i, std::uint32_t distance, auto positive) {
       const Entry e = entries[i];
-      if (e.previous > from) continue;
-      if (weights[e.dense] == 0) touched->push_back(static_cast<int>(e.dense));
-      weights[e.dense] += weightAt[t - s];
+      double& weight = weights[e.dense];
+      const bool counts = e.previous <= from;
+      const double before = weight;
+      weight += counts ? weightAt[distance] : 0.0;
+      met[size] = static_cast<int>(e.dense);
+      const bool left = decltype(positive)::value ? counts : weight != 0;
+      size += static_cast<std::size_t>((before == 0) & left);
+    };
+    auto walk = [&](auto positive) {
+      if (last - from == end - s && !emptySets_) {
+        // One item per set (clicks): the distance is the entry's.
+        for (std::uint32_t i = from; i < last; ++i) add(i, i - from, positive);
+      } else {
+        std::uint32_t t = s;
+        std::uint32_t setEnd = setStart[s + 1];
+        for (std::uint32_t i = from; i < last; ++i) {
+          while (i == setEnd) setEnd = setStart[++t + 1];
+          add(i, t - s, positive);
+        }
+      }
+    };
+    // The table falls with the distance: its last weight is its least.
+    if (weightAt[end - s - 1] > 0) {
+      walk(std::true_type{});
+    } else {
+      walk(std::false_type{});
     }
+    scratch->metCount = size;
   }
 }
 
 void SequenceIndex::subContextFollowers(const std::vector<int>& subContext,
                                         double decay, Scratch* scratch,
                                         std::vector<Holder>* holders,
-                                        std::vector<int>* touched,
                                         FollowerMemo::Entry* entry) const {
   holdersOf(subContext, holders);
   entry->holders = static_cast<long>(holders->size());
   entry->followers.clear();
   if (holders->empty()) return;
-  touched->clear();
-  addFollowers(*holders, decay, scratch, touched);
-  entry->followers.reserve(touched->size());
-  for (int d : *touched) {
-    const std::size_t at = static_cast<std::size_t>(d);
-    entry->followers.emplace_back(static_cast<std::uint32_t>(d),
+  addFollowers(*holders, decay, scratch);
+  entry->followers.reserve(scratch->metCount);
+  for (std::size_t k = 0; k < scratch->metCount; ++k) {
+    const std::size_t at = static_cast<std::size_t>(scratch->met[k]);
+    entry->followers.emplace_back(static_cast<std::uint32_t>(at),
                                   scratch->subsetWeights[at]);
     scratch->subsetWeights[at] = 0;
   }
-  touched->clear();
+  scratch->metCount = 0;
 }
 
 FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
@@ -335,21 +372,23 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   if (known.empty()) return result;
 
   Scratch& scratch = Scratch::forItems(distinctItems_.size());
-  std::vector<double>& weights = scratch.weights;
-  std::vector<int> touched;
-  std::vector<int> subsetTouched;
+  double* weights = scratch.weights.data();
+  int* touched = scratch.touched.data();
+  std::size_t& touchedCount = scratch.touchedCount;
   // Leaves the thread's arrays zero, also when an allocation fails.
   struct Clean {
     Scratch& scratch;
-    const std::vector<int>& touched;
-    const std::vector<int>& subsetTouched;
     ~Clean() {
-      for (int d : touched) scratch.weights[static_cast<std::size_t>(d)] = 0;
-      for (int d : subsetTouched) {
-        scratch.subsetWeights[static_cast<std::size_t>(d)] = 0;
+      for (std::size_t k = 0; k < scratch.touchedCount; ++k) {
+        scratch.weights[static_cast<std::size_t>(scratch.touched[k])] = 0;
       }
+      scratch.touchedCount = 0;
+      for (std::size_t k = 0; k < scratch.metCount; ++k) {
+        scratch.subsetWeights[static_cast<std::size_t>(scratch.met[k])] = 0;
+      }
+      scratch.metCount = 0;
     }
-  } clean{scratch, touched, subsetTouched};
+  } clean{scratch};
   std::vector<Holder> holders;
   FollowerMemo::Entry walked;
   for (int dropped = 0;
@@ -361,8 +400,7 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
           const FollowerMemo::Entry* entry =
               memo != nullptr ? memo->find(this, decay, subset) : nullptr;
           if (entry == nullptr) {
-            subContextFollowers(subset, decay, &scratch, &holders,
-                                &subsetTouched, &walked);
+            subContextFollowers(subset, decay, &scratch, &holders, &walked);
             entry = &walked;
           }
           if (entry->holders > 0) {
@@ -370,9 +408,14 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
             result.contextCustomers += entry->holders;
             const double share =
                 1.0 / (static_cast<double>(entry->holders) + smoothing);
+            // As in a walk: the store is kept only for an item whose
+            // weight leaves zero.
             for (const auto& [d, w] : entry->followers) {
-              if (weights[d] == 0) touched.push_back(static_cast<int>(d));
+              const double before = weights[d];
               weights[d] += w * share;
+              touched[touchedCount] = static_cast<int>(d);
+              touchedCount +=
+                  static_cast<std::size_t>((before == 0) & (weights[d] != 0));
             }
           }
           if (entry == &walked && memo != nullptr) {
@@ -384,19 +427,23 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   }
   // Ascending dense order is ascending item order: when many items were
   // touched, reading them off the array beats sorting them.
-  result.followers.reserve(touched.size());
+  result.followers.resize(touchedCount);
+  std::pair<int, double>* out = result.followers.data();
   auto add = [&](std::size_t d) {
-    result.followers.emplace_back(distinctItems_[d],
-                                  weights[d] / result.contexts);
+    *out++ = {distinctItems_[d], weights[d] / result.contexts};
   };
-  if (touched.size() * 8 > distinctItems_.size()) {
+  if (touchedCount * 8 > distinctItems_.size()) {
     for (std::size_t d = 0; d < distinctItems_.size(); ++d) {
       if (weights[d] != 0) add(d);
     }
   } else {
-    std::sort(touched.begin(), touched.end());
-    for (int d : touched) add(static_cast<std::size_t>(d));
+    std::sort(touched, touched + touchedCount);
+    for (std::size_t k = 0; k < touchedCount; ++k) {
+      add(static_cast<std::size_t>(touched[k]));
+    }
   }
+  result.followers.resize(
+      static_cast<std::size_t>(out - result.followers.data()));
   return result;
 }
 

@@ -138,16 +138,24 @@ class SequenceIndex {
     std::vector<double> subsetWeights;
     std::vector<double> byDistance;
     double weightsDecay = 0;
+    // The dense items whose subsetWeights are not zero, in the order they
+    // were met: the first metCount entries (one slot more than there are
+    // items, for a store that is not kept).
+    std::vector<int> met;
+    std::size_t metCount = 0;
+    // The same for weights.
+    std::vector<int> touched;
+    std::size_t touchedCount = 0;
   };
   // Adds to scratch->subsetWeights what followed in each holder's sequence
-  // after its `after` set, each distinct item once per holder.
+  // after its `after` set, each distinct item once per holder, and appends
+  // the items met for the first time to scratch->met.
   void addFollowers(const std::vector<Holder>& holders, double decay,
-                    Scratch* scratch, std::vector<int>* touched) const;
+                    Scratch* scratch) const;
   // Sets *entry to the customers holding subContext and the summed weights
   // of what followed them, in the order addFollowers met the items.
   void subContextFollowers(const std::vector<int>& subContext, double decay,
                            Scratch* scratch, std::vector<Holder>* holders,
-                           std::vector<int>* touched,
                            FollowerMemo::Entry* entry) const;
   // The context items this index knows, ascending and distinct.
   std::vector<int> knownItems(const std::vector<int>& context) const;
@@ -185,6 +193,9 @@ class SequenceIndex {
   static constexpr std::size_t kNoRow = SIZE_MAX;
   mutable std::vector<std::size_t> directAt_;
   mutable std::vector<std::uint32_t> direct_;
+  // Whether some item set holds no item (a model file may say so); without
+  // any, a tail with as many entries as item sets has one item per set.
+  mutable bool emptySets_ = false;
 };
 
 }  // namespace recommend

@@ -1,5 +1,6 @@
 #include "seqlattice/recommend/sequenceindex.h"
 
+#include <cstdint>
 #include <random>
 #include <utility>
 #include <vector>
@@ -193,6 +194,51 @@ TEST(SequenceIndex, FlatFormRoundTripsAndIsChecked) {
   EXPECT_FALSE(
       recommend::SequenceIndex::fromFlat({1, 2}, {0, 1}, {0, 1}, &copy));
   EXPECT_TRUE(copy.empty());
+}
+
+TEST(SequenceIndex, AnEmptyItemSetStillCountsAsADistance) {
+  // One customer: (1)()(2 3)(4), as a model file may hold it; the tail after
+  // (1) has as many entries as item sets without one item per set.
+  recommend::SequenceIndex index;
+  ASSERT_TRUE(recommend::SequenceIndex::fromFlat({1, 2, 3, 4}, {0, 1, 1, 3, 4},
+                                                 {0, 4}, &index));
+  recommend::FollowerCounts f = index.followersOf({1}, 1, 0, 1.0, 0.0);
+  expectCounts(f, 0, 1, 1, {{2, 0.5}, {3, 0.5}, {4, 1.0 / 3}});
+}
+
+TEST(SequenceIndex, AnItemMetAgainInTheTailCountsAtItsFirstEntry) {
+  // (1)(2)(2)(3)(2) and (2)(1)(3)(1)(3): decay 1, so distance d weighs
+  // 1 / (1 + d); an item counts once per customer, at its first entry
+  // after the context point, whatever came before that point.
+  recommend::SequenceIndex index;
+  ASSERT_TRUE(recommend::SequenceIndex::fromFlat(
+      {1, 2, 2, 3, 2, 2, 1, 3, 1, 3}, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10},
+      {0, 5, 10}, &index));
+  recommend::FollowerCounts f = index.followersOf({1}, 1, 0, 1.0, 0.0);
+  expectCounts(f, 0, 1, 2, {{1, 0.25}, {2, 0.5}, {3, (1.0 / 3 + 1.0) / 2}});
+}
+
+TEST(SequenceIndex, FollowersWhoseWeightUnderflowsAreLeftOut) {
+  // Six customers (1)(2)(3)(4): with a decay of 1e308 the weight at
+  // distance 1 is tiny but not zero and the one at distance 2 is zero, so
+  // (4) is met by every customer and never counted.
+  recommend::SequenceIndex index;
+  std::vector<int> items;
+  std::vector<std::uint32_t> sets{0};
+  std::vector<std::uint32_t> customers{0};
+  for (int c = 0; c < 6; ++c) {
+    for (int item = 1; item <= 4; ++item) {
+      items.push_back(item);
+      sets.push_back(static_cast<std::uint32_t>(items.size()));
+    }
+    customers.push_back(static_cast<std::uint32_t>(sets.size() - 1));
+  }
+  ASSERT_TRUE(
+      recommend::SequenceIndex::fromFlat(items, sets, customers, &index));
+  recommend::FollowerCounts f = index.followersOf({1}, 1, 0, 1e308, 0.0);
+  const double tiny = 1.0 / (1.0 + 1e308);
+  expectCounts(f, 0, 1, 6, {{2, 1.0}, {3, tiny}});
+  EXPECT_GT(f.followers[1].second, 0.0);
 }
 
 }  // namespace
