@@ -11,6 +11,9 @@
 
 #include "seqlattice/mining/internal/orderedtasks.h"
 #include "seqlattice/mining/internal/patternemitter.h"
+#include "seqlattice/mining/internal/patternpath.h"
+#include "seqlattice/mining/internal/timeddatabase.h"
+#include "seqlattice/mining/internal/windowsearch.h"
 #include "seqlattice/mining/miningerror.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -24,103 +27,6 @@ constexpr u32 kNoSet = UINT32_MAX;
 // Items read in a scan that cost about as much as one customer's lookup in
 // a join (measured on public databases).
 constexpr std::size_t kJoinCost = 3;
-
-// The database as the search reads it: the frequent items, renumbered in
-// ascending order of their values, the transactions that keep some of them
-// with their times, and per item the transactions holding it, ascending.
-struct TimedDatabase {
-  std::vector<u32> items, transactionStart{0}, customerStart{0};
-  std::vector<double> time;
-  std::vector<u32> customerId;
-  std::vector<int> itemValue;
-  std::vector<std::vector<u32>> occurrences;  // per item: transactions
-  // Per item the customers holding it, ascending, and where each one's
-  // transactions begin in occurrences (one more entry: the end).
-  std::vector<std::vector<u32>> holders, holderStart;
-  std::vector<u32> customerOf;  // per transaction
-  // Per customer its distinct items by last occurrence, latest first, in
-  // lastStart[c] .. lastStart[c + 1]: the items from transaction f on are
-  // the prefix with lastTransaction >= f.
-  std::vector<u32> lastStart{0}, lastTransaction, lastItem;
-
-  u32 itemCount() const { return static_cast<u32>(itemValue.size()); }
-};
-
-TimedDatabase buildTimedDatabase(const SequenceDatabase& db, long minCount) {
-  std::vector<int> values(db.items());
-  std::sort(values.begin(), values.end());
-  values.erase(std::unique(values.begin(), values.end()), values.end());
-  auto codeOf = [&values](int v) {
-    return static_cast<u32>(std::lower_bound(values.begin(), values.end(), v) -
-                            values.begin());
-  };
-  std::vector<u32> support(values.size(), 0), seen(values.size(), kNoSet);
-  for (std::size_t c = 0; c < db.customerCount(); ++c) {
-    for (u32 t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
-      for (const int* p = db.itemsBegin(t); p < db.itemsEnd(t); ++p) {
-        u32 v = codeOf(*p);
-        if (seen[v] != c) {
-          seen[v] = static_cast<u32>(c);
-          ++support[v];
-        }
-      }
-    }
-  }
-  TimedDatabase work;
-  std::vector<u32> dense(values.size(), kNoSet);
-  for (std::size_t v = 0; v < values.size(); ++v) {
-    if (support[v] < static_cast<u32>(minCount)) continue;
-    dense[v] = static_cast<u32>(work.itemValue.size());
-    work.itemValue.push_back(values[v]);
-  }
-  work.occurrences.resize(work.itemValue.size());
-  work.holders.resize(work.itemValue.size());
-  work.holderStart.resize(work.itemValue.size());
-  std::vector<u32> lastSeen(work.itemValue.size(), kNoSet);
-  for (std::size_t c = 0; c < db.customerCount(); ++c) {
-    const std::size_t before = work.time.size();
-    for (u32 t = db.firstTransaction(c); t < db.endTransaction(c); ++t) {
-      const std::size_t first = work.items.size();
-      const u32 index = static_cast<u32>(work.time.size());
-      for (const int* p = db.itemsBegin(t); p < db.itemsEnd(t); ++p) {
-        u32 x = dense[codeOf(*p)];
-        if (x == kNoSet) continue;
-        work.items.push_back(x);
-        const u32 customer = static_cast<u32>(work.customerStart.size() - 1);
-        if (work.holders[x].empty() || work.holders[x].back() != customer) {
-          work.holders[x].push_back(customer);
-          work.holderStart[x].push_back(
-              static_cast<u32>(work.occurrences[x].size()));
-        }
-        work.occurrences[x].push_back(index);
-      }
-      if (work.items.size() == first) continue;
-      work.transactionStart.push_back(static_cast<u32>(work.items.size()));
-      work.time.push_back(db.time(t));
-      work.customerOf.push_back(
-          static_cast<u32>(work.customerStart.size() - 1));
-    }
-    if (work.time.size() == before) continue;
-    work.customerStart.push_back(static_cast<u32>(work.time.size()));
-    work.customerId.push_back(static_cast<u32>(c));
-    const u32 customer = static_cast<u32>(work.customerId.size() - 1);
-    for (u32 t = static_cast<u32>(work.time.size()); t-- > before;) {
-      for (u32 k = work.transactionStart[t]; k < work.transactionStart[t + 1];
-           ++k) {
-        const u32 x = work.items[k];
-        if (lastSeen[x] == customer) continue;
-        lastSeen[x] = customer;
-        work.lastTransaction.push_back(t);
-        work.lastItem.push_back(x);
-      }
-    }
-    work.lastStart.push_back(static_cast<u32>(work.lastItem.size()));
-  }
-  for (std::size_t x = 0; x < work.itemValue.size(); ++x) {
-    work.holderStart[x].push_back(static_cast<u32>(work.occurrences[x].size()));
-  }
-  return work;
-}
 
 // An occurrence as the constraints see it (transaction indexes): the first
 // set starts at `first`, the next-to-last set spans [lPrev, uPrev] (kNoSet
@@ -188,7 +94,7 @@ class Worker {
         time_(options.time),
         minCount_(static_cast<u32>(minCount)),
         maxItems_(options.maxItems),
-        deadline_(options.deadline),
+        path_(db.itemValue, options.deadline),
         gaps_(gaps),
         followers_(followers),
         openEnded_(options.time.maxGap == TimeConstraints::kNone &&
@@ -209,15 +115,13 @@ class Worker {
   }
 
   void setOutput(std::vector<int>* out, std::function<void()> full = {}) {
-    out_ = out;
-    full_ = std::move(full);
+    path_.setOutput(out, std::move(full));
   }
 
   // The frequent sequence extensions of the one-item pattern x, ascending.
   std::vector<u32> followersOf(u32 x) {
     buildRoot(x, root_);
-    pattern_.assign(1, x);
-    newSet_.assign(1, 1);
+    path_.start(x);
     Level& level = levels_[1];
     level.sFrequent.clear();
     count(root_, 1, all_.data(), db_.itemCount(), nullptr, 0, level);
@@ -227,8 +131,7 @@ class Worker {
   // Emits x and every frequent pattern that begins with it.
   void mineRoot(u32 x) {
     buildRoot(x, root_);
-    pattern_.assign(1, x);
-    newSet_.assign(1, 1);
+    path_.start(x);
     emit(root_, 1);
     const u32 f = db_.itemCount();
     expand(root_, 1, all_.data(), f, all_.data() + x + 1, f - x - 1);
@@ -586,7 +489,7 @@ class Worker {
   // The candidates joining the last set (iCand) are above its last item.
   void expand(const Node& node, int sets, const u32* sCand, std::size_t nS,
               const u32* iCand, std::size_t nI) {
-    const std::size_t depth = pattern_.size();
+    const std::size_t depth = path_.size();
     if (static_cast<int>(depth) >= maxItems_) return;
     Level& level = levels_[depth];
     level.sFrequent.clear();
@@ -597,22 +500,22 @@ class Worker {
     for (std::size_t k = 0; k < level.iFrequent.size(); ++k) {
       const u32 x = level.iFrequent[k];
       const Node& child = level.iChildren[k];
-      push(x, false);
+      path_.push(x, false);
       emit(child, sets);
       expand(child, sets, level.sFrequent.data(), level.sFrequent.size(),
              level.iFrequent.data() + k + 1, level.iFrequent.size() - k - 1);
-      pop();
+      path_.pop();
     }
     for (std::size_t k = 0; k < level.sFrequent.size(); ++k) {
       const u32 x = level.sFrequent[k];
       const Node& child = level.sChildren[k];
-      push(x, true);
+      path_.push(x, true);
       emit(child, sets + 1);
       const std::vector<u32>& next =
           followers_ != nullptr ? (*followers_)[x] : level.sFrequent;
       expand(child, sets + 1, next.data(), next.size(),
              level.sFrequent.data() + k + 1, level.sFrequent.size() - k - 1);
-      pop();
+      path_.pop();
     }
   }
 
@@ -853,45 +756,19 @@ class Worker {
     }
   }
 
-  void push(u32 x, bool newSet) {
-    pattern_.push_back(x);
-    newSet_.push_back(newSet ? 1 : 0);
-  }
-  void pop() {
-    pattern_.pop_back();
-    newSet_.pop_back();
-  }
-
   // Appends the current pattern, whose occurrences are node's, as a
   // PatternEmitter record.
   void emit(const Node& node, int sets) {
-    std::vector<int>& out = *out_;
-    out.push_back(static_cast<int>(node.size()));
-    out.push_back(static_cast<int>(db_.customerId[node.cust[0]]));
-    out.push_back(sets);
-    std::size_t sizeAt = 0;
-    for (std::size_t k = 0; k < pattern_.size(); ++k) {
-      if (newSet_[k]) {
-        sizeAt = out.size();
-        out.push_back(0);
-      }
-      ++out[sizeAt];
-      out.push_back(db_.itemValue[pattern_[k]]);
-    }
+    path_.beginRecord(node.size(), db_.customerId[node.cust[0]], sets);
     if (gaps_ && sets >= 2) appendGapStatistics(node);
-    if (full_ && out.size() >= kChunkInts) full_();
-    if ((++emitted_ & 1023) == 0 &&
-        deadline_ != std::chrono::steady_clock::time_point::max() &&
-        std::chrono::steady_clock::now() >= deadline_) {
-      throw SearchStopped();
-    }
+    path_.endRecord();
   }
 
   // Per customer the gap of its earliest occurrence: the states ending
   // first, and of them the one whose last set starts soonest after the
   // previous set's start.
   void appendGapStatistics(const Node& node) {
-    double n = 0, sum = 0, low = 0, high = 0;
+    GapTally tally;
     for (u32 e = 0; e < node.size(); ++e) {
       u32 end = kNoSet;
       double gap = 0;
@@ -903,19 +780,16 @@ class Worker {
           gap = g;
         }
       }
-      low = n == 0 ? gap : std::min(low, gap);
-      high = n == 0 ? gap : std::max(high, gap);
-      sum += gap;
-      n += 1;
+      tally.add(gap);
     }
-    appendGaps(*out_, n, sum, low, high);
+    tally.appendTo(path_.out());
   }
 
   const TimedDatabase& db_;
   TimeConstraints time_;
   u32 minCount_;
   int maxItems_;
-  std::chrono::steady_clock::time_point deadline_;
+  PatternPath path_;
   bool gaps_;
   const std::vector<std::vector<u32>>* followers_;
   // No maximum gap or span: a new item set may come anywhere later.
@@ -923,13 +797,11 @@ class Worker {
   // Whether a limit reads a state's start (the maximum span), and its
   // previous set's start (the maximum gap, or the gap statistics).
   bool readsFirst_, readsPrevStart_;
-  u32 emitted_ = 0;
   Counters s_, i_;
   std::uint64_t now_ = 0;
   Node root_;
   std::vector<Level> levels_;
-  std::vector<u32> all_, pattern_;
-  std::vector<char> newSet_;
+  std::vector<u32> all_;
   std::vector<Range> ranges_;
   std::vector<State> front_, entering_;
   // While children are built: per item its child's index (kNoSet when not
@@ -937,8 +809,6 @@ class Worker {
   // having some.
   std::vector<u32> slot_, touched_;
   std::vector<std::vector<State>> fresh_;
-  std::vector<int>* out_ = nullptr;
-  std::function<void()> full_;
 };
 
 void checkLimit(const char* name, double value, bool zeroAllowed) {
@@ -967,6 +837,10 @@ void timedSearch(const SequenceDatabase& db, const MinerOptions& options,
   const TimedDatabase work = buildTimedDatabase(db, minCount);
   const u32 f = work.itemCount();
   PatternEmitter emitter(sink, summary, progress, gaps);
+  if (windowSearchApplies(work, options.time)) {
+    windowSearch(work, options, minCount, threads, emitter, gaps != nullptr);
+    return;
+  }
   auto emit = [&emitter](std::vector<int>& chunk) { emitter.emit(chunk); };
   std::vector<std::vector<u32>> followers;
   // Under a maximum gap the candidates after a set ending in x are the
