@@ -9,6 +9,12 @@ namespace recommend {
 
 namespace {
 
+// A sub-context's walk is kept in a memo when it read at least this many
+// entries per item it found: below, repeating it costs about what keeping
+// it does (an allocation and a copy per call, and a memo that fills and
+// forgets sooner).
+constexpr std::size_t kWalkPerKeptFollower = 4;
+
 // Keeps the holders of `holders` (ascending customers) that are also in the
 // ascending customers [b, bEnd), whose item's first item set is firstSets[k]
 // for b[k]; a holder's `after` becomes the latest first item set plus one.
@@ -281,13 +287,14 @@ SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
   return scratch;
 }
 
-void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
-                                 double decay, Scratch* scratch) const {
+std::size_t SequenceIndex::addFollowers(const std::vector<Holder>& holders,
+                                        double decay, Scratch* scratch) const {
   double* weights = scratch->subsetWeights.data();
   int* met = scratch->met.data();
   std::size_t size = scratch->metCount;
   const Entry* entries = entries_.data();
   const std::uint32_t* setStart = setStart_.data();
+  std::size_t walked = 0;
   for (const Holder& holder : holders) {
     const std::uint32_t s = holder.after;
     const std::uint32_t end = customerStart_[holder.customer + 1];
@@ -299,6 +306,7 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     // when every set of the tail holds one item, as in most long sequences.
     const std::uint32_t from = setStart[s];
     const std::uint32_t last = setStart[end];
+    walked += last - from;
     // Whether an entry counts is a coin toss to the branch predictor on
     // data that revisits items, so an entry that does not count adds 0
     // (which leaves every sum as it was), and an item whose weight leaves
@@ -340,25 +348,7 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     }
     scratch->metCount = size;
   }
-}
-
-void SequenceIndex::subContextFollowers(const std::vector<int>& subContext,
-                                        double decay, Scratch* scratch,
-                                        std::vector<Holder>* holders,
-                                        FollowerMemo::Entry* entry) const {
-  holdersOf(subContext, holders);
-  entry->holders = static_cast<long>(holders->size());
-  entry->followers.clear();
-  if (holders->empty()) return;
-  addFollowers(*holders, decay, scratch);
-  entry->followers.reserve(scratch->metCount);
-  for (std::size_t k = 0; k < scratch->metCount; ++k) {
-    const std::size_t at = static_cast<std::size_t>(scratch->met[k]);
-    entry->followers.emplace_back(static_cast<std::uint32_t>(at),
-                                  scratch->subsetWeights[at]);
-    scratch->subsetWeights[at] = 0;
-  }
-  scratch->metCount = 0;
+  return walked;
 }
 
 FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
@@ -391,6 +381,18 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   } clean{scratch};
   std::vector<Holder> holders;
   FollowerMemo::Entry walked;
+  auto count = [&](long held) {
+    ++result.contexts;
+    result.contextCustomers += held;
+  };
+  // The store is kept only for an item whose weight leaves zero, as in a
+  // walk.
+  auto addShare = [&](std::uint32_t d, double w) {
+    const double before = weights[d];
+    weights[d] += w;
+    touched[touchedCount] = static_cast<int>(d);
+    touchedCount += static_cast<std::size_t>((before == 0) & (weights[d] != 0));
+  };
   for (int dropped = 0;
        dropped <= maxDropped && dropped < static_cast<int>(known.size());
        ++dropped) {
@@ -399,28 +401,39 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
         [&](const std::vector<int>& subset) {
           const FollowerMemo::Entry* entry =
               memo != nullptr ? memo->find(this, decay, subset) : nullptr;
-          if (entry == nullptr) {
-            subContextFollowers(subset, decay, &scratch, &holders, &walked);
-            entry = &walked;
-          }
-          if (entry->holders > 0) {
-            ++result.contexts;
-            result.contextCustomers += entry->holders;
+          if (entry != nullptr) {
+            if (entry->holders == 0) return;
+            count(entry->holders);
             const double share =
                 1.0 / (static_cast<double>(entry->holders) + smoothing);
-            // As in a walk: the store is kept only for an item whose
-            // weight leaves zero.
-            for (const auto& [d, w] : entry->followers) {
-              const double before = weights[d];
-              weights[d] += w * share;
-              touched[touchedCount] = static_cast<int>(d);
-              touchedCount +=
-                  static_cast<std::size_t>((before == 0) & (weights[d] != 0));
+            for (const auto& [d, w] : entry->followers) addShare(d, w * share);
+            return;
+          }
+          holdersOf(subset, &holders);
+          const long held = static_cast<long>(holders.size());
+          walked.holders = held;
+          walked.followers.clear();
+          if (held > 0) {
+            count(held);
+            const std::size_t read = addFollowers(holders, decay, &scratch);
+            // A walk that read few entries per item it found is about as
+            // cheap to repeat as to keep: the memo keeps the others.
+            const bool keep = memo != nullptr &&
+                              read >= kWalkPerKeptFollower * scratch.metCount;
+            const double share = 1.0 / (static_cast<double>(held) + smoothing);
+            double* subsetWeights = scratch.subsetWeights.data();
+            for (std::size_t k = 0; k < scratch.metCount; ++k) {
+              const std::uint32_t d =
+                  static_cast<std::uint32_t>(scratch.met[k]);
+              const double w = subsetWeights[d];
+              subsetWeights[d] = 0;
+              if (keep) walked.followers.emplace_back(d, w);
+              addShare(d, w * share);
             }
+            scratch.metCount = 0;
+            if (!keep) return;
           }
-          if (entry == &walked && memo != nullptr) {
-            memo->remember(this, decay, subset, std::move(walked));
-          }
+          if (memo != nullptr) memo->remember(this, decay, subset, walked);
         });
     result.dropped = dropped;
     if (result.contextCustomers >= minCustomers) break;

@@ -149,14 +149,10 @@ class SequenceIndex {
   };
   // Adds to scratch->subsetWeights what followed in each holder's sequence
   // after its `after` set, each distinct item once per holder, and appends
-  // the items met for the first time to scratch->met.
-  void addFollowers(const std::vector<Holder>& holders, double decay,
-                    Scratch* scratch) const;
-  // Sets *entry to the customers holding subContext and the summed weights
-  // of what followed them, in the order addFollowers met the items.
-  void subContextFollowers(const std::vector<int>& subContext, double decay,
-                           Scratch* scratch, std::vector<Holder>* holders,
-                           FollowerMemo::Entry* entry) const;
+  // the items met for the first time to scratch->met. Returns the entries
+  // read.
+  std::size_t addFollowers(const std::vector<Holder>& holders, double decay,
+                           Scratch* scratch) const;
   // The context items this index knows, ascending and distinct.
   std::vector<int> knownItems(const std::vector<int>& context) const;
   // Sets *holders to the customers containing every item of context,
