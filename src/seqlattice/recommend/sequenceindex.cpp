@@ -13,7 +13,12 @@ namespace {
 // entries per item it found: below, repeating it costs about what keeping
 // it does (an allocation and a copy per call, and a memo that fills and
 // forgets sooner).
-constexpr std::size_t kWalkPerKeptFollower = 4;
+constexpr std::size_t kWalkPerKeptFollower = 16;
+
+// How many holders ahead a walk asks for a tail's starts and for its first
+// entries.
+constexpr long kAheadStarts = 4;
+constexpr long kAheadEntries = 2;
 
 // Keeps the holders of `holders` (ascending customers) that are also in the
 // ascending customers [b, bEnd), whose item's first item set is firstSets[k]
@@ -295,7 +300,21 @@ std::size_t SequenceIndex::addFollowers(const std::vector<Holder>& holders,
   const Entry* entries = entries_.data();
   const std::uint32_t* setStart = setStart_.data();
   std::size_t walked = 0;
-  for (const Holder& holder : holders) {
+  const Holder* const first = holders.data();
+  const Holder* const stop = first + holders.size();
+  for (const Holder* at = first; at != stop; ++at) {
+    const Holder& holder = *at;
+    // The holders' tails lie anywhere in the sequences: their starts are
+    // asked for a few holders ahead, their first entries two ahead (whose
+    // starts were asked for two holders before), so that a walk seldom waits
+    // for memory.
+    if (stop - at > kAheadStarts) {
+      __builtin_prefetch(setStart + at[kAheadStarts].after);
+      __builtin_prefetch(customerStart_.data() + at[kAheadStarts].customer + 1);
+    }
+    if (stop - at > kAheadEntries) {
+      __builtin_prefetch(entries + setStart[at[kAheadEntries].after]);
+    }
     const std::uint32_t s = holder.after;
     const std::uint32_t end = customerStart_[holder.customer + 1];
     if (s >= end) continue;

@@ -94,8 +94,9 @@ class SequenceIndex {
   // whole context, items are left out, one more per round and every choice
   // of them tried, for at most maxDropped rounds; the shares of every
   // sub-context of every round run are averaged. With a memo, the
-  // sub-contexts' figures are taken from it when it has them and left in it
-  // when it has not (the answer is the same either way).
+  // sub-contexts' figures are taken from it when it has them, and left in it
+  // when it has not and their walk read many entries per item it found (the
+  // answer is the same either way).
   FollowerCounts followersOf(const std::vector<int>& context, int minCustomers,
                              int maxDropped, double decay, double smoothing,
                              FollowerMemo* memo = nullptr) const;
