@@ -458,24 +458,24 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
     if (result.contextCustomers >= minCustomers) break;
   }
   // Ascending dense order is ascending item order: when many items were
-  // touched, reading them off the array beats sorting them.
-  result.followers.resize(touchedCount);
-  std::pair<int, double>* out = result.followers.data();
-  auto add = [&](std::size_t d) {
-    *out++ = {distinctItems_[d], weights[d] / result.contexts};
-  };
+  // touched, listing them again off the array beats sorting them. Whether an
+  // item was touched is a coin toss to the branch predictor, so the list is
+  // made by a store that the next item overwrites when it was not.
   if (touchedCount * 8 > distinctItems_.size()) {
+    std::size_t listed = 0;
     for (std::size_t d = 0; d < distinctItems_.size(); ++d) {
-      if (weights[d] != 0) add(d);
+      touched[listed] = static_cast<int>(d);
+      listed += static_cast<std::size_t>(weights[d] != 0);
     }
+    touchedCount = listed;
   } else {
     std::sort(touched, touched + touchedCount);
-    for (std::size_t k = 0; k < touchedCount; ++k) {
-      add(static_cast<std::size_t>(touched[k]));
-    }
   }
-  result.followers.resize(
-      static_cast<std::size_t>(out - result.followers.data()));
+  result.followers.resize(touchedCount);
+  for (std::size_t k = 0; k < touchedCount; ++k) {
+    const std::size_t d = static_cast<std::size_t>(touched[k]);
+    result.followers[k] = {distinctItems_[d], weights[d] / result.contexts};
+  }
   return result;
 }
 
