@@ -3,8 +3,9 @@
 // weight of each item after it. Customers' recent contexts share their
 // popular items and pairs, and those sub-contexts are the costly ones (many
 // customers, long tails to walk), so a later call finds them here instead
-// of walking the same sequences again. The remembered figures are the very
-// ones a fresh walk gives, so the answers do not change.
+// of walking the same sequences again (the index leaves only such costly
+// walks here). The remembered figures are the very ones a fresh walk gives,
+// so the answers do not change.
 //
 // A memo serves one index and one decay: given another, it forgets what it
 // held. It holds at most kMaxCells cells (a cell: one remembered follower,

@@ -9,6 +9,17 @@ namespace recommend {
 
 namespace {
 
+// A sub-context's walk is kept in a memo when it read at least this many
+// entries per item it found: below, repeating it costs about what keeping
+// it does (an allocation and a copy per call, and a memo that fills and
+// forgets sooner).
+constexpr std::size_t kWalkPerKeptFollower = 16;
+
+// How many holders ahead a walk asks for a tail's starts and for its first
+// entries.
+constexpr long kAheadStarts = 4;
+constexpr long kAheadEntries = 2;
+
 // Keeps the holders of `holders` (ascending customers) that are also in the
 // ascending customers [b, bEnd), whose item's first item set is firstSets[k]
 // for b[k]; a holder's `after` becomes the latest first item set plus one.
@@ -281,14 +292,29 @@ SequenceIndex::Scratch& SequenceIndex::Scratch::forItems(std::size_t items) {
   return scratch;
 }
 
-void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
-                                 double decay, Scratch* scratch) const {
+std::size_t SequenceIndex::addFollowers(const std::vector<Holder>& holders,
+                                        double decay, Scratch* scratch) const {
   double* weights = scratch->subsetWeights.data();
   int* met = scratch->met.data();
   std::size_t size = scratch->metCount;
   const Entry* entries = entries_.data();
   const std::uint32_t* setStart = setStart_.data();
-  for (const Holder& holder : holders) {
+  std::size_t walked = 0;
+  const Holder* const first = holders.data();
+  const Holder* const stop = first + holders.size();
+  for (const Holder* at = first; at != stop; ++at) {
+    const Holder& holder = *at;
+    // The holders' tails lie anywhere in the sequences: their starts are
+    // asked for a few holders ahead, their first entries two ahead (whose
+    // starts were asked for two holders before), so that a walk seldom waits
+    // for memory.
+    if (stop - at > kAheadStarts) {
+      __builtin_prefetch(setStart + at[kAheadStarts].after);
+      __builtin_prefetch(customerStart_.data() + at[kAheadStarts].customer + 1);
+    }
+    if (stop - at > kAheadEntries) {
+      __builtin_prefetch(entries + setStart[at[kAheadEntries].after]);
+    }
     const std::uint32_t s = holder.after;
     const std::uint32_t end = customerStart_[holder.customer + 1];
     if (s >= end) continue;
@@ -299,6 +325,7 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     // when every set of the tail holds one item, as in most long sequences.
     const std::uint32_t from = setStart[s];
     const std::uint32_t last = setStart[end];
+    walked += last - from;
     // Whether an entry counts is a coin toss to the branch predictor on
     // data that revisits items, so an entry that does not count adds 0
     // (which leaves every sum as it was), and an item whose weight leaves
@@ -340,25 +367,7 @@ void SequenceIndex::addFollowers(const std::vector<Holder>& holders,
     }
     scratch->metCount = size;
   }
-}
-
-void SequenceIndex::subContextFollowers(const std::vector<int>& subContext,
-                                        double decay, Scratch* scratch,
-                                        std::vector<Holder>* holders,
-                                        FollowerMemo::Entry* entry) const {
-  holdersOf(subContext, holders);
-  entry->holders = static_cast<long>(holders->size());
-  entry->followers.clear();
-  if (holders->empty()) return;
-  addFollowers(*holders, decay, scratch);
-  entry->followers.reserve(scratch->metCount);
-  for (std::size_t k = 0; k < scratch->metCount; ++k) {
-    const std::size_t at = static_cast<std::size_t>(scratch->met[k]);
-    entry->followers.emplace_back(static_cast<std::uint32_t>(at),
-                                  scratch->subsetWeights[at]);
-    scratch->subsetWeights[at] = 0;
-  }
-  scratch->metCount = 0;
+  return walked;
 }
 
 FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
@@ -391,6 +400,18 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
   } clean{scratch};
   std::vector<Holder> holders;
   FollowerMemo::Entry walked;
+  auto count = [&](long held) {
+    ++result.contexts;
+    result.contextCustomers += held;
+  };
+  // The store is kept only for an item whose weight leaves zero, as in a
+  // walk.
+  auto addShare = [&](std::uint32_t d, double w) {
+    const double before = weights[d];
+    weights[d] += w;
+    touched[touchedCount] = static_cast<int>(d);
+    touchedCount += static_cast<std::size_t>((before == 0) & (weights[d] != 0));
+  };
   for (int dropped = 0;
        dropped <= maxDropped && dropped < static_cast<int>(known.size());
        ++dropped) {
@@ -399,51 +420,62 @@ FollowerCounts SequenceIndex::followersOf(const std::vector<int>& context,
         [&](const std::vector<int>& subset) {
           const FollowerMemo::Entry* entry =
               memo != nullptr ? memo->find(this, decay, subset) : nullptr;
-          if (entry == nullptr) {
-            subContextFollowers(subset, decay, &scratch, &holders, &walked);
-            entry = &walked;
-          }
-          if (entry->holders > 0) {
-            ++result.contexts;
-            result.contextCustomers += entry->holders;
+          if (entry != nullptr) {
+            if (entry->holders == 0) return;
+            count(entry->holders);
             const double share =
                 1.0 / (static_cast<double>(entry->holders) + smoothing);
-            // As in a walk: the store is kept only for an item whose
-            // weight leaves zero.
-            for (const auto& [d, w] : entry->followers) {
-              const double before = weights[d];
-              weights[d] += w * share;
-              touched[touchedCount] = static_cast<int>(d);
-              touchedCount +=
-                  static_cast<std::size_t>((before == 0) & (weights[d] != 0));
+            for (const auto& [d, w] : entry->followers) addShare(d, w * share);
+            return;
+          }
+          holdersOf(subset, &holders);
+          const long held = static_cast<long>(holders.size());
+          walked.holders = held;
+          walked.followers.clear();
+          if (held > 0) {
+            count(held);
+            const std::size_t read = addFollowers(holders, decay, &scratch);
+            // A walk that read few entries per item it found is about as
+            // cheap to repeat as to keep: the memo keeps the others.
+            const bool keep = memo != nullptr &&
+                              read >= kWalkPerKeptFollower * scratch.metCount;
+            const double share = 1.0 / (static_cast<double>(held) + smoothing);
+            double* subsetWeights = scratch.subsetWeights.data();
+            for (std::size_t k = 0; k < scratch.metCount; ++k) {
+              const std::uint32_t d =
+                  static_cast<std::uint32_t>(scratch.met[k]);
+              const double w = subsetWeights[d];
+              subsetWeights[d] = 0;
+              if (keep) walked.followers.emplace_back(d, w);
+              addShare(d, w * share);
             }
+            scratch.metCount = 0;
+            if (!keep) return;
           }
-          if (entry == &walked && memo != nullptr) {
-            memo->remember(this, decay, subset, std::move(walked));
-          }
+          if (memo != nullptr) memo->remember(this, decay, subset, walked);
         });
     result.dropped = dropped;
     if (result.contextCustomers >= minCustomers) break;
   }
   // Ascending dense order is ascending item order: when many items were
-  // touched, reading them off the array beats sorting them.
-  result.followers.resize(touchedCount);
-  std::pair<int, double>* out = result.followers.data();
-  auto add = [&](std::size_t d) {
-    *out++ = {distinctItems_[d], weights[d] / result.contexts};
-  };
+  // touched, listing them again off the array beats sorting them. Whether an
+  // item was touched is a coin toss to the branch predictor, so the list is
+  // made by a store that the next item overwrites when it was not.
   if (touchedCount * 8 > distinctItems_.size()) {
+    std::size_t listed = 0;
     for (std::size_t d = 0; d < distinctItems_.size(); ++d) {
-      if (weights[d] != 0) add(d);
+      touched[listed] = static_cast<int>(d);
+      listed += static_cast<std::size_t>(weights[d] != 0);
     }
+    touchedCount = listed;
   } else {
     std::sort(touched, touched + touchedCount);
-    for (std::size_t k = 0; k < touchedCount; ++k) {
-      add(static_cast<std::size_t>(touched[k]));
-    }
   }
-  result.followers.resize(
-      static_cast<std::size_t>(out - result.followers.data()));
+  result.followers.resize(touchedCount);
+  for (std::size_t k = 0; k < touchedCount; ++k) {
+    const std::size_t d = static_cast<std::size_t>(touched[k]);
+    result.followers[k] = {distinctItems_[d], weights[d] / result.contexts};
+  }
   return result;
 }
 

@@ -94,8 +94,9 @@ class SequenceIndex {
   // whole context, items are left out, one more per round and every choice
   // of them tried, for at most maxDropped rounds; the shares of every
   // sub-context of every round run are averaged. With a memo, the
-  // sub-contexts' figures are taken from it when it has them and left in it
-  // when it has not (the answer is the same either way).
+  // sub-contexts' figures are taken from it when it has them, and left in it
+  // when it has not and their walk read many entries per item it found (the
+  // answer is the same either way).
   FollowerCounts followersOf(const std::vector<int>& context, int minCustomers,
                              int maxDropped, double decay, double smoothing,
                              FollowerMemo* memo = nullptr) const;
@@ -149,14 +150,10 @@ class SequenceIndex {
   };
   // Adds to scratch->subsetWeights what followed in each holder's sequence
   // after its `after` set, each distinct item once per holder, and appends
-  // the items met for the first time to scratch->met.
-  void addFollowers(const std::vector<Holder>& holders, double decay,
-                    Scratch* scratch) const;
-  // Sets *entry to the customers holding subContext and the summed weights
-  // of what followed them, in the order addFollowers met the items.
-  void subContextFollowers(const std::vector<int>& subContext, double decay,
-                           Scratch* scratch, std::vector<Holder>* holders,
-                           FollowerMemo::Entry* entry) const;
+  // the items met for the first time to scratch->met. Returns the entries
+  // read.
+  std::size_t addFollowers(const std::vector<Holder>& holders, double decay,
+                           Scratch* scratch) const;
   // The context items this index knows, ascending and distinct.
   std::vector<int> knownItems(const std::vector<int>& context) const;
   // Sets *holders to the customers containing every item of context,

@@ -146,13 +146,14 @@ TEST(SequenceIndex, SimilarCountsTakeEachCustomerOnceAtItsLargestContext) {
 }
 
 TEST(SequenceIndex, AMemoGivesTheFiguresOfAFreshWalk) {
-  // Random sequences over a few items, so that sub-contexts recur; every
-  // answer, taken from the memo or not, equals the one without a memo to
-  // the last bit.
+  // Random sequences over a few items, so that sub-contexts recur and are
+  // held by enough customers for their walks to be kept (many entries read
+  // per item found); every answer, taken from the memo or not, equals the
+  // one without a memo to the last bit.
   std::mt19937 random(11);
   std::uniform_int_distribution<int> item(1, 6);
   std::uniform_int_distribution<int> length(1, 7);
-  std::vector<test::Customer> customers(40);
+  std::vector<test::Customer> customers(400);
   for (test::Customer& customer : customers) {
     for (int s = length(random); s > 0; --s) customer.push_back({item(random)});
   }
