@@ -1,4 +1,5 @@
-// Helpers of the mining tests: customer databases written as nested lists.
+// Helpers of the mining tests: customer databases written as nested lists,
+// with or without times of their own.
 #ifndef SEQLATTICE_MINING_MINING_TEST_UTIL_H_
 #define SEQLATTICE_MINING_MINING_TEST_UTIL_H_
 
@@ -21,6 +22,25 @@ inline mining::SequenceDatabase makeDatabase(
     for (std::size_t t = 0; t < customer.size(); ++t) {
       db.addTransaction(static_cast<double>(t), customer[t]);
     }
+    db.endCustomer();
+  }
+  return db;
+}
+
+// A transaction at a time; a customer's times ascend and differ.
+struct Timed {
+  double time;
+  std::vector<int> items;
+};
+using TimedCustomer = std::vector<Timed>;
+
+// The database of the customers, each transaction at its own time.
+inline mining::SequenceDatabase makeTimedDatabase(
+    const std::vector<TimedCustomer>& customers) {
+  mining::SequenceDatabase db;
+  for (const TimedCustomer& customer : customers) {
+    db.beginCustomer();
+    for (const Timed& t : customer) db.addTransaction(t.time, t.items);
     db.endCustomer();
   }
   return db;

@@ -11,6 +11,7 @@
 
 #include "seqlattice/mining/dictionaryfiller.h"
 #include "seqlattice/mining/miner.h"
+#include "seqlattice/mining/mining_test_util.h"
 #include "seqlattice/mining/miningerror.h"
 #include "seqlattice/store/sequencedescriptor.h"
 
@@ -18,13 +19,6 @@ namespace SEQUENCE_NAMESPACE_800 {
 namespace test {
 
 using Pattern = std::vector<std::vector<int>>;
-
-// A transaction at a time; a customer's times ascend and differ.
-struct Timed {
-  double time;
-  std::vector<int> items;
-};
-using TimedCustomer = std::vector<Timed>;
 
 struct GapStats {
   long n = 0;
@@ -70,17 +64,6 @@ class CollectingSink : public mining::PatternSink, public mining::GapSink {
  private:
   GapStats pending_;
 };
-
-mining::SequenceDatabase makeTimedDatabase(
-    const std::vector<TimedCustomer>& customers) {
-  mining::SequenceDatabase db;
-  for (const TimedCustomer& customer : customers) {
-    db.beginCustomer();
-    for (const Timed& t : customer) db.addTransaction(t.time, t.items);
-    db.endCustomer();
-  }
-  return db;
-}
 
 // The best occurrence of one customer found so far: the earliest end of the
 // last set, and at that end the shortest gap.

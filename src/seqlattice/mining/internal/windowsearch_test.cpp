@@ -13,16 +13,10 @@
 
 #include "seqlattice/mining/internal/timeddatabase.h"
 #include "seqlattice/mining/miner.h"
+#include "seqlattice/mining/mining_test_util.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 namespace test {
-
-// A transaction at a time; a customer's times ascend and differ.
-struct Stamped {
-  double time;
-  std::vector<int> items;
-};
-using StampedCustomer = std::vector<Stamped>;
 
 // Every record the miner passes on, in order, one line each.
 class RecordingSink : public mining::PatternSink, public mining::GapSink {
@@ -51,35 +45,24 @@ class RecordingSink : public mining::PatternSink, public mining::GapSink {
   std::string gaps_;
 };
 
-mining::SequenceDatabase stampedDatabase(
-    const std::vector<StampedCustomer>& customers) {
-  mining::SequenceDatabase db;
-  for (const StampedCustomer& customer : customers) {
-    db.beginCustomer();
-    for (const Stamped& t : customer) db.addTransaction(t.time, t.items);
-    db.endCustomer();
-  }
-  return db;
-}
-
-std::vector<std::string> mineLines(const std::vector<StampedCustomer>& db,
+std::vector<std::string> mineLines(const std::vector<TimedCustomer>& db,
                                    const mining::MinerOptions& options) {
   RecordingSink sink;
-  mining::SequenceMiner(options).mine(stampedDatabase(db), sink, &sink);
+  mining::SequenceMiner(options).mine(makeTimedDatabase(db), sink, &sink);
   return sink.lines;
 }
 
 // One customer of n transactions at times 0, 1, ..., each holding item 1.
-std::vector<StampedCustomer> oneCustomer(int n) {
-  StampedCustomer c;
-  for (int t = 0; t < n; ++t) c.push_back(Stamped{static_cast<double>(t), {1}});
+std::vector<TimedCustomer> oneCustomer(int n) {
+  TimedCustomer c;
+  for (int t = 0; t < n; ++t) c.push_back(Timed{static_cast<double>(t), {1}});
   return {c};
 }
 
-bool applies(const std::vector<StampedCustomer>& customers,
+bool applies(const std::vector<TimedCustomer>& customers,
              const mining::TimeConstraints& time) {
   const mining::internal::TimedDatabase db =
-      mining::internal::buildTimedDatabase(stampedDatabase(customers), 1);
+      mining::internal::buildTimedDatabase(makeTimedDatabase(customers), 1);
   return mining::internal::windowSearchApplies(db, time);
 }
 
@@ -104,9 +87,9 @@ TEST(WindowSearchTest, AppliesToAWindowAloneUpTo64Transactions) {
 // Item 3 in the first 62 transactions, item 1 in the 63rd, item 2 in the
 // 64th, one time unit apart: positions 61 to 63 end a word.
 TEST(WindowSearchTest, FindsSetsAtTheLastPositions) {
-  test::StampedCustomer c;
+  test::TimedCustomer c;
   for (int t = 0; t < 64; ++t) {
-    c.push_back(test::Stamped{static_cast<double>(t), {t < 62 ? 3 : t - 61}});
+    c.push_back(test::Timed{static_cast<double>(t), {t < 62 ? 3 : t - 61}});
   }
   mining::MinerOptions options;
   options.maxItems = 2;
@@ -138,13 +121,13 @@ TEST(WindowSearchTest, AgreesWithTheGeneralSearch) {
   const int kAlphabet = 5;
   long records = 0;
   for (int d = 0; d < 60; ++d) {
-    std::vector<test::StampedCustomer> customers(2 + random() % 5);
+    std::vector<test::TimedCustomer> customers(2 + random() % 5);
     const int longest = d % 3 == 0 ? 65 : d % 3 == 1 ? 64 : 12;
     for (std::size_t k = 0; k < customers.size(); ++k) {
       const int n = k == 0 ? longest : 1 + static_cast<int>(random() % longest);
       double time = 0.25 * static_cast<double>(random() % 4);
       for (int t = 0; t < n; ++t) {
-        test::Stamped s{time, {}};
+        test::Timed s{time, {}};
         for (int x = 1; x <= kAlphabet; ++x) {
           if (random() % 4 == 0) s.items.push_back(x);
         }
