@@ -122,32 +122,31 @@ std::string ringOfItems() {
 
 TEST_F(CliMineTest, ALogOfManyItemsGetsALargerBudgetOfPairs) {
   writeFile("ring.txt", ringOfItems());
-  const std::string head =
-      "input         ring.txt (spmf)\n"
-      "customers     5000\n"
-      "transactions  15000\n"
-      "items         5000 distinct, 15000 occurrences, at most 1 per "
-      "transaction\n";
+  // The summary for a budget and a largest pattern size.
+  auto summary = [](const std::string& budget, const std::string& items) {
+    return "input         ring.txt (spmf)\n"
+           "customers     5000\n"
+           "transactions  15000\n"
+           "items         5000 distinct, 15000 occurrences, at most 1 per "
+           "transaction\n"
+           "min support   at most " +
+           budget +
+           " patterns: 2 = 2 customers\n"
+           "patterns      10000 of at most " +
+           items +
+           " items\n"
+           "  1 item      5000\n"
+           "  2 items     5000\n"
+           "model         ring.model (binary)\n";
+  };
   test::CliRun result = run({"mine", "ring.txt", "-o", "ring.model"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_EQ(withoutTime(result.out),
-            head +
-                "min support   at most 1000000 patterns: 2 = 2 customers\n"
-                "patterns      10000 of at most 2 items\n"
-                "  1 item      5000\n"
-                "  2 items     5000\n"
-                "model         ring.model (binary)\n");
+  EXPECT_EQ(withoutTime(result.out), summary("1000000", "2"));
   // A budget given is kept, with the longer patterns.
   result =
       run({"mine", "ring.txt", "-o", "ring.model", "--max-patterns", "300000"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_EQ(withoutTime(result.out),
-            head +
-                "min support   at most 300000 patterns: 2 = 2 customers\n"
-                "patterns      10000 of at most 4 items\n"
-                "  1 item      5000\n"
-                "  2 items     5000\n"
-                "model         ring.model (binary)\n");
+  EXPECT_EQ(withoutTime(result.out), summary("300000", "4"));
 }
 
 TEST_F(CliMineTest, BadRowNamesFileAndLine) {
