@@ -109,6 +109,46 @@ TEST_F(CliMineTest, SpmfInput) {
   EXPECT_EQ(readFile("seq.model").rfind("<", 0), 0u);
 }
 
+// 5,000 customers over a ring of 5,000 items: customer k holds (k) (k+1)
+// (k+2), so each item is held by 3 customers and each pair (k)(k+1) by 2.
+std::string ringOfItems() {
+  std::string text;
+  for (int k = 0; k < 5000; ++k) {
+    text += std::to_string(k) + " -1 " + std::to_string((k + 1) % 5000) +
+            " -1 " + std::to_string((k + 2) % 5000) + " -1 -2\n";
+  }
+  return text;
+}
+
+TEST_F(CliMineTest, ALogOfManyItemsGetsALargerBudgetOfPairs) {
+  writeFile("ring.txt", ringOfItems());
+  // The summary for a budget and a largest pattern size.
+  auto summary = [](const std::string& budget, const std::string& items) {
+    return "input         ring.txt (spmf)\n"
+           "customers     5000\n"
+           "transactions  15000\n"
+           "items         5000 distinct, 15000 occurrences, at most 1 per "
+           "transaction\n"
+           "min support   at most " +
+           budget +
+           " patterns: 2 = 2 customers\n"
+           "patterns      10000 of at most " +
+           items +
+           " items\n"
+           "  1 item      5000\n"
+           "  2 items     5000\n"
+           "model         ring.model (binary)\n";
+  };
+  test::CliRun result = run({"mine", "ring.txt", "-o", "ring.model"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(withoutTime(result.out), summary("1000000", "2"));
+  // A budget given is kept, with the longer patterns.
+  result =
+      run({"mine", "ring.txt", "-o", "ring.model", "--max-patterns", "300000"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(withoutTime(result.out), summary("300000", "4"));
+}
+
 TEST_F(CliMineTest, BadRowNamesFileAndLine) {
   writeFile("orders.csv", std::string(test::kOrders) + "c5,4\n");
   expectBadInput(run({"mine", "orders.csv", "-o", "orders.model"}),

@@ -117,7 +117,7 @@ void runMine(const MineOptions& options) {
   printLine(
       "min support",
       supportText + " = " + std::to_string(parameters.minCount) + " customers");
-  printSummary(summary, options.settings.maxItems);
+  printSummary(summary, parameters.maxItems);
   if (!summary.complete) {
     printLine(
         "complete",

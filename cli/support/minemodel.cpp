@@ -141,9 +141,13 @@ void addMiningOptions(CLI::App* command, MineSettings* settings) {
   command
       ->add_option("--max-patterns", settings->maxPatterns,
                    "Pattern budget: the minimum support is raised until the "
-                   "model holds at most this many patterns (default: " +
-                       std::to_string(kDefaultMaxPatterns) +
-                       " without --min-support)")
+                   "model holds at most this many patterns (default "
+                   "without --min-support: " +
+                       std::to_string(kDefaultMaxPatterns) + ", or " +
+                       std::to_string(kManyItemsMaxPatterns) + " of at most " +
+                       std::to_string(kManyItemsMaxItems) +
+                       " items for a log of " + std::to_string(kManyItems) +
+                       " items or more)")
       ->check(CLI::Range(1L, 100000000L));
   command
       ->add_option("--max-items", settings->maxItems,
@@ -186,9 +190,15 @@ mining::MinerOptions prepareMining(
   MiningParameters& parameters = model->mining;
   const MinSupportValue& given = settings.minSupport.value;
   const bool supportGiven = !settings.minSupport.text.empty();
+  const bool manyItems =
+      !supportGiven && settings.maxPatterns == 0 &&
+      db.distinctItemCount() >= static_cast<std::size_t>(kManyItems);
+  const int maxItems = manyItems
+                           ? std::min(settings.maxItems, kManyItemsMaxItems)
+                           : settings.maxItems;
   parameters.minSupportIsFraction = given.isFraction;
   parameters.minSupport = given.value;
-  parameters.maxItems = settings.maxItems;
+  parameters.maxItems = maxItems;
   parameters.inputName = inputName;
   parameters.inputFormat = inputFormat;
   describeDatabase(db, &parameters);
@@ -199,7 +209,7 @@ mining::MinerOptions prepareMining(
                                 ? mining::MinSupport::fraction(given.value)
                                 : mining::MinSupport::count(std::max(
                                       1L, static_cast<long>(given.value)));
-  minerOptions.maxItems = settings.maxItems;
+  minerOptions.maxItems = maxItems;
   minerOptions.threads = settings.threads;
   applyTimeConstraints(settings, log.datedTimes, &minerOptions, &parameters);
   // The search and the model may use most of what is left once the
@@ -215,9 +225,10 @@ mining::MinerOptions prepareMining(
     // support the budget is split in two tiers: predictions gain most from
     // many pairs at a low support, and a few longer patterns add the context
     // that pairs lack.
-    const long budget =
-        settings.maxPatterns > 0 ? settings.maxPatterns : kDefaultMaxPatterns;
-    const bool split = !supportGiven && settings.maxItems > 2;
+    const long budget = settings.maxPatterns > 0 ? settings.maxPatterns
+                        : manyItems              ? kManyItemsMaxPatterns
+                                                 : kDefaultMaxPatterns;
+    const bool split = !supportGiven && maxItems > 2;
     const long floor = supportGiven ? parameters.minCount : 2;
     mining::MinerOptions pairs = minerOptions;
     if (split) pairs.maxItems = 2;
@@ -265,7 +276,7 @@ mining::MiningSummary mineModel(
   const long pairCount = model->mining.minCount;
   bool pairsComplete = true;
   SEQUENCE_NAMESPACE_800::SeqDictionarySettings dictionarySettings;
-  dictionarySettings.nLevels = settings.maxItems + 1;
+  dictionarySettings.nLevels = model->mining.maxItems + 1;
   model->dictionary =
       std::make_unique<SEQUENCE_NAMESPACE_800::SequenceDictionary>(
           dictionarySettings);

@@ -32,14 +32,25 @@ std::string parseMinSupport(const std::string& text, MinSupportValue* out);
 // The pattern budget when no minimum support is given.
 constexpr long kDefaultMaxPatterns = 300000;
 
+// A log of at least kManyItems distinct items, mined with neither a minimum
+// support nor a budget given, gets a budget of kManyItemsMaxPatterns
+// patterns of at most kManyItemsMaxItems items instead: with that many items
+// the pairs that tell the candidates apart lie at supports the default
+// budget does not reach, and longer patterns would take the budget from them
+// (docs/recommender.md, "Mining defaults for prediction").
+constexpr long kManyItems = 5000;
+constexpr long kManyItemsMaxPatterns = 1000000;
+constexpr int kManyItemsMaxItems = 2;
+
 struct MineSettings {
   // Set through parseMinSupport; empty text: chosen from the pattern budget.
   Parsed<MinSupportValue> minSupport;
   // Pattern budget: the support is raised until the model holds at most this
-  // many patterns. 0: kDefaultMaxPatterns without a minimum support, no
-  // budget with one.
+  // many patterns. 0: without a minimum support kDefaultMaxPatterns (or
+  // kManyItemsMaxPatterns, see above), no budget with one.
   long maxPatterns = 0;
-  int maxItems = 4;       // 1 .. 31
+  // 1 .. 31; at most kManyItemsMaxItems where kManyItemsMaxPatterns applies.
+  int maxItems = 4;
   int threads = 0;        // 0: the hardware's concurrency
   bool sequences = true;  // keep the customers' sequences for the recommender
   // Seconds after which the search stops in time for the model to be
@@ -67,7 +78,9 @@ void addTimeOptions(CLI::App* command, MineSettings* settings);
 // options for log, with a memory budget of most of what the machine has free.
 // Without a minimum support, half the budget goes to patterns of up to two
 // items and half to longer ones, each at its own lowest support: the model's
-// minCount is the pairs' support and the options' the longer patterns'.
+// minCount is the pairs' support and the options' the longer patterns'. The
+// budget and the largest pattern size depend on the log's distinct items as
+// MineSettings says; model->mining.maxItems is the size used.
 // *supportText (when not null) gets the support as the mine summary shows
 // it. Through progress (which must outlive the search) the options report
 // how the search goes and stop it at the time limit. Throws CliError (exit 1)

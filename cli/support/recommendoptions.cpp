@@ -95,7 +95,7 @@ void addRecommendOptions(CLI::App* command, PredictSettings* settings) {
                    "latest orders in the customers' sequences kept in the "
                    "model (0 turns it off; default, where orders hold "
                    "under 1.5 items on average: 0.72 when the next order is "
-                   "not mostly what comes soon anyway, 0.25 when it mostly "
+                   "not mostly what comes soon anyway, 0.26 when it mostly "
                    "is, 0 when it nearly always is; else 0)")
       ->check(CLI::Range(0.0, 1.0));
   command

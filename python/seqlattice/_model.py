@@ -476,8 +476,9 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
 
     ``min_support`` is a fraction of the customers (a float, 0 < F <= 1) or
     a count of customers (an int >= 1); None: the lowest support of at most
-    ``max_patterns`` patterns (None: 300000 without a min_support, no
-    budget with one), as ``mine`` chooses it. ``max_items`` the largest
+    ``max_patterns`` patterns (None: 300000 without a min_support, or
+    1000000 of at most two items for data of 5000 distinct items or more;
+    no budget with one), as ``mine`` chooses it. ``max_items`` the largest
     pattern (1..31); ``threads`` the mining threads (None: one per core).
     Further keyword arguments are the mining settings the extension knows
     (``_seqlattice.MineSettings``, e.g. ``sequences=False`` to leave the

@@ -124,7 +124,7 @@ constexpr double kMostlyRightNext = 0.75;
 // candidates that the lattice and the index score nearly alike and leaves
 // the rest of their ranking as it was (measured, docs/recommender.md).
 constexpr double kNearlyAlwaysRightNext = 0.85;
-constexpr double kMildNextWeight = 0.25;
+constexpr double kMildNextWeight = 0.26;
 // Where item sets hold this many items or more on average (baskets rather
 // than clicks), a whole item set rarely recurs and the next one is no single
 // item; the estimate is left out by default there too (measured on the

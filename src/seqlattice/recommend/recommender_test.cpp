@@ -260,9 +260,9 @@ TEST_F(RecommenderTest, TheNextItemEstimateNamesTheRunBehindIt) {
 TEST(AutomaticNextWeight, FallsAsTheNextItemSetIsMoreOftenWhatComesSoon) {
   EXPECT_EQ(recommend::automaticNextWeight(0.53), 0.72);
   EXPECT_EQ(recommend::automaticNextWeight(0.7499), 0.72);
-  EXPECT_EQ(recommend::automaticNextWeight(0.75), 0.25);
-  EXPECT_EQ(recommend::automaticNextWeight(0.78), 0.25);
-  EXPECT_EQ(recommend::automaticNextWeight(0.8499), 0.25);
+  EXPECT_EQ(recommend::automaticNextWeight(0.75), 0.26);
+  EXPECT_EQ(recommend::automaticNextWeight(0.78), 0.26);
+  EXPECT_EQ(recommend::automaticNextWeight(0.8499), 0.26);
   EXPECT_EQ(recommend::automaticNextWeight(0.85), 0.0);
   EXPECT_EQ(recommend::automaticNextWeight(0.91), 0.0);
   EXPECT_EQ(recommend::automaticNextWeight(1.0), 0.0);
