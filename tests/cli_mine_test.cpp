@@ -147,6 +147,10 @@ TEST_F(CliMineTest, ALogOfManyItemsGetsALargerBudgetOfPairs) {
       run({"mine", "ring.txt", "-o", "ring.model", "--max-patterns", "300000"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_EQ(withoutTime(result.out), summary("300000", "4"));
+  // So is a largest pattern size given, even the default one.
+  result = run({"mine", "ring.txt", "-o", "ring.model", "--max-items", "4"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(withoutTime(result.out), summary("300000", "4"));
 }
 
 TEST_F(CliMineTest, BadRowNamesFileAndLine) {

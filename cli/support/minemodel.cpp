@@ -147,12 +147,17 @@ void addMiningOptions(CLI::App* command, MineSettings* settings) {
                        std::to_string(kManyItemsMaxPatterns) + " of at most " +
                        std::to_string(kManyItemsMaxItems) +
                        " items for a log of " + std::to_string(kManyItems) +
-                       " items or more)")
+                       " items or more when --max-items is not given)")
       ->check(CLI::Range(1L, 100000000L));
   command
       ->add_option("--max-items", settings->maxItems,
-                   "Largest number of items in a pattern")
+                   "Largest number of items in a pattern (without "
+                   "--min-support and --max-patterns, a log of " +
+                       std::to_string(kManyItems) + " items or more gets " +
+                       std::to_string(kManyItemsMaxItems) +
+                       " when this is not given)")
       ->check(CLI::Range(1, 31))
+      ->each([settings](const std::string&) { settings->maxItemsGiven = true; })
       ->capture_default_str();
 }
 
@@ -191,11 +196,9 @@ mining::MinerOptions prepareMining(
   const MinSupportValue& given = settings.minSupport.value;
   const bool supportGiven = !settings.minSupport.text.empty();
   const bool manyItems =
-      !supportGiven && settings.maxPatterns == 0 &&
+      !supportGiven && settings.maxPatterns == 0 && !settings.maxItemsGiven &&
       db.distinctItemCount() >= static_cast<std::size_t>(kManyItems);
-  const int maxItems = manyItems
-                           ? std::min(settings.maxItems, kManyItemsMaxItems)
-                           : settings.maxItems;
+  const int maxItems = manyItems ? kManyItemsMaxItems : settings.maxItems;
   parameters.minSupportIsFraction = given.isFraction;
   parameters.minSupport = given.value;
   parameters.maxItems = maxItems;

@@ -33,11 +33,11 @@ std::string parseMinSupport(const std::string& text, MinSupportValue* out);
 constexpr long kDefaultMaxPatterns = 300000;
 
 // A log of at least kManyItems distinct items, mined with neither a minimum
-// support nor a budget given, gets a budget of kManyItemsMaxPatterns
-// patterns of at most kManyItemsMaxItems items instead: with that many items
-// the pairs that tell the candidates apart lie at supports the default
-// budget does not reach, and longer patterns would take the budget from them
-// (docs/recommender.md, "Mining defaults for prediction").
+// support, a budget nor a largest pattern size given, gets a budget of
+// kManyItemsMaxPatterns patterns of at most kManyItemsMaxItems items instead:
+// with that many items the pairs that tell the candidates apart lie at supports
+// the default budget does not reach, and longer patterns would take the budget
+// from them (docs/recommender.md, "Mining defaults for prediction").
 constexpr long kManyItems = 5000;
 constexpr long kManyItemsMaxPatterns = 1000000;
 constexpr int kManyItemsMaxItems = 2;
@@ -49,8 +49,11 @@ struct MineSettings {
   // many patterns. 0: without a minimum support kDefaultMaxPatterns (or
   // kManyItemsMaxPatterns, see above), no budget with one.
   long maxPatterns = 0;
-  // 1 .. 31; at most kManyItemsMaxItems where kManyItemsMaxPatterns applies.
+  // 1 .. 31; kManyItemsMaxItems where kManyItemsMaxPatterns applies.
   int maxItems = 4;
+  // maxItems was asked for, so it holds as given (and the budget for logs
+  // of many items does not apply): a user who names a size gets it.
+  bool maxItemsGiven = false;
   int threads = 0;        // 0: the hardware's concurrency
   bool sequences = true;  // keep the customers' sequences for the recommender
   // Seconds after which the search stops in time for the model to be

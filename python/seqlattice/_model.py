@@ -409,7 +409,7 @@ def _set_time_constraints(settings, limits: dict[str, Optional[Duration]],
 
 def _mine(data: Data, customer: str, time: str, item: str,
           min_support: Optional[Union[float, int]],
-          max_patterns: Optional[int], max_items: int,
+          max_patterns: Optional[int], max_items: Optional[int],
           threads: Optional[int], format: str, delimiter: Optional[str],
           options: dict, function: str, pattern_file: str = "",
           pattern_format: str = "auto", skip_invalid: bool = False,
@@ -424,7 +424,9 @@ def _mine(data: Data, customer: str, time: str, item: str,
     if max_patterns is not None:
         settings.max_patterns = _check_range("max_patterns", max_patterns, 1,
                                              100000000)
-    settings.max_items = _check_range("max_items", max_items, 1, 31)
+    if max_items is not None:
+        settings.max_items = _check_range("max_items", max_items, 1, 31)
+        settings.max_items_given = True
     settings.threads = 0 if threads is None else _check_range(
         "threads", threads, 0, 4096)
     _set_options(settings, options, function)
@@ -451,7 +453,8 @@ def _mine(data: Data, customer: str, time: str, item: str,
 
 def mine(data: Data, *, customer: str = "customer", time: str = "time",
          item: str = "item", min_support: Optional[Union[float, int]] = None,
-         max_patterns: Optional[int] = None, max_items: int = 4,
+         max_patterns: Optional[int] = None,
+         max_items: Optional[int] = None,
          threads: Optional[int] = None,
          format: str = "auto", delimiter: Optional[str] = None,
          skip_invalid: bool = False, time_format: Optional[str] = None,
@@ -479,7 +482,9 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
     ``max_patterns`` patterns (None: 300000 without a min_support, or
     1000000 of at most two items for data of 5000 distinct items or more;
     no budget with one), as ``mine`` chooses it. ``max_items`` the largest
-    pattern (1..31); ``threads`` the mining threads (None: one per core).
+    pattern (1..31; None: 4, or 2 where the budget for many items applies,
+    which a ``max_items`` given turns off); ``threads`` the mining threads
+    (None: one per core).
     Further keyword arguments are the mining settings the extension knows
     (``_seqlattice.MineSettings``, e.g. ``sequences=False`` to leave the
     customers' sequences out of the model).
@@ -508,7 +513,8 @@ def mine(data: Data, *, customer: str = "customer", time: str = "time",
 def mine_patterns(data: Data, path: PathLike, *, patterns_format: str = "auto",
                   customer: str = "customer", time: str = "time",
                   item: str = "item", min_support: Union[float, int] = 0.05,
-                  max_patterns: Optional[int] = None, max_items: int = 4,
+                  max_patterns: Optional[int] = None,
+                  max_items: Optional[int] = None,
                   threads: Optional[int] = None,
                   format: str = "auto", delimiter: Optional[str] = None,
                   skip_invalid: bool = False,

@@ -307,6 +307,7 @@ void bindSettings(py::module_& m) {
           })
       .def_readwrite("max_patterns", &cli::MineSettings::maxPatterns)
       .def_readwrite("max_items", &cli::MineSettings::maxItems)
+      .def_readwrite("max_items_given", &cli::MineSettings::maxItemsGiven)
       .def_readwrite("threads", &cli::MineSettings::threads)
       .def_readwrite("sequences", &cli::MineSettings::sequences)
       .def_readwrite("time_limit", &cli::MineSettings::timeLimit)

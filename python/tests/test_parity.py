@@ -45,6 +45,23 @@ def test_mining_defaults_and_budget_equal_the_tools(tool, tmp_path, args,
                                                   tmp_path / "tool.model")
 
 
+def test_a_log_of_many_items_is_mined_as_the_tool_mines_it(tool, tmp_path):
+    # 5,000 customers over a ring of 5,000 items: customer k holds (k) (k+1)
+    # (k+2), enough distinct items for the larger budget of pairs.
+    ring = tmp_path / "ring.txt"
+    ring.write_text("".join(
+        f"{k} -1 {(k + 1) % 5000} -1 {(k + 2) % 5000} -1 -2\n"
+        for k in range(5000)))
+    for args, kwargs, largest in (((), {}, 2),
+                                  (("--max-items", "4"), {"max_items": 4}, 4)):
+        tool.run("mine", ring, "-o", tmp_path / "tool.model", *args)
+        model = seqlattice.mine(str(ring), **kwargs)
+        model.save(tmp_path / "python.model")
+        assert (tmp_path / "python.model").read_bytes() == \
+            (tmp_path / "tool.model").read_bytes()
+        assert model.info()["max items per pattern"] == largest
+
+
 def test_mining_the_frame_finds_the_tools_patterns(tool, sample_model,
                                                    sample_frame):
     model = seqlattice.mine(sample_frame, min_support=0.03)
